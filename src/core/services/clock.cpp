@@ -1,0 +1,18 @@
+#include "core/services/clock.h"
+
+#include <ctime>
+
+namespace vonel {
+
+text::DateTime SystemClock::now() const {
+  const std::time_t t = std::time(nullptr);
+  std::tm local{};
+#ifdef _WIN32
+  localtime_s(&local, &t);
+#else
+  localtime_r(&t, &local);
+#endif
+  return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
+}
+
+}  // namespace vonel

@@ -1,0 +1,30 @@
+#pragma once
+// The present moment, injectable so that tests can fix the time.
+#include "core/text/dates.h"
+
+namespace vonel {
+
+class Clock {
+ public:
+  virtual ~Clock() = default;
+  virtual text::DateTime now() const = 0;
+};
+
+// Local wall-clock time of the machine.
+class SystemClock final : public Clock {
+ public:
+  text::DateTime now() const override;
+};
+
+// A clock that stands still until it is moved; for tests and golden runs.
+class FixedClock final : public Clock {
+ public:
+  explicit FixedClock(text::DateTime moment) : moment_(moment) {}
+  text::DateTime now() const override { return moment_; }
+  void set(text::DateTime moment) { moment_ = moment; }
+
+ private:
+  text::DateTime moment_;
+};
+
+}  // namespace vonel

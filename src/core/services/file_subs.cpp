@@ -1,0 +1,229 @@
+#include "core/services/file_subs.h"
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <fstream>
+#include <system_error>
+
+#ifdef _WIN32
+#include <process.h>
+#else
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+#include "core/log/app_error.h"
+#include "core/text/strings.h"
+
+namespace vonel::files {
+namespace {
+
+std::string pathText(const fs::path& p) { return p.string(); }
+
+fs::path temporarySibling(const fs::path& file) {
+  static std::atomic<unsigned> counter{0};
+#ifdef _WIN32
+  const int pid = _getpid();
+#else
+  const int pid = static_cast<int>(getpid());
+#endif
+  return file.parent_path() /
+         ("." + file.filename().string() + ".tmp" + std::to_string(pid) + "-" + std::to_string(++counter));
+}
+
+#ifndef _WIN32
+void writeAll(int fd, std::string_view bytes, const fs::path& file) {
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      throw AppError::fromErrno(errno, pathText(file));
+    }
+    done += static_cast<std::size_t>(n);
+  }
+}
+#endif
+
+}  // namespace
+
+bool FileExists(const fs::path& file) {
+  std::error_code ec;
+  return fs::is_regular_file(file, ec);
+}
+
+bool FolderExists(const fs::path& folder) {
+  std::error_code ec;
+  return fs::is_directory(folder, ec);
+}
+
+bool MkMissingDir(const fs::path& folder) {
+  std::error_code ec;
+  if (fs::is_directory(folder, ec)) return true;
+  fs::create_directories(folder, ec);
+  return fs::is_directory(folder, ec);
+}
+
+std::string LoadTextFile(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  if (!in) throw AppError::fromErrno(errno ? errno : ENOENT, pathText(file));
+  std::string bytes;
+  std::error_code ec;
+  const auto size = fs::file_size(file, ec);
+  if (!ec) bytes.reserve(static_cast<std::size_t>(size));
+  bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  if (in.bad()) throw AppError(error_number::kDeviceIo, "Device I/O error: " + pathText(file));
+  return bytes;
+}
+
+void WriteTextFile(const fs::path& file, std::string_view bytes) {
+  const fs::path temporary = temporarySibling(file);
+#ifdef _WIN32
+  {
+    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+    if (!out) throw AppError::fromErrno(errno ? errno : EACCES, pathText(file));
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    out.flush();
+    if (!out) {
+      std::error_code ignored;
+      fs::remove(temporary, ignored);
+      throw AppError(error_number::kDiskFull, "Disk full: " + pathText(file));
+    }
+  }
+#else
+  const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+  if (fd < 0) throw AppError::fromErrno(errno, pathText(file));
+  try {
+    // Keep the permissions of the file being replaced.
+    struct stat old {};
+    if (::stat(file.c_str(), &old) == 0) ::fchmod(fd, old.st_mode & 07777);
+    writeAll(fd, bytes, file);
+    if (::fsync(fd) != 0) throw AppError::fromErrno(errno, pathText(file));
+  } catch (...) {
+    ::close(fd);
+    ::unlink(temporary.c_str());
+    throw;
+  }
+  if (::close(fd) != 0) {
+    const int saved = errno;
+    ::unlink(temporary.c_str());
+    throw AppError::fromErrno(saved, pathText(file));
+  }
+#endif
+  std::error_code ec;
+  fs::rename(temporary, file, ec);
+  if (ec) {
+    std::error_code ignored;
+    fs::remove(temporary, ignored);
+    throw AppError::fromErrno(ec.value(), pathText(file));
+  }
+}
+
+void AppendToFile(const fs::path& file, std::string_view bytes) {
+  std::ofstream out(file, std::ios::binary | std::ios::app);
+  if (!out) throw AppError::fromErrno(errno ? errno : EACCES, pathText(file));
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  out.flush();
+  if (!out) throw AppError(error_number::kDiskFull, "Disk full: " + pathText(file));
+}
+
+bool EraseFile(const fs::path& file) {
+  std::error_code ec;
+  fs::remove(file, ec);
+  return !ec;
+}
+
+bool IsReadOnly(const fs::path& file) {
+  std::error_code ec;
+  const auto status = fs::status(file, ec);
+  if (ec || !fs::exists(status)) return false;
+  return (status.permissions() & fs::perms::owner_write) == fs::perms::none;
+}
+
+bool MakeReadWrite(const fs::path& file) {
+  std::error_code ec;
+  fs::permissions(file, fs::perms::owner_write, fs::perm_options::add, ec);
+  return !ec && !IsReadOnly(file);
+}
+
+std::optional<std::uintmax_t> FileSize(const fs::path& file) {
+  std::error_code ec;
+  const auto size = fs::file_size(file, ec);
+  if (ec) return std::nullopt;
+  return size;
+}
+
+std::optional<text::DateTime> FileDate(const fs::path& file) {
+  std::error_code ec;
+  const auto written = fs::last_write_time(file, ec);
+  if (ec) return std::nullopt;
+  const auto system = std::chrono::time_point_cast<std::chrono::seconds>(
+      written - fs::file_time_type::clock::now() + std::chrono::system_clock::now());
+  const std::time_t t = std::chrono::system_clock::to_time_t(system);
+  std::tm local{};
+#ifdef _WIN32
+  localtime_s(&local, &t);
+#else
+  localtime_r(&t, &local);
+#endif
+  return text::DateTime{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+                        local.tm_hour,        local.tm_min,     local.tm_sec};
+}
+
+std::optional<fs::path> FindAnyCase(const fs::path& folder, std::string_view name) {
+  const fs::path exact = folder / fs::path(std::string(name));
+  std::error_code ec;
+  if (fs::exists(exact, ec)) return exact;
+  for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+    if (text::equalsNoCase(it->path().filename().string(), name)) return it->path();
+  }
+  return std::nullopt;
+}
+
+fs::path ResolveAnyCase(const fs::path& folder, std::string_view name) {
+  return FindAnyCase(folder, name).value_or(folder / fs::path(std::string(name)));
+}
+
+std::string VolumeOf(const fs::path& file) {
+  const fs::path absolute = fs::absolute(file);
+  if (absolute.has_root_name()) {
+    std::string drive = absolute.root_name().string();
+    if (!drive.empty() && drive.back() == ':') drive.pop_back();
+    return drive;
+  }
+#ifndef _WIN32
+  // The mount point: climb while the parent lies on the same device.
+  fs::path current = absolute.parent_path();
+  struct stat here {};
+  while (!current.empty() && ::stat(current.c_str(), &here) != 0) current = current.parent_path();
+  for (;;) {
+    const fs::path parent = current.parent_path();
+    struct stat above {};
+    if (parent == current || ::stat(parent.c_str(), &above) != 0 || above.st_dev != here.st_dev) break;
+    current = parent;
+  }
+  return current.string();
+#else
+  return absolute.root_path().string();
+#endif
+}
+
+}  // namespace vonel::files
+
+#include "core/text/cp1252.h"
+
+namespace vonel::files {
+
+fs::path PathFromText(std::string_view text) {
+  const std::string utf8 = text::cp1252ToUtf8(text);
+  return fs::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+std::string TextFromPath(const fs::path& path) {
+  const std::u8string utf8 = path.u8string();
+  return text::utf8ToCp1252(std::string(utf8.begin(), utf8.end()));
+}
+
+}  // namespace vonel::files

@@ -1,0 +1,61 @@
+#pragma once
+// Files and folders. Every write of user data goes to a temporary file in the
+// same folder, is flushed to the disk and renamed over the old file, so that
+// a crash or a full disk never leaves half a file behind.
+// Failures throw AppError with the program's file error numbers.
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/text/dates.h"
+
+namespace vonel::files {
+
+namespace fs = std::filesystem;
+
+bool FileExists(const fs::path& file);
+bool FolderExists(const fs::path& folder);
+
+// Creates the folder and any missing parents; false when it can't.
+bool MkMissingDir(const fs::path& folder);
+
+// The whole file as bytes. Throws when it can't be read.
+std::string LoadTextFile(const fs::path& file);
+
+// Replaces the file with the bytes, through a temporary file and a rename.
+void WriteTextFile(const fs::path& file, std::string_view bytes);
+
+// Appends the bytes, creating the file if needed (for logs, not user data).
+void AppendToFile(const fs::path& file, std::string_view bytes);
+
+// Deletes the file if it is there; false when it was there and couldn't be deleted.
+bool EraseFile(const fs::path& file);
+
+bool IsReadOnly(const fs::path& file);
+// Gives the owner write permission; false when it can't.
+bool MakeReadWrite(const fs::path& file);
+
+std::optional<std::uintmax_t> FileSize(const fs::path& file);
+std::optional<text::DateTime> FileDate(const fs::path& file);
+
+// The existing file in the folder whose name equals `name` ignoring case;
+// the exact spelling wins. Only the name is folded, never the folder.
+std::optional<fs::path> FindAnyCase(const fs::path& folder, std::string_view name);
+// `folder / name` if some spelling of it exists there, that spelling; else as given.
+fs::path ResolveAnyCase(const fs::path& folder, std::string_view name);
+
+// The volume a path lies on, for messages about disk space: the drive on
+// systems with drive letters, the mount point elsewhere.
+std::string VolumeOf(const fs::path& file);
+
+}  // namespace vonel::files
+
+namespace vonel::files {
+
+// Paths kept in settings are Windows-1252 text; the file system takes UTF-8.
+fs::path PathFromText(std::string_view text);
+std::string TextFromPath(const fs::path& path);
+
+}  // namespace vonel::files

@@ -1,0 +1,12 @@
+#pragma once
+// Passwords in the settings file are scrambled, not encrypted: enough that a
+// casual reader of the file doesn't see them.
+#include <string>
+#include <string_view>
+
+namespace vonel {
+
+std::string Encrypt(std::string_view plain);
+std::string Decrypt(std::string_view scrambled);
+
+}  // namespace vonel

@@ -1,0 +1,25 @@
+#pragma once
+// The named character entities of the mark-up conversions: the double quote,
+// the blank, "<", ">", the two dashes and the Latin-1 letters and signs.
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vonel::text {
+
+// The entity ("&eacute;") that stands for one byte, or empty when the table has none.
+std::string_view entityFor(unsigned char byte);
+// The byte an entity name stands for ("eacute" without '&' and ';'), exact case.
+std::optional<unsigned char> byteForEntity(std::string_view name);
+
+// Replaces, ignoring case, the quote, blank, "<", ">", the dashes 150 and 151,
+// and each code 161 to 255 but 162 and 223 by its entity. An upper-case
+// letter comes first in that order, so its lower-case twin takes the same
+// entity ("a grave" becomes "&Agrave;"), as this conversion always has.
+void CharToHtml(std::string& text);
+
+// Turns the entities of the table back into their bytes and cuts the text at
+// the first null byte.
+void HtmlToChar(std::string& text);
+
+}  // namespace vonel::text

@@ -1,0 +1,163 @@
+#include "core/text/strings.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vonel::text {
+namespace {
+
+struct CaseTables {
+  std::array<char, 256> up{};
+  std::array<char, 256> down{};
+  CaseTables() {
+    for (int i = 0; i < 256; ++i) up[i] = down[i] = static_cast<char>(i);
+    auto pair = [this](int upper, int lower) {
+      up[lower] = static_cast<char>(upper);
+      down[upper] = static_cast<char>(lower);
+    };
+    for (int c = 'A'; c <= 'Z'; ++c) pair(c, c + 32);
+    for (int c = 0xC0; c <= 0xDE; ++c) {
+      if (c != 0xD7) pair(c, c + 32);  // 0xD7 and 0xF7 are the multiply and divide signs
+    }
+    pair(0x8A, 0x9A);  // S caron
+    pair(0x8C, 0x9C);  // OE ligature
+    pair(0x8E, 0x9E);  // Z caron
+    pair(0x9F, 0xFF);  // Y diaeresis
+  }
+};
+
+const CaseTables& caseTables() {
+  static const CaseTables tables;
+  return tables;
+}
+
+bool bytesEqualNoCase(char a, char b) {
+  const auto& t = caseTables();
+  return t.up[static_cast<unsigned char>(a)] == t.up[static_cast<unsigned char>(b)];
+}
+
+template <typename Matcher>
+std::string replaceWith(std::string_view s, std::string_view findText, std::string_view with, Matcher findFrom) {
+  if (findText.empty()) return std::string(s);
+  std::string out;
+  out.reserve(s.size());
+  std::size_t from = 0;
+  for (;;) {
+    const std::size_t hit = findFrom(s, findText, from);
+    if (hit == std::string_view::npos) break;
+    out.append(s.substr(from, hit - from));
+    out.append(with);
+    from = hit + findText.size();
+  }
+  out.append(s.substr(from));
+  return out;
+}
+
+std::size_t findNoCaseOffset(std::string_view haystack, std::string_view needle, std::size_t from) {
+  if (needle.size() > haystack.size()) return std::string_view::npos;
+  const auto it = std::search(haystack.begin() + static_cast<std::ptrdiff_t>(from), haystack.end(), needle.begin(),
+                              needle.end(), bytesEqualNoCase);
+  return it == haystack.end() && !needle.empty() ? std::string_view::npos
+                                                 : static_cast<std::size_t>(it - haystack.begin());
+}
+
+}  // namespace
+
+char upperByte(char c) { return caseTables().up[static_cast<unsigned char>(c)]; }
+char lowerByte(char c) { return caseTables().down[static_cast<unsigned char>(c)]; }
+
+std::string upper(std::string_view s) {
+  std::string out(s);
+  for (char& c : out) c = upperByte(c);
+  return out;
+}
+
+std::string lower(std::string_view s) {
+  std::string out(s);
+  for (char& c : out) c = lowerByte(c);
+  return out;
+}
+
+bool equalsNoCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), bytesEqualNoCase);
+}
+
+std::string_view trimView(std::string_view s) {
+  const auto first = s.find_first_not_of(' ');
+  if (first == std::string_view::npos) return {};
+  return s.substr(first, s.find_last_not_of(' ') - first + 1);
+}
+
+std::string trim(std::string_view s) { return std::string(trimView(s)); }
+
+std::string trimLeft(std::string_view s) {
+  const auto first = s.find_first_not_of(' ');
+  return first == std::string_view::npos ? std::string() : std::string(s.substr(first));
+}
+
+std::string trimRight(std::string_view s) {
+  const auto last = s.find_last_not_of(' ');
+  return last == std::string_view::npos ? std::string() : std::string(s.substr(0, last + 1));
+}
+
+std::size_t find(std::string_view haystack, std::string_view needle, std::size_t start) {
+  if (start == 0 || start > haystack.size() + 1) return 0;
+  const auto hit = haystack.find(needle, start - 1);
+  return hit == std::string_view::npos ? 0 : hit + 1;
+}
+
+std::size_t findNoCase(std::string_view haystack, std::string_view needle, std::size_t start) {
+  if (start == 0 || start > haystack.size() + 1) return 0;
+  const auto hit = findNoCaseOffset(haystack, needle, start - 1);
+  return hit == std::string_view::npos ? 0 : hit + 1;
+}
+
+std::size_t findLast(std::string_view haystack, std::string_view needle, std::size_t start) {
+  const std::size_t from = start == std::string_view::npos ? std::string_view::npos : start - 1;
+  if (start == 0) return 0;
+  const auto hit = haystack.rfind(needle, from);
+  return hit == std::string_view::npos ? 0 : hit + 1;
+}
+
+std::string mid(std::string_view s, std::size_t start, std::size_t length) {
+  if (start == 0 || start > s.size()) return {};
+  return std::string(s.substr(start - 1, length));
+}
+
+std::string left(std::string_view s, std::size_t length) { return std::string(s.substr(0, length)); }
+
+std::string right(std::string_view s, std::size_t length) {
+  return length >= s.size() ? std::string(s) : std::string(s.substr(s.size() - length));
+}
+
+std::string replaceAll(std::string_view s, std::string_view findText, std::string_view with) {
+  return replaceWith(s, findText, with,
+                     [](std::string_view h, std::string_view n, std::size_t from) { return h.find(n, from); });
+}
+
+std::string replaceAllNoCase(std::string_view s, std::string_view findText, std::string_view with) {
+  return replaceWith(s, findText, with, findNoCaseOffset);
+}
+
+std::vector<std::string> split(std::string_view s, std::string_view separator) {
+  std::vector<std::string> pieces;
+  if (separator.empty()) {
+    pieces.emplace_back(s);
+    return pieces;
+  }
+  std::size_t from = 0;
+  for (;;) {
+    const auto hit = s.find(separator, from);
+    if (hit == std::string_view::npos) break;
+    pieces.emplace_back(s.substr(from, hit - from));
+    from = hit + separator.size();
+  }
+  pieces.emplace_back(s.substr(from));
+  return pieces;
+}
+
+bool startsWithNoCase(std::string_view s, std::string_view prefix) {
+  return s.size() >= prefix.size() && equalsNoCase(s.substr(0, prefix.size()), prefix);
+}
+
+}  // namespace vonel::text
