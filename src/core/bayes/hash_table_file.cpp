@@ -1,0 +1,94 @@
+// The text file form of clsHashTable.
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <limits>
+
+#include "core/bayes/hash_table.h"
+#include "core/services/file_subs.h"
+#include "core/text/numbers.h"
+#include "core/text/strings.h"
+
+namespace vonel::bayes {
+namespace {
+
+constexpr std::string_view kModule = "clsHashTable";
+constexpr std::string_view kHeaderLine = "Count, String";
+// Room for the lines added after a table has been loaded.
+constexpr std::int32_t kLoadHeadroom = 1000;
+
+// A file's number as a single float; out-of-range values take the nearest end.
+float singleValue(std::string_view text) {
+  const double value = text::val(text);
+  constexpr double kMax = std::numeric_limits<float>::max();
+  return static_cast<float>(std::clamp(value, -kMax, kMax));
+}
+
+}  // namespace
+
+std::string clsHashTable::FileText() const {
+  std::string out;
+  out.reserve(static_cast<std::size_t>(LastRecord) * 24 + 32);
+  out += kHeaderLine;
+  out += "\r\n";
+  out += text::printForm(static_cast<long long>(MessageCount));
+  out += "\r\n";
+  for (std::int32_t i = 1; i <= LastRecord; ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    if (recKey_[at].empty()) continue;
+    out += text::printForm(recVal_[at]);
+    out += ", ";
+    out += recKey_[at];
+    out += "\r\n";
+  }
+  return out;
+}
+
+// Lines are cut at CR alone and each is taken from two characters after the
+// previous CR, so a file with bare LF ends has no lines and one with bare CR
+// ends loses the first character of each line: the sign column.
+void clsHashTable::LoadText(std::string_view bytes) {
+  if (!initialised_) {
+    const auto lines = static_cast<std::int32_t>(
+        std::min<std::size_t>(std::count(bytes.begin(), bytes.end(), '\r'),
+                              std::numeric_limits<std::int32_t>::max() / 2 - kLoadHeadroom));
+    const std::int32_t n = lines + kLoadHeadroom;
+    Init(n, 2 * n);
+  }
+  const std::size_t firstCr = bytes.find('\r');
+  if (firstCr == std::string_view::npos) return;
+  std::size_t previousCr = bytes.find('\r', firstCr + 1);
+  if (previousCr == std::string_view::npos) return;
+  const double count = text::val(bytes.substr(firstCr + 1, previousCr - firstCr - 1));
+  MessageCount = text::toWhole<std::int32_t>(count);
+  if (MessageCount == 0) MessageCount = 1;
+  for (std::size_t cr = bytes.find('\r', previousCr + 1); cr != std::string_view::npos;
+       previousCr = cr, cr = bytes.find('\r', cr + 1)) {
+    const std::size_t start = std::min(previousCr + 2, cr);
+    const std::string_view line = bytes.substr(start, cr - start);
+    const std::size_t comma = line.find(',');
+    if (comma == std::string_view::npos) continue;
+    InsertRecord(text::trimView(line.substr(comma + 1)), singleValue(line.substr(0, comma)));
+  }
+}
+
+bool clsHashTable::WriteHashTable(const std::filesystem::path& file, cSharedLogging& log) const {
+  return guardedStep(log, "WriteHashTable", kModule, [&] {
+    if (files::FileExists(file)) files::MakeReadWrite(file);
+    files::WriteTextFile(file, FileText());
+  });
+}
+
+void clsHashTable::LoadTable(const std::filesystem::path& file, cSharedLogging& log) {
+  if (!files::FileExists(file)) return;
+  guardedStep(log, "LoadTable", kModule, [&] {
+    const auto started = std::chrono::steady_clock::now();
+    LoadText(files::LoadTextFile(file));
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - started;
+    log.AddAction("Hashtable loaded " + files::TextFromPath(file) + " in " +
+                  text::plainText(text::roundHalfEven(took.count(), 2)) + " seconds.",
+                  "LoadTable", kModule);
+  });
+}
+
+}  // namespace vonel::bayes
