@@ -1,0 +1,128 @@
+#include "core/message/message.h"
+
+#include <algorithm>
+
+#include "core/message/mime_walk.h"
+#include "core/message/send_date.h"
+#include "core/text/numbers.h"
+#include "core/text/strings.h"
+
+namespace vonel::message {
+namespace {
+
+constexpr std::string_view kModule = "clsMessage";
+constexpr std::string_view kParseProcedure = "createfromtext";
+constexpr int kOverflow = 6;
+// Positions were held in 16-bit signed integers.
+constexpr std::size_t kLargestPosition = 32767;
+
+const std::shared_ptr<const std::string>& emptyText() {
+  static const auto empty = std::make_shared<const std::string>();
+  return empty;
+}
+
+}  // namespace
+
+clsMessage::clsMessage(cSharedLogging* log, const Clock* clock)
+    : log_(log), clock_(clock), raw_(emptyText()), messageText_(emptyText()), bodySource_(emptyText()) {}
+
+void clsMessage::logAction(std::string_view text, std::string_view procedure) const {
+  if (log_) log_->AddAction(text, procedure, kModule);
+}
+
+void clsMessage::logFailure(const AppError& error, std::string_view procedure) const {
+  if (log_) vonel::logFailure(*log_, error, procedure, kModule);
+}
+
+void clsMessage::clearForParse(bool headerOnly) {
+  StrippedBody.clear();
+  HtmlStrippedBody.clear();
+  mime_ = MimeContent{};
+  HasAttachment = false;
+  HeaderOnly = headerOnly;
+  Received.clear();
+  XSpamStatus.clear();
+  XSpamReport.clear();
+  DomainKey.clear();
+  Read = false;
+  tags_.clear();
+  HighPriority = false;
+  ContentTypeMain.clear();
+  // Replied is kept on purpose: a reused object remembers it.
+}
+
+void clsMessage::CreateFromText(std::string text, bool headerOnly) {
+  try {
+    clearForParse(headerOnly);
+    raw_ = std::make_shared<const std::string>(std::move(text));
+    Size = std::max(1.0f, static_cast<float>(text::roundHalfEven(static_cast<double>(raw_->size()) / 1024.0)));
+
+    std::size_t blankLine = raw_->find("\r\n\r\n");
+    if (blankLine != std::string::npos && blankLine + 1 > kLargestPosition) {
+      logFailure(AppError(kOverflow, "Overflow"), kParseProcedure);
+      blankLine = std::string::npos;
+    }
+    if (blankLine == std::string::npos) {
+      logAction("Invalid message format", kParseProcedure);
+      Headers.clear();
+      return;
+    }
+    Headers = raw_->substr(0, blankLine);
+    bodySource_ = raw_;
+    bodyOffset_ = blankLine + 4;
+    messageText_ = raw_;
+    // The header block is under 32767 characters here, so no colon in it can
+    // lie beyond the 16-bit limit either.
+    parseHeaderLines();
+
+    if (!headerOnly) {
+      NewDecodePart(*raw_, mime_);
+      if (!mime_.attachmentNames.empty()) HasAttachment = true;
+      CreateStrippedBody();
+    }
+  } catch (...) {
+    logFailure(AppError::from(std::current_exception()), kParseProcedure);
+  }
+}
+
+std::string clsMessage::AttachmentFilenames() const {
+  std::string names;
+  for (const auto& name : mime_.attachmentNames) names += name + " * ";
+  return names;
+}
+
+text::DateTime clsMessage::SendDateInLocalZone() const { return SendDateInZone(StandardZoneBias()); }
+
+text::DateTime clsMessage::SendDateInZone(int biasMinutes) const { return LocalSendDate(SendDate, biasMinutes); }
+
+const clsMimeType& clsMessage::MimePart(std::size_t index) const {
+  static const clsMimeType kEmpty;
+  return index >= 1 && index <= mime_.parts.size() ? mime_.parts[index - 1] : kEmpty;
+}
+
+void clsMessage::AddAttachment(std::string name) { mime_.attachmentNames.push_back(std::move(name)); }
+
+void clsMessage::ReplaceRawMessage(std::string text) { raw_ = std::make_shared<const std::string>(std::move(text)); }
+
+std::string clsMessage::Filename() const {
+  // Only the name itself carries the read state; the folders keep their case.
+  const std::size_t nameStart = filename_.find_last_of("\\/") + 1;  // npos + 1 is 0
+  std::string path = filename_;
+  const auto fold = Read ? text::lowerByte : text::upperByte;
+  std::transform(path.begin() + static_cast<std::ptrdiff_t>(nameStart), path.end(),
+                 path.begin() + static_cast<std::ptrdiff_t>(nameStart), fold);
+  return path;
+}
+
+std::string_view clsMessage::MessageBody() const {
+  return std::string_view(*bodySource_).substr(std::min(bodyOffset_, bodySource_->size()));
+}
+
+void clsMessage::setMessageBody(std::string body) {
+  bodySource_ = std::make_shared<const std::string>(std::move(body));
+  bodyOffset_ = 0;
+}
+
+void clsMessage::setMessagetext(std::string text) { messageText_ = std::make_shared<const std::string>(std::move(text)); }
+
+}  // namespace vonel::message

@@ -1,0 +1,96 @@
+// What the store adds to a message: its tags, the spam mark, and the flag
+// lines written into the header block when the message is serialised.
+#include "core/message/message.h"
+#include "core/text/markup.h"
+#include "core/text/strings.h"
+
+namespace vonel::message {
+namespace {
+
+constexpr std::string_view kBlankLine = "\r\n\r\n";
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kReceiveDateName = "X-Receive-Date";
+constexpr std::string_view kTagsName = "X-Message-Tags";
+
+// Puts the line last in the header block; a text without a blank line gets nothing.
+void insertHeaderLine(std::string& text, std::string_view line) {
+  const std::size_t blankLine = text.find(kBlankLine);
+  if (blankLine == std::string::npos) return;
+  text.insert(blankLine, std::string(kLineEnd).append(line));
+}
+
+// A true flag adds its line unless the line (with its line end) is already
+// anywhere in the text; a false one deletes every copy, body included.
+void writeFlag(std::string& text, bool flag, std::string_view line) {
+  const std::string lineWithEnd = std::string(line).append(kLineEnd);
+  if (flag) {
+    if (text.find(lineWithEnd) == std::string::npos) insertHeaderLine(text, line);
+    return;
+  }
+  text::ReplaceWith(text, lineWithEnd, "");
+  text::ReplaceWith(text, line, "");
+}
+
+void writeTags(std::string& text, std::string_view tags) {
+  const std::string line = std::string(kTagsName).append(": ").append(tags);
+  const std::size_t at = text.find(kTagsName);
+  if (at == std::string::npos) {
+    insertHeaderLine(text, line);
+    return;
+  }
+  // A tags line that ends the text is rewritten to the end.
+  const std::size_t lineEnd = text.find(kLineEnd, at);
+  text.replace(at, lineEnd == std::string::npos ? std::string::npos : lineEnd - at, line);
+}
+
+}  // namespace
+
+void clsMessage::setTags(std::string_view tags) {
+  std::string normal = text::trim(tags);
+  if (normal == ",") normal.clear();
+  if (normal.size() > 1 && normal.front() == ',') normal.erase(0, 1);
+  tags_ = std::move(normal);
+}
+
+bool clsMessage::TagsPresent(std::string_view list) const {
+  if (list.empty()) return true;
+  for (const auto& item : text::split(list, ",")) {
+    if (!item.empty() && text::findNoCase(tags_, item)) return true;
+  }
+  return false;
+}
+
+void clsMessage::TagAsSpam() {
+  if (text::find(Headers, "Subject: SPAM:")) return;
+  // The whole raw text, body included; Subject and Headers stay as they were.
+  ReplaceRawMessage(text::replaceAll(*raw_, "Subject: ", "Subject: SPAM: "));
+}
+
+std::string clsMessage::RawMessage() const {
+  std::string text = *raw_;
+  writeFlag(text, Read, "X-Message-Read: 1");
+  writeFlag(text, Replied, "X-Message-Replied: 1");
+  if (text.find(kReceiveDateName) == std::string::npos) {
+    const text::DateTime now = clock_ ? clock_->now() : SystemClock().now();
+    insertHeaderLine(text, std::string(kReceiveDateName).append(": ").append(text::formatStoreDate(now)));
+  }
+  writeFlag(text, HighPriority, "X-Message-HighPriority: 1");
+  writeTags(text, tags_);
+  return text;
+}
+
+void clsMessage::RemoveReceiveDate() {
+  const std::size_t at = raw_->find(kReceiveDateName);
+  if (at == std::string::npos) return;
+  // The line end is looked for in the serialised text, not in the raw text
+  // the line is cut from; where flag lines were inserted before it the two
+  // differ, and the cut lands elsewhere. That has always been so.
+  const std::size_t lineEnd = RawMessage().find(kLineEnd, at);
+  // Without a line end the rest is taken from the second character on.
+  const std::size_t resumeAt = lineEnd == std::string::npos ? 1 : lineEnd + 2;
+  std::string text = raw_->substr(0, at);
+  if (resumeAt < raw_->size()) text.append(*raw_, resumeAt);
+  ReplaceRawMessage(std::move(text));
+}
+
+}  // namespace vonel::message

@@ -1,0 +1,136 @@
+#include "core/message/transfer_encoding.h"
+
+#include <algorithm>
+#include <array>
+
+#include "core/text/markup.h"
+#include "core/text/numbers.h"
+#include "core/text/shared_text.h"
+#include "core/text/strings.h"
+
+namespace vonel::message {
+namespace {
+
+constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+const std::array<int, 256>& base64Values() {
+  static const std::array<int, 256> values = [] {
+    std::array<int, 256> table{};
+    table.fill(-1);
+    for (std::size_t i = 0; i < kAlphabet.size(); ++i) table[static_cast<unsigned char>(kAlphabet[i])] = static_cast<int>(i);
+    return table;
+  }();
+  return values;
+}
+
+int hexValue(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+// Exactly at 76 and 154: the shape of a body wrapped by the book.
+bool isCleanlySoftWrapped(std::string_view text) {
+  return text::find(text, "=\r\n") == 76 && text::find(text, "=\r\n", 77) == 154;
+}
+
+// Hex pairs after "=" become their bytes; any other "=" stays.
+std::string decodeHexPairs(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '=' && i + 2 < text.size()) {
+      const int high = hexValue(text::upperByte(text[i + 1]));
+      const int low = hexValue(text::upperByte(text[i + 2]));
+      if (high >= 0 && low >= 0) {
+        out += static_cast<char>(high * 16 + low);
+        i += 2;
+        continue;
+      }
+    }
+    out += text[i];
+  }
+  return out;
+}
+
+}  // namespace
+
+std::string QuotedPrintableDecode(std::string_view input) {
+  if (input.find('=') == std::string_view::npos) return std::string(input);
+  std::string text(input);
+  if (isCleanlySoftWrapped(text)) text::ReplaceWith(text, "=\r\n", "");
+  if (text::find(text, "=0D")) {
+    text::ReplaceWith(text, "\r\n", "");
+    text::ReplaceWith(text, "=0D", "\r\n");
+  }
+  text::ReplaceWith(text, "=0A", "");
+  if (text::find(text, "=2E")) {
+    // The dot code is taken as a line end: people's paragraphs came through that way.
+    text::ReplaceWith(text, "\r\n", "");
+    text::ReplaceWith(text, "=2E", "\r\n");
+  }
+  bool keptEquals = false;
+  if (text::find(text, "=\r\n")) {
+    if (text::findNoCase(text, "ebay")) {
+      keptEquals = true;
+      text::ReplaceWith(text, "=\r\n", "");
+      text::ReplaceWith(text, "=3D", "\x01");
+      text::ReplaceWith(text, "=20\r\n", " ");
+      text::ReplaceWith(text, "=2E\r\n", " ");
+      text::ReplaceWith(text, "=09", "");
+    } else {
+      text::ReplaceWith(text, "=\r\n", "\r\n");
+    }
+  }
+  if (text.empty()) return text;
+  text = text::ByteArrayToString(decodeHexPairs(text));
+  if (keptEquals) {
+    text::ReplaceWith(text, "\x01", "=");
+  } else {
+    text::ReplaceWith(text, "=\r", "\r");
+  }
+  return text;
+}
+
+std::string DecodeMime64(std::string_view input) {
+  std::string text = text::replaceAll(input, "\r\n", "");
+  if (text.empty()) return {};
+  const auto bufferSize = text::toWhole<long long>(3.0 * (static_cast<double>(text.size()) / 4.0) + 2.0);
+  std::string out;
+  out.reserve(static_cast<std::size_t>(bufferSize));
+  const auto& values = base64Values();
+  unsigned bits = 0;
+  int bitCount = 0;
+  for (const char c : text) {
+    if (c == '=') break;
+    const int value = values[static_cast<unsigned char>(c)];
+    if (value < 0) continue;
+    bits = ((bits << 6) | static_cast<unsigned>(value)) & 0xFFFFFFu;
+    bitCount += 6;
+    if (bitCount >= 8) {
+      bitCount -= 8;
+      out += static_cast<char>((bits >> bitCount) & 0xFF);
+    }
+  }
+  if (static_cast<long long>(out.size()) < bufferSize) out.resize(static_cast<std::size_t>(bufferSize), ' ');
+  return out;
+}
+
+std::string EncodeMime64String(std::string_view text) {
+  if (text.empty()) return {};
+  std::string out;
+  out.reserve((text.size() + 2) / 3 * 4);
+  for (std::size_t i = 0; i < text.size(); i += 3) {
+    const std::size_t count = std::min<std::size_t>(3, text.size() - i);
+    unsigned group = 0;
+    for (std::size_t k = 0; k < 3; ++k) {
+      group = (group << 8) | (k < count ? static_cast<unsigned char>(text[i + k]) : 0U);
+    }
+    for (std::size_t k = 0; k < 4; ++k) {
+      out += k <= count ? kAlphabet[(group >> (18 - 6 * k)) & 0x3F] : '=';
+    }
+  }
+  return out;
+}
+
+}  // namespace vonel::message

@@ -1,0 +1,21 @@
+#pragma once
+// The transfer decoders of mail bodies and encoded words. Both are forgiving:
+// any bytes give a result, and neither throws.
+#include <string>
+#include <string_view>
+
+namespace vonel::message {
+
+// A repair-minded quoted-printable decoder: soft line breaks normally stay
+// hard line ends, "=0D" and "=2E" become line ends, and the result is trimmed.
+std::string QuotedPrintableDecode(std::string_view text);
+
+// Standard base64. Characters outside the alphabet are skipped and the first
+// "=" ends the data. The result keeps the blank fill of the buffer it was
+// decoded into (3 n / 4 + 2 bytes, n the encoded length less line ends).
+std::string DecodeMime64(std::string_view text);
+
+// Base64 without line breaks.
+std::string EncodeMime64String(std::string_view text);
+
+}  // namespace vonel::message

@@ -1,0 +1,32 @@
+#pragma once
+// Replacement and mark-up conversion over whole message bodies. Each
+// procedure changes the text it is given.
+#include <string>
+#include <string_view>
+
+namespace vonel::text {
+
+// Replaces every occurrence; `caseSensitive` false compares ignoring case.
+// What was inserted is not searched again.
+void MyReplace(std::string& text, std::string_view find, std::string_view replace, bool caseSensitive);
+// Despite its name this one compares exactly.
+void MyReplaceNoCaps(std::string& text, std::string_view find, std::string_view replace);
+void ReplaceWith(std::string& text, std::string_view find, std::string_view replace);
+void ReplaceWith_NC(std::string& text, std::string_view find, std::string_view replace);
+// The fast exact replacement; it must give what ReplaceWith gives.
+void ReplaceUsingC(std::string& text, std::string_view find, std::string_view replace);
+
+// Deletes every "<" ... ">" span, brackets included. A "<" with no ">" after
+// it is left, and so is the rest of the text behind it.
+void cStripHTML(std::string& text);
+
+// Drops <style> blocks (only the bare tag is recognised), then every tag.
+// A text with neither "<" nor ">" is left alone.
+void StripHtml(std::string& text);
+
+// The typographic entities and numeric references the entity table lacks:
+// ellipsis, bullet, primes, the common &#82xx; forms, then any decimal
+// reference below 255 as its byte (others, hexadecimal ones included, are deleted).
+void HTMLConstToChar(std::string& text);
+
+}  // namespace vonel::text
