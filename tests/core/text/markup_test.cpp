@@ -1,0 +1,97 @@
+#include "core/text/markup.h"
+
+#include <gtest/gtest.h>
+
+#include "core/text/shared_text.h"
+
+namespace vonel::text {
+namespace {
+
+std::string constToChar(std::string text) {
+  HTMLConstToChar(text);
+  return text;
+}
+
+std::string stripped(std::string text) {
+  StripHtml(text);
+  return text;
+}
+
+TEST(Replacement, CaseRuleAndNoRescanOfWhatWasInserted) {
+  std::string text = "Aa aA";
+  MyReplace(text, "a", "aa", false);
+  EXPECT_EQ(text, "aaaa aaaa");
+  text = "Aa aA";
+  MyReplaceNoCaps(text, "a", "b");  // compares exactly, whatever its name says
+  EXPECT_EQ(text, "Ab bA");
+  text = "xXx";
+  ReplaceWith_NC(text, "x", "");
+  EXPECT_EQ(text, "");
+}
+
+TEST(HtmlConstToChar, DecimalReferencesBecomeBytesBelow255AndOthersGo) {
+  EXPECT_EQ(constToChar("&#65;BC"), "ABC");
+  EXPECT_EQ(constToChar("a&#300;b&#0;c&#x41;d"), "abcd");
+  EXPECT_EQ(constToChar("&#65;&#65;&#66;"), "AAB");
+  EXPECT_EQ(constToChar("no end &#65"), "no end &#65");
+}
+
+TEST(HtmlConstToChar, TypographicFormsAndTheEnDashAsThreeDots) {
+  EXPECT_EQ(constToChar("wait&HELLIP; &#8211; &#8220;q&#8221; &#8217;"), "wait... ... \"q\" '");
+  EXPECT_EQ(constToChar("&bull;&#8364;"), "\x95\x80");
+  EXPECT_EQ(constToChar("&prime;&Prime;&PRIME;"), "'\"&PRIME;");
+}
+
+TEST(StripHtml, TagsAndBareStyleBlocksGo) {
+  EXPECT_EQ(stripped("<p>Hi <b>there</b></p>"), "Hi there");
+  EXPECT_EQ(stripped("a<STYLE>p{}</style>b<style>x</Style>c"), "abc");
+  EXPECT_EQ(stripped("a<style type=x>p{}</style>b"), "ap{}b");
+  EXPECT_EQ(stripped("a<style>never closed"), "anever closed");
+}
+
+TEST(StripHtml, UnbalancedBracketsAreKept) {
+  EXPECT_EQ(stripped("3 < 4 and more"), "3 < 4 and more");
+  EXPECT_EQ(stripped("5 > 4"), "5 > 4");
+  EXPECT_EQ(stripped("x<a>y<b"), "xy<b");
+}
+
+TEST(SharedText, EatCrapAtEitherEnd) {
+  std::string text = "-- Regards - - \r\n";
+  EatCrapFromEnd(text);
+  EXPECT_EQ(text, "-- Regards");
+  EatCrapFromStart(text);
+  EXPECT_EQ(text, "Regards");
+  text = " - ";
+  EatCrapFromEnd(text);
+  EXPECT_EQ(text, "");
+}
+
+TEST(SharedText, CleaningAndComparing) {
+  std::string name = "Jos\xE9 O'Neil 2!";
+  RemoveNonAlphaNumeric(name);
+  EXPECT_EQ(name, "Jos ONeil 2");
+  EXPECT_EQ(CleanString("Re: a/b \"c\""), "Re  a b  c");
+  EXPECT_EQ(CleanString("CON"), "CON1");
+  EXPECT_EQ(CleanString("con"), "con");
+  EXPECT_TRUE(StringsEqual(" Inbox ", "INBOX"));
+  EXPECT_TRUE(StringContains("Hello World", "WORLD"));
+  EXPECT_FALSE(Contains("Hello", "bye"));
+}
+
+TEST(SharedText, ByteLevelHelpers) {
+  std::string text = "a  b   c";
+  RemoveExtraSpaces(text);
+  EXPECT_EQ(text, "a b c");
+  RemoveChar(text, " xyz");
+  EXPECT_EQ(text, "abc");
+  RemoveChar(text, "");
+  EXPECT_EQ(text, "abc");
+  text = std::string("ab\0cd", 5);
+  CutOffNull(text);
+  EXPECT_EQ(text, "ab");
+  EXPECT_EQ(cTrim(std::string(" \0x y\0 ", 7)), "x y");
+  EXPECT_EQ(WordCount(" one\ttwo\r\nthree "), 3u);
+}
+
+}  // namespace
+}  // namespace vonel::text
