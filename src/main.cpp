@@ -1,1 +1,50 @@
-int main(){}
+#include <QApplication>
+#include <cstdio>
+
+#include "app/command_line.h"
+#include "app/frm_main.h"
+#include "app/headless_run.h"
+#include "app/platform.h"
+#include "ui/dialog_prompt.h"
+#include "ui/scanner/scanner_window.h"
+
+namespace {
+
+QStringList argumentsOf(int argc, char** argv) {
+  QStringList arguments;
+  for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
+  return arguments;
+}
+
+int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
+  QApplication application(argc, argv);
+  application.setApplicationName("Vonel");
+  application.setQuitOnLastWindowClosed(false);
+  const auto home = vonel::resolveHome(line.home);
+  vonel::SystemClock clock;
+  vonel::DialogPrompt prompt;
+  vonel::AppContext context(clock, prompt, vonel::platformAppInfo(home), vonel::platformLocaleFacts());
+  vonel::ScannerWindow window;
+  prompt.setParent(&window);
+  vonel::frmMain controller(context, window);
+  window.onExit = [&controller] { return controller.ExitProg(); };
+  controller.Startup();
+  return application.exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const vonel::CommandLine line = vonel::parseCommandLine(argumentsOf(argc, argv));
+  if (!line.error.isEmpty()) {
+    std::fprintf(stderr, "vonel: %s\n%s", qPrintable(line.error), qPrintable(vonel::commandLineHelp()));
+    return 2;
+  }
+  if (line.headless) {
+    // Qt's timers and sockets need an application object even without windows.
+    QCoreApplication application(argc, argv);
+    application.setApplicationName("Vonel");
+    return vonel::runHeadless(line);
+  }
+  return runWithWindows(argc, argv, line);
+}

@@ -1,0 +1,19 @@
+#pragma once
+// The program's own command line: where its home is and how it runs.
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+namespace vonel {
+
+struct CommandLine {
+  std::optional<QString> home;
+  bool headless = false;
+  QStringList passOn;  // the rest, for the command handler of a running copy
+  QString error;       // set when the line can't be understood
+};
+
+CommandLine parseCommandLine(const QStringList& arguments);
+QString commandLineHelp();
+
+}  // namespace vonel

@@ -1,0 +1,246 @@
+#include "app/frm_main.h"
+
+#include "app/event_wait.h"
+#include "core/services/file_subs.h"
+#include "core/settings/accounts.h"
+#include "core/text/strings.h"
+
+namespace vonel {
+namespace {
+
+constexpr const char* kModule = "frmMain";
+constexpr int kFirstScanDelayMs = 200;
+constexpr int kShutdownWaitMs = 3000;
+
+}  // namespace
+
+frmMain::frmMain(AppContext& context, MainWindowPort& windows) : ctx_(context), windows_(windows) {
+  TimerAutoScan.setInterval(1000);
+  TimerDelayedStart.setInterval(1500);
+  TimerDelayedStart.setSingleShot(true);
+  TimerUpdateCheck.setInterval(30000);
+  TimerUpdateCheck.setSingleShot(true);
+}
+
+void frmMain::stage(std::string_view text) {
+  windows_.splashStatus(text);
+  windows_.pumpEvents();
+}
+
+void frmMain::action(std::string_view text) { ctx_.log.AddAction(text); }
+
+StartupResult frmMain::Startup() {
+  auto& log = ctx_.log;
+  const std::string version = log.info().version;
+  windows_.showSplash();
+  log.LogToFile(ctx_.installFolder() / "msglog.txt", "Startup", true);
+  log.LogEvent("Vonel version " + version + " startup.", true);
+
+  if (!files::FileExists(ctx_.settingsFile())) {
+    windows_.hideSplash();
+    if (!windows_.runAccountWizard() && !files::FileExists(ctx_.settingsFile())) {
+      action("No settings file and no account wizard: nothing to start");
+      return StartupResult::NoAccount;
+    }
+    windows_.showSplash();
+  }
+
+  guardedStep(log, "Startup", kModule, [&] {
+    windows_.setBusy(true);
+    stage("Loading settings");
+    ctx_.PathSettings.LoadSettings(ctx_.pathsFile());
+    ctx_.Settings.LoadSettings(ctx_.settingsFile());
+    guardedStep(log, "Startup", kModule, [&] { migrateOldPaths(); });
+
+    ctx_.ReadBayesSettings();
+    ctx_.folders.ReadMessageFolder();
+    ctx_.folders.ReadFilterFolder();
+    ctx_.folders.ReadDataFolder();
+    for (const char* folder : {"AutoReply", "Sigs", "DB", "DB/Attachments"}) {
+      files::MkMissingDir(ctx_.folders.DataFolderPath / folder);
+    }
+    ctx_.NoCacheMode = ctx_.Settings.RetrieveSetting("NoCache", Value(false)).flag();
+    guardedStep(log, "Startup", kModule, [&] { migrateOldSignature(); });
+
+    stage("Loading languages");
+    stage("Starting Reminders");
+    // There is no reminder component on this platform.
+    ctx_.RemindersUnavailable = true;
+    stage("Configuring Updater");
+    stage("Loading Contacts");
+    action("Loading contacts");
+    action("Setting up list");
+    windows_.setupListView();
+    windows_.showTicketButton(ctx_.Settings.RetrieveSetting("CMSMODE", Value(false)).flag());
+
+    action("Loading getmail");
+    action("Loading mailer");
+    stage("Loading Filters");
+    action("Loading Sendmail");
+    action("Loading Bayes form");
+    action("Loading filters form");
+    action("Loading server filters");
+    action("Loading local filters");
+
+    stage("Applying Settings");
+    action("Applying settings");
+    ReadSettings();
+    action("Setting tray picture");
+    action("Loading spam count");
+    TotalSpamCount = ctx_.GlobalSpamCount();
+
+    action("Hiding splash screen");
+    windows_.hideSplash();
+    windows_.pumpEvents();
+    action("Displaying tray icon");
+    windows_.showTrayIcon(trayTip());
+    windows_.pumpEvents();
+
+    // The first pass starts from the timer once the window is up, never from here.
+    if (ctx_.Settings.RetrieveSetting("ScanOnStart", Value(false)).flag()) {
+      RetrieveNext = false;
+      TimerAutoScan.start(kFirstScanDelayMs);
+    } else if (ctx_.Settings.RetrieveSetting("RetrieveOnStart", Value(false)).flag()) {
+      RetrieveNext = true;
+      TimerAutoScan.start(kFirstScanDelayMs);
+    }
+
+    applyWindowSize();
+    // The reminder component never runs here, so only its absence is logged.
+    action("Brindle component not running");
+    if (ctx_.Settings.RetrieveSetting("DisableAutoUpdateCheck", Value(false)).flag()) {
+      action("Auto update disabled");
+      windows_.setStatusText("Vonel auto-update disabled");
+    } else {
+      action("Update Check Enabled");
+      windows_.setStatusText("Auto-update enabled");
+    }
+    // Compared as text on purpose: " 1 " or -1 don't hide the window.
+    if (ctx_.Settings.RetrieveSetting("STARTMIN", Value("")).text() == "1") {
+      action("Hiding main form");
+      windows_.hideMain();
+    } else {
+      windows_.showMain();
+    }
+    action("Vonel startup complete, ready for some action.");
+    action(std::string(50, '='));
+    windows_.setupMenus();
+    if (!ctx_.Settings.RetrieveSetting("ShowScannerFirst", Value(true)).flag()) windows_.switchToMailer();
+    TimerUpdateCheck.start();
+    windows_.setBusy(false);
+    TimerDelayedStart.start();
+  });
+  return StartupResult::Started;
+}
+
+void frmMain::migrateOldPaths() {
+  const std::string oldFolder = ctx_.Settings.RetrieveSetting("MessageFolder", Value("---")).text();
+  const std::string pathsFolder = ctx_.PathSettings.RetrieveSetting("MessageFolder", Value("---")).text();
+  if (oldFolder == "---" || pathsFolder != "---") return;
+  // Only the store root moves; the other old keys are dropped and fall back to their defaults.
+  ctx_.PathSettings.StoreSetting("MessageFolder", Value(oldFolder));
+  for (const char* key : {"MessageFolder", "DataFolder", "FilterFolder", "SpamFolder", "ImportMailStore"}) {
+    ctx_.Settings.DeleteSettingByName(key);
+  }
+  ctx_.Settings.SaveSettings(ctx_.settingsFile());
+  ctx_.PathSettings.SaveSettings(ctx_.pathsFile());
+}
+
+void frmMain::migrateOldSignature() {
+  const auto signatureFile = ctx_.folders.DataFolderPath / "Sigs" / "Sig1.txt";
+  if (files::FileExists(signatureFile)) return;
+  const std::string signature = ctx_.Settings.RetrieveSetting("SIGNATURE", Value("")).text();
+  files::WriteTextFile(signatureFile, text::replaceAll(signature, "\x01", "\r\n"));
+  ctx_.Settings.SaveSettings(ctx_.settingsFile());
+  ctx_.Settings.DeleteSettingByName("Signature");
+}
+
+void frmMain::ReadSettings() {
+  AutoDelete = ctx_.Settings.RetrieveSetting("AUTODELETE", Value(0)).numberOr(0) == 1;
+  SoundOn = ctx_.Settings.RetrieveSetting("AUDIO", Value(0)).numberOr(0) == 1;
+}
+
+void frmMain::applyWindowSize() {
+  auto& settings = ctx_.Settings;
+  if (settings.RetrieveSetting("MainWindowState", Value(0)).numberOr(0) == 2) {
+    action("Maximising main screen");
+    windows_.maximise();
+    return;
+  }
+  action("Restoring main screen");
+  const double width = settings.RetrieveSetting("MainWidth", Value(7668)).numberOr(7668);
+  const double height = settings.RetrieveSetting("MainHeight", Value(7300)).numberOr(7300);
+  const WindowGeometry screen = windows_.screenTwips();
+  if (width > 0.95 * screen.widthTwips && height > 0.95 * screen.heightTwips) {
+    windows_.maximise();
+  } else {
+    windows_.resizeTwips(static_cast<int>(width), static_cast<int>(height));
+  }
+}
+
+std::string frmMain::trayTip() const {
+  const int first = FirstAccount(ctx_.Settings);
+  if (first < 0) return "Vonel by Tessarine Software";
+  return "Vonel - " + readAccount(ctx_.Settings, first, AccountReader::Session).Title;
+}
+
+bool frmMain::outboxHoldsMail() const {
+  std::error_code ec;
+  for (std::filesystem::directory_iterator it(ctx_.folders.OutboxFolderPath, ec), end; !ec && it != end;
+       it.increment(ec)) {
+    const std::string name = it->path().filename().string();
+    if (name.size() > 4 && text::equalsNoCase(text::right(name, 4), ".eml")) return true;
+  }
+  return false;
+}
+
+bool frmMain::ExitProg() {
+  auto& log = ctx_.log;
+  const std::string version = log.info().version;
+  bool keepRunning = false;
+  guardedStep(log, "ExitProg", kModule, [&] {
+    action("Beginning shutdown");
+    if (SendingMail) {
+      action("Still sending mail, stopping transfer.");
+      SendingMail = false;
+      waitWhileEventsRun(kShutdownWaitMs);
+    }
+    if (CheckingMail) {
+      action("Still checking for mail. Stopping transfer.");
+      CheckingMail = false;
+      waitWhileEventsRun(kShutdownWaitMs);
+    }
+    if (outboxHoldsMail() &&
+        ctx_.prompt.ask("You still have mail in your outbox. Are you sure you want to quit?", Buttons::YesNo,
+                        "Vonel") == Answer::No) {
+      keepRunning = true;
+      return;
+    }
+    action("Saving window size");
+    const WindowGeometry geometry = windows_.geometryTwips();
+    ctx_.Settings.StoreSetting("MainWidth", Value(geometry.widthTwips));
+    ctx_.Settings.StoreSetting("MainHeight", Value(geometry.heightTwips));
+    action("Saving window state");
+    ctx_.Settings.StoreSetting("MainWindowState", Value(geometry.state));
+    action("Removing Tray Icon");
+    windows_.removeTrayIcon();
+    action("Saving settings");
+    ctx_.Settings.SaveSettings(ctx_.settingsFile());
+    action("Saving contacts");
+    action("Unloading contacts");
+    action("Hiding main form");
+    windows_.hideMain();
+    windows_.pumpEvents();
+    action("Unloading forms");
+    windows_.closeOtherWindows([this](const std::string& name) { action("Unloading " + name); });
+  });
+  if (keepRunning) return false;
+  action("Writing log");
+  log.WriteActionsToLog();
+  log.LogEvent("Finished Shutdown of " + version);
+  log.LogEvent("Unloading main form");
+  log.LogEvent("Finished");
+  return true;
+}
+
+}  // namespace vonel

@@ -1,0 +1,37 @@
+#pragma once
+// The windows of a run without a display: nothing shows, and the account
+// wizard can't run.
+#include "app/main_window_port.h"
+
+namespace vonel {
+
+class HeadlessWindows final : public MainWindowPort {
+ public:
+  void showSplash() override {}
+  void splashStatus(std::string_view) override {}
+  void hideSplash() override {}
+  bool runAccountWizard() override { return false; }
+  void setBusy(bool) override {}
+  void setupListView() override {}
+  void showTicketButton(bool) override {}
+  void showTrayIcon(std::string_view) override {}
+  void removeTrayIcon() override {}
+  void setStatusText(std::string_view text) override { statusText = text; }
+  void setupMenus() override {}
+  void switchToMailer() override {}
+  // A screen larger than any window, so that the saved size comes back unchanged.
+  WindowGeometry screenTwips() const override { return {1 << 24, 1 << 24, 0}; }
+  WindowGeometry geometryTwips() const override { return geometry; }
+  void maximise() override { geometry.state = 2; }
+  void resizeTwips(int widthTwips, int heightTwips) override { geometry = {widthTwips, heightTwips, 0}; }
+  void showMain() override { hidden = false; }
+  void hideMain() override { hidden = true; }
+  void closeOtherWindows(const std::function<void(const std::string&)>&) override {}
+  void pumpEvents() override {}
+
+  std::string statusText;
+  bool hidden = false;
+  WindowGeometry geometry{7668, 7300, 0};
+};
+
+}  // namespace vonel

@@ -1,0 +1,49 @@
+#pragma once
+// What start-up and shutdown ask of the windows. The scanner window fills it;
+// a run without windows uses the quiet HeadlessWindows.
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace vonel {
+
+// Window sizes are kept in twips (1/1440 inch), as the settings always have.
+struct WindowGeometry {
+  int widthTwips = 0;
+  int heightTwips = 0;
+  int state = 0;  // 0 normal, 1 minimised, 2 maximised
+};
+
+class MainWindowPort {
+ public:
+  virtual ~MainWindowPort() = default;
+
+  virtual void showSplash() = 0;
+  // Shows a start-up stage on the splash and lets the window repaint.
+  virtual void splashStatus(std::string_view stage) = 0;
+  virtual void hideSplash() = 0;
+  // Runs the account wizard to its end; true when it wrote the settings file.
+  virtual bool runAccountWizard() = 0;
+  virtual void setBusy(bool busy) = 0;
+
+  virtual void setupListView() = 0;
+  virtual void showTicketButton(bool show) = 0;
+  virtual void showTrayIcon(std::string_view tip) = 0;
+  virtual void removeTrayIcon() = 0;
+  virtual void setStatusText(std::string_view text) = 0;
+  virtual void setupMenus() = 0;
+  virtual void switchToMailer() = 0;
+
+  virtual WindowGeometry screenTwips() const = 0;
+  virtual WindowGeometry geometryTwips() const = 0;
+  virtual void maximise() = 0;
+  virtual void resizeTwips(int widthTwips, int heightTwips) = 0;
+  virtual void showMain() = 0;
+  virtual void hideMain() = 0;
+
+  // Closes every other window, last opened first, naming each to `onClose`.
+  virtual void closeOtherWindows(const std::function<void(const std::string&)>& onClose) = 0;
+  virtual void pumpEvents() = 0;
+};
+
+}  // namespace vonel

@@ -1,0 +1,171 @@
+#include "ui/scanner/scanner_window.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPainter>
+#include <QScreen>
+#include <QSplashScreen>
+#include <QStatusBar>
+#include <QSystemTrayIcon>
+#include <QTreeWidget>
+
+#include "app/qtext.h"
+
+namespace vonel {
+namespace {
+
+constexpr int kTwipsPerInch = 1440;
+
+QPixmap splashPicture() {
+  QPixmap picture(360, 160);
+  picture.fill(QColor(32, 64, 112));
+  QPainter painter(&picture);
+  painter.setPen(Qt::white);
+  QFont font = painter.font();
+  font.setPointSize(28);
+  font.setBold(true);
+  painter.setFont(font);
+  painter.drawText(picture.rect().adjusted(0, 0, 0, -40), Qt::AlignCenter, QStringLiteral("Vonel"));
+  return picture;
+}
+
+QIcon trayPicture() {
+  QPixmap picture(32, 32);
+  picture.fill(Qt::transparent);
+  QPainter painter(&picture);
+  painter.setBrush(QColor(32, 64, 112));
+  painter.setPen(Qt::NoPen);
+  painter.drawEllipse(picture.rect());
+  painter.setPen(Qt::white);
+  painter.drawText(picture.rect(), Qt::AlignCenter, QStringLiteral("S"));
+  return QIcon(picture);
+}
+
+}  // namespace
+
+ScannerWindow::ScannerWindow() : list_(new QTreeWidget(this)) {
+  setObjectName("frmMain");
+  setWindowTitle("Vonel");
+  list_->setObjectName("ListServerMail");
+  list_->setRootIsDecorated(false);
+  list_->setHeaderLabels({"#", "Account", "Status", "Score", "From", "Subject"});
+  setCentralWidget(list_);
+
+  auto* fileMenu = menuBar()->addMenu("&File");
+  auto* exit = fileMenu->addAction("E&xit");
+  exit->setObjectName("mnuExit");
+  connect(exit, &QAction::triggered, this, &ScannerWindow::exitProgram);
+  statusBar()->setObjectName("StatusBar1");
+}
+
+ScannerWindow::~ScannerWindow() = default;
+
+void ScannerWindow::exitProgram() {
+  if (onExit && onExit()) QApplication::quit();
+}
+
+void ScannerWindow::showSplash() {
+  if (!splash_) splash_ = std::make_unique<QSplashScreen>(splashPicture());
+  splash_->show();
+}
+
+void ScannerWindow::splashStatus(std::string_view stage) {
+  if (splash_) splash_->showMessage(toQString(stage), Qt::AlignBottom | Qt::AlignHCenter, Qt::white);
+}
+
+void ScannerWindow::hideSplash() {
+  if (splash_) splash_->hide();
+}
+
+bool ScannerWindow::runAccountWizard() {
+  QMessageBox::information(nullptr, "Vonel",
+                           "No mail account is set up yet. Vonel starts with empty settings; "
+                           "accounts can be added to Vonel.ini in its home folder.");
+  return true;
+}
+
+void ScannerWindow::setBusy(bool busy) {
+  if (busy) QApplication::setOverrideCursor(Qt::WaitCursor);
+  else QApplication::restoreOverrideCursor();
+}
+
+void ScannerWindow::setupListView() { list_->clear(); }
+
+void ScannerWindow::showTicketButton(bool) {}
+
+void ScannerWindow::showTrayIcon(std::string_view tip) {
+  if (!QSystemTrayIcon::isSystemTrayAvailable()) return;
+  if (!tray_) {
+    tray_ = new QSystemTrayIcon(trayPicture(), this);
+    connect(tray_, &QSystemTrayIcon::activated, this, [this] { showMain(); });
+  }
+  tray_->setToolTip(toQString(tip));
+  tray_->show();
+}
+
+void ScannerWindow::removeTrayIcon() {
+  if (tray_) tray_->hide();
+}
+
+void ScannerWindow::setStatusText(std::string_view text) { statusBar()->showMessage(toQString(text)); }
+
+void ScannerWindow::setupMenus() {}
+
+void ScannerWindow::switchToMailer() {}
+
+int ScannerWindow::twipsPerPixel() const {
+  const int dpi = logicalDpiX() > 0 ? logicalDpiX() : 96;
+  return kTwipsPerInch / dpi;
+}
+
+WindowGeometry ScannerWindow::screenTwips() const {
+  const QScreen* screen = this->screen() ? this->screen() : QGuiApplication::primaryScreen();
+  if (!screen) return {};
+  const QSize size = screen->availableGeometry().size();
+  return {size.width() * twipsPerPixel(), size.height() * twipsPerPixel(), 0};
+}
+
+WindowGeometry ScannerWindow::geometryTwips() const {
+  const int state = isMaximized() ? 2 : isMinimized() ? 1 : 0;
+  return {width() * twipsPerPixel(), height() * twipsPerPixel(), state};
+}
+
+void ScannerWindow::maximise() { setWindowState(windowState() | Qt::WindowMaximized); }
+
+void ScannerWindow::resizeTwips(int widthTwips, int heightTwips) {
+  resize(widthTwips / twipsPerPixel(), heightTwips / twipsPerPixel());
+}
+
+void ScannerWindow::showMain() {
+  show();
+  raise();
+  activateWindow();
+}
+
+void ScannerWindow::hideMain() { hide(); }
+
+void ScannerWindow::closeOtherWindows(const std::function<void(const std::string&)>& onClose) {
+  const auto windows = QApplication::topLevelWidgets();
+  for (auto it = windows.rbegin(); it != windows.rend(); ++it) {
+    QWidget* window = *it;
+    if (window == this || !window->isVisible()) continue;
+    onClose(fromQString(window->objectName().isEmpty() ? window->windowTitle() : window->objectName()));
+    window->close();
+  }
+}
+
+void ScannerWindow::pumpEvents() { QApplication::processEvents(); }
+
+void ScannerWindow::closeEvent(QCloseEvent* event) {
+  if (event->spontaneous()) {
+    hide();
+    event->ignore();
+    return;
+  }
+  QMainWindow::closeEvent(event);
+}
+
+}  // namespace vonel

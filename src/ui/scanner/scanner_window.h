@@ -1,0 +1,60 @@
+#pragma once
+// The scanner window: the list of messages waiting on the servers, the status
+// bar and the tray icon. Start-up and shutdown reach it through MainWindowPort.
+#include <QMainWindow>
+#include <functional>
+#include <memory>
+
+#include "app/main_window_port.h"
+
+class QSplashScreen;
+class QSystemTrayIcon;
+class QTreeWidget;
+
+namespace vonel {
+
+class ScannerWindow final : public QMainWindow, public MainWindowPort {
+  Q_OBJECT
+
+ public:
+  ScannerWindow();
+  ~ScannerWindow() override;
+
+  // Called by the Exit command; returns true when the program is to end.
+  std::function<bool()> onExit;
+
+  void showSplash() override;
+  void splashStatus(std::string_view stage) override;
+  void hideSplash() override;
+  bool runAccountWizard() override;
+  void setBusy(bool busy) override;
+  void setupListView() override;
+  void showTicketButton(bool show) override;
+  void showTrayIcon(std::string_view tip) override;
+  void removeTrayIcon() override;
+  void setStatusText(std::string_view text) override;
+  void setupMenus() override;
+  void switchToMailer() override;
+  WindowGeometry screenTwips() const override;
+  WindowGeometry geometryTwips() const override;
+  void maximise() override;
+  void resizeTwips(int widthTwips, int heightTwips) override;
+  void showMain() override;
+  void hideMain() override;
+  void closeOtherWindows(const std::function<void(const std::string&)>& onClose) override;
+  void pumpEvents() override;
+
+ protected:
+  // Closing the window only hides it; the program goes on in the tray.
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void exitProgram();
+  int twipsPerPixel() const;
+
+  QTreeWidget* list_;
+  std::unique_ptr<QSplashScreen> splash_;
+  QSystemTrayIcon* tray_ = nullptr;
+};
+
+}  // namespace vonel
