@@ -70,10 +70,8 @@ std::string LoadTextFile(const fs::path& file) {
   std::ifstream in(file, std::ios::binary);
   if (!in) throw AppError::fromErrno(errno ? errno : ENOENT, pathText(file));
   std::string bytes;
-  std::error_code ec;
-  const auto size = fs::file_size(file, ec);
-  if (!ec) bytes.reserve(static_cast<std::size_t>(size));
-  bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  char buffer[1 << 16];
+  while (in.read(buffer, sizeof buffer) || in.gcount() > 0) bytes.append(buffer, static_cast<std::size_t>(in.gcount()));
   if (in.bad()) throw AppError(error_number::kDeviceIo, "Device I/O error: " + pathText(file));
   return bytes;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/log/show_error.h"
 #include "core/services/file_subs.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
@@ -37,7 +38,10 @@ void cSHAREDSettings::setLocalBooleanWords(std::string trueWord, std::string fal
 }
 
 std::optional<bool> cSHAREDSettings::booleanWord(std::string_view value) const {
-  const std::string word = text::upper(text::trimView(value));
+  const std::string_view trimmed = text::trimView(value);
+  // Most values are longer than any Boolean word; don't copy those.
+  if (trimmed.size() > std::max({std::size_t{5}, localTrue_.size(), localFalse_.size()})) return std::nullopt;
+  const std::string word = text::upper(trimmed);
   if (word == "FALSE" || (!localFalse_.empty() && word == localFalse_)) return false;
   if (word == "TRUE" || (!localTrue_.empty() && word == localTrue_)) return true;
   return std::nullopt;
@@ -56,11 +60,8 @@ std::string cSHAREDSettings::SettingNameByIndex(int index) const {
 void cSHAREDSettings::AddSetting(std::string_view name, const Value& value) {
   const Value stored = value.kind() == Value::Kind::Boolean ? Value(value.flag() ? -1 : 0) : value;
   std::string key = withoutCommas(name);
-  if (auto* existing = settings_.find(key)) {
-    existing->KeyValue = stored;
-    return;
-  }
-  settings_.add(key, cSHAREDSetting{key, stored});
+  auto [setting, added] = settings_.emplace(key, cSHAREDSetting{key, stored});
+  if (!added) setting->KeyValue = stored;
 }
 
 Value cSHAREDSettings::RetrieveSetting(std::string_view name, const std::optional<Value>& fallback) const {
@@ -134,7 +135,7 @@ bool cSHAREDSettings::SaveSettings(const std::filesystem::path& file) {
         if (prompt_.ask(question, Buttons::RetryCancel, "") == Answer::Retry) continue;
         return false;
       }
-      prompt_.showError(std::to_string(e.number()) + " - " + e.description() + " in SaveSettings", "");
+      ShowErr(prompt_, std::to_string(e.number()) + " - " + e.description() + " in SaveSettings");
       return false;
     }
   }
@@ -173,9 +174,8 @@ void cSHAREDSettings::LoadSettingsFromText(std::string_view bytes, const std::st
         AddSetting(key, Value(value));
       }
     } catch (const AppError& e) {
-      prompt_.showError("Error " + std::to_string(e.number()) + " in setting file. Line: " + std::string(line) +
-                            " of " + source,
-                        "");
+      ShowErr(prompt_, "Error " + std::to_string(e.number()) + " in setting file. Line: " + std::string(line) +
+                           " of " + source);
     }
   }
 }

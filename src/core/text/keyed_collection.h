@@ -38,11 +38,15 @@ class KeyedCollection {
   }
 
   // Appends; a key that is already present is left alone and false returned.
-  bool add(std::string key, T value) {
+  bool add(std::string key, T value) { return emplace(std::move(key), std::move(value)).second; }
+
+  // Appends unless the key is present; either way gives the entry's value
+  // and whether it was added, with one look-up.
+  std::pair<T*, bool> emplace(std::string key, T value) {
     auto [it, inserted] = index_.emplace(upper(key), entries_.size());
-    if (!inserted) return false;
+    if (!inserted) return {&entries_[it->second].value, false};
     entries_.push_back(Entry{std::move(key), std::move(value)});
-    return true;
+    return {&entries_.back().value, true};
   }
 
   bool remove(std::string_view key) {
