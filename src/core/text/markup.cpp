@@ -43,7 +43,12 @@ void resolveDecimalReferences(std::string& text) {
 }  // namespace
 
 void MyReplace(std::string& text, std::string_view find, std::string_view replace, bool caseSensitive) {
-  text = caseSensitive ? replaceAll(text, find, replace) : replaceAllNoCase(text, find, replace);
+  // Most calls find nothing; they shouldn't pay for a copy of a whole body.
+  if (caseSensitive) {
+    if (text.find(find) != std::string::npos) text = replaceAll(text, find, replace);
+  } else if (findNoCase(text, find)) {
+    text = replaceAllNoCase(text, find, replace);
+  }
 }
 
 void MyReplaceNoCaps(std::string& text, std::string_view find, std::string_view replace) {
@@ -94,7 +99,8 @@ void StripHtml(std::string& text) {
 }
 
 void HTMLConstToChar(std::string& text) {
-  if (trimView(text).empty()) return;
+  // Every form below starts with "&".
+  if (trimView(text).empty() || text.find('&') == std::string::npos) return;
   ReplaceWith_NC(text, "&hellip;", "...");
   ReplaceWith_NC(text, "&bull;", kBullet);
   ReplaceWith(text, "&prime;", "'");
