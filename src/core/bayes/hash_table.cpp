@@ -1,6 +1,8 @@
 #include "core/bayes/hash_table.h"
 
 #include <algorithm>
+#include <charconv>
+#include <iterator>
 #include <string>
 
 #include "core/bayes/string_hash.h"
@@ -69,7 +71,11 @@ void clsHashTable::ChangeValue(std::int32_t index, float value) { recVal_[checke
 std::int32_t clsHashTable::firstHash(std::string_view key) const { return cHash(key, tableSize_); }
 
 // The bucket is a hash of the decimal text of the first hash.
-std::int32_t clsHashTable::bucketOf(std::int32_t first) const { return cHash(std::to_string(first), tableSize_); }
+std::int32_t clsHashTable::bucketOf(std::int32_t first) const {
+  char digits[16];
+  const auto written = std::to_chars(std::begin(digits), std::end(digits), first);
+  return cHash(std::string_view(digits, static_cast<std::size_t>(written.ptr - digits)), tableSize_);
+}
 
 void clsHashTable::ensureInitialised() {
   if (!initialised_) InitStandard();

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "core/bayes/hash_table.h"
 #include "core/services/file_subs.h"
@@ -17,9 +18,37 @@ constexpr std::string_view kHeaderLine = "Count, String";
 // Room for the lines added after a table has been loaded.
 constexpr std::int32_t kLoadHeadroom = 1000;
 
+// The usual value of a line, " .99 " or "-2 ", read without the general reader.
+// Both the digits and the power of ten are exact in a double, so the one
+// division rounds as the general reader does.
+std::optional<double> plainDecimal(std::string_view text) {
+  text = text::trimView(text);
+  const bool negative = !text.empty() && text.front() == '-';
+  if (negative) text.remove_prefix(1);
+  constexpr double kPowers[] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  std::int64_t digits = 0;
+  int count = 0;
+  int decimals = -1;
+  for (char c : text) {
+    if (c == '.' && decimals < 0) {
+      decimals = 0;
+    } else if (c >= '0' && c <= '9' && count < 15) {
+      digits = digits * 10 + (c - '0');
+      ++count;
+      if (decimals >= 0) ++decimals;
+    } else {
+      return std::nullopt;
+    }
+  }
+  if (count == 0) return std::nullopt;
+  const double value = static_cast<double>(digits) / kPowers[std::max(decimals, 0)];
+  return negative ? -value : value;
+}
+
 // A file's number as a single float; out-of-range values take the nearest end.
 float singleValue(std::string_view text) {
-  const double value = text::val(text);
+  const auto plain = plainDecimal(text);
+  const double value = plain ? *plain : text::val(text);
   constexpr double kMax = std::numeric_limits<float>::max();
   return static_cast<float>(std::clamp(value, -kMax, kMax));
 }

@@ -2,14 +2,28 @@
 
 #include <gtest/gtest.h>
 
-#include "bayes_test_home.h"
+#include <fstream>
+#include <iterator>
+
+#include "../test_home.h"
 #include "core/bayes/string_hash.h"
 #include "core/log/app_error.h"
 
 namespace vonel::bayes {
 namespace {
 
-using testing::TestHome;
+using vonel::testing::TestHome;
+
+std::filesystem::path inHome(const TestHome& home, const std::string& name) { return home.dir.path() / name; }
+
+void writeFile(const std::filesystem::path& file, const std::string& bytes) {
+  std::ofstream(file, std::ios::binary) << bytes;
+}
+
+std::string readFile(const std::filesystem::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
 
 TEST(StringHash, StaysWithinTheTableAndRepeats) {
   for (std::int32_t size : {1, 2, 50, 85000}) {
@@ -120,10 +134,10 @@ TEST(HashTableFile, RoundTripTrimsKeysButKeepsCommas) {
   table.MessageCount = 7;
   table.InsertRecord("a,b, c", 0.25f);
   table.InsertRecord(" lead", 2);
-  ASSERT_TRUE(table.WriteHashTable(home.file("HashGood.dat"), home.log));
+  ASSERT_TRUE(table.WriteHashTable(inHome(home, "HashGood.dat"), home.log));
 
   clsHashTable loaded;
-  loaded.LoadTable(home.file("HashGood.dat"), home.log);
+  loaded.LoadTable(inHome(home, "HashGood.dat"), home.log);
   EXPECT_EQ(loaded.MessageCount, 7);
   EXPECT_EQ(loaded.HashFind("a,b, c").Value, 0.25f);
   EXPECT_EQ(loaded.RecIndex(" lead"), -1);
@@ -135,18 +149,18 @@ TEST(HashTableFile, RoundTripTrimsKeysButKeepsCommas) {
 
 TEST(HashTableFile, WriteReplacesAReadOnlyFile) {
   TestHome home;
-  home.write("HashTable.dat", "old");
-  std::filesystem::permissions(home.file("HashTable.dat"), std::filesystem::perms::owner_read);
+  writeFile(inHome(home, "HashTable.dat"), "old");
+  std::filesystem::permissions(inHome(home, "HashTable.dat"), std::filesystem::perms::owner_read);
   clsHashTable table;
   table.InsertRecord("x", 0.5f);
-  ASSERT_TRUE(table.WriteHashTable(home.file("HashTable.dat"), home.log));
-  EXPECT_EQ(home.read("HashTable.dat"), "Count, String\r\n 0 \r\n .5 , x\r\n");
+  ASSERT_TRUE(table.WriteHashTable(inHome(home, "HashTable.dat"), home.log));
+  EXPECT_EQ(readFile(inHome(home, "HashTable.dat")), "Count, String\r\n 0 \r\n .5 , x\r\n");
 }
 
 TEST(HashTableFile, MissingFileLeavesTheTableAsItWas) {
   TestHome home;
   clsHashTable table;
-  table.LoadTable(home.file("HashTable.dat"), home.log);
+  table.LoadTable(inHome(home, "HashTable.dat"), home.log);
   EXPECT_FALSE(table.initialised());
   EXPECT_EQ(table.MaxRecords, 0);
 }

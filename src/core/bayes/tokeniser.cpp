@@ -1,0 +1,234 @@
+#include "core/bayes/tokeniser.h"
+
+#include <algorithm>
+
+#include "core/message/address.h"
+#include "core/text/shared_text.h"
+#include "core/text/strings.h"
+
+namespace vonel::bayes {
+namespace {
+
+constexpr std::size_t kShortestWord = 3;
+constexpr std::size_t kLongestWord = 35;
+constexpr std::size_t kLongestPhrase = 50;
+constexpr std::size_t kLongestUrl = 50;
+
+// A search whose start only moves forward remembers its last hit, so a walk
+// over a long text without the needle stays linear.
+class ForwardSearch {
+ public:
+  ForwardSearch(std::string_view text, std::string_view needle) : text_(text), needle_(needle) {}
+  std::size_t from(std::size_t start) {
+    if (!searched_ || start < searchedFrom_ || (hit_ != 0 && hit_ < start)) {
+      hit_ = text::find(text_, needle_, start);
+      searchedFrom_ = start;
+      searched_ = true;
+    }
+    return hit_;
+  }
+  std::size_t length() const { return needle_.size(); }
+
+ private:
+  std::string_view text_;
+  std::string_view needle_;
+  std::size_t searchedFrom_ = 0;
+  std::size_t hit_ = 0;
+  bool searched_ = false;
+};
+
+void takeEarlier(std::size_t hit, std::size_t length, std::size_t& lowest) {
+  if (hit > 0 && (lowest == 0 || hit < lowest)) lowest = hit + length - 1;
+}
+
+void GetLowest(std::size_t start, ForwardSearch& search, std::size_t& lowest) {
+  takeEarlier(search.from(start), search.length(), lowest);
+}
+
+bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
+
+void removeEach(std::string& text, std::string_view characters) {
+  for (char c : characters) text::RemoveChar(text, std::string_view(&c, 1));
+}
+
+std::string replaceEach(std::string text, std::string_view characters, std::string_view with) {
+  for (char c : characters) text = text::replaceAll(text, std::string_view(&c, 1), with);
+  return text;
+}
+
+std::string afterFirstAt(const std::string& word) { return word.substr(word.find('@') + 1); }
+
+// Cuts the word to start at the marker and to end before the first "/"
+// found from `slashFrom`; a host with a user part keeps only the host.
+std::string cutAtMarker(std::string word, std::string_view marker, std::size_t slashFrom) {
+  const std::size_t at = text::find(text::lower(word), marker);
+  if (at == 0) return word;
+  word = text::mid(word, at);
+  const std::size_t slash = text::find(word, "/", slashFrom);
+  if (slash > 0) {
+    word = text::left(word, slash - 1);
+    if (contains(word, "@")) word = afterFirstAt(word);
+  }
+  return word;
+}
+
+// The address's host again under the prefix, whole and piece by piece:
+// "mail.example.org" gives "mail", ".example" and ".org" too.
+void hashAddressHost(clsHashTable& table, std::string_view prefix, const std::string& word) {
+  const std::string address = CleanThisWord(word);
+  const std::size_t at = address.find('@');
+  if (at == std::string::npos || at + 1 == address.size()) return;
+  const std::string domain = address.substr(at + 1);
+  const std::string p(prefix);
+  table.Insert(p + domain);
+  const auto pieces = text::split(domain, ".");
+  table.Insert(p + pieces.front());
+  for (std::size_t i = 1; i < pieces.size(); ++i) table.Insert(p + "." + pieces[i]);
+}
+
+void hashWord(clsHashTable& table, std::string_view prefix, const std::string& word, const std::string& last) {
+  const std::string p(prefix);
+  if (prefix == "RCT*") {
+    const std::string lastUpper = text::upper(last);
+    if (lastUpper == "HELO") {
+      table.Insert(word);
+    } else if (lastUpper == "FROM" && word != "network;") {
+      table.Insert(last + " " + word);
+    }
+  } else if (prefix == "CT*") {
+    if (contains(word, "/")) table.Insert(p + text::replaceAll(word, ";", ""));
+  } else if (prefix == "HDR*") {
+    if (!contains(word, ":") && text::findNoCase(word, "boundary") == 0 && !AllNumerics(word)) table.Insert(p + word);
+  } else if (prefix == "SUB*") {
+    table.Insert(p + word);
+  } else if (!AllNumerics(word)) {
+    table.Insert(p + word);
+    if (contains(word, "@")) hashAddressHost(table, prefix, word);
+  }
+}
+
+// "http://", "https://" and "/" gone, the host after a user part, cut at a
+// quote or ">", without one trailing ".".
+std::string cleanUrl(std::string url) {
+  url = text::replaceAll(url, "http://", "");
+  url = text::replaceAll(url, "https://", "");
+  url = text::replaceAll(url, "/", "");
+  if (contains(url, "@")) url = afterFirstAt(url);
+  url = url.substr(0, url.find('"'));
+  url = url.substr(0, url.find('>'));
+  if (!url.empty() && url.back() == '.') url.pop_back();
+  return url;
+}
+
+}  // namespace
+
+void GetLowest(std::size_t start, std::string_view text, std::string_view find, std::size_t& lowest) {
+  takeEarlier(text::find(text, find, start), find.size(), lowest);
+}
+
+std::string CleanThisWord(std::string word) {
+  removeEach(word, "<>`~^'\",(){}[]");
+  std::erase_if(word, [](char c) { return c >= 1 && c <= 30; });
+  return text::trim(word);
+}
+
+bool AllNumerics(std::string_view word) {
+  return std::all_of(word.begin(), word.end(), [](char c) { return (c >= '0' && c <= '9') || c == '-' || c == '+'; });
+}
+
+std::string CleanNumbers(std::string_view text) {
+  std::string out(text);
+  std::erase_if(out, [](char c) { return c >= '0' && c <= '9'; });
+  return out;
+}
+
+std::string ExtractIfUrl(std::string word) {
+  word = cutAtMarker(std::move(word), "http://", 8);
+  return cutAtMarker(std::move(word), "www.", 5);
+}
+
+void BreakAndHash(clsHashTable& table, std::string text, std::string_view prefix) {
+  if (text.empty() || text::findNoCase(text, "boundary=") > 0) return;
+  text = text::replaceAll(text, "\r\n", " ");
+  text = replaceEach(std::move(text), "\r\n\t", " ");
+  if (contains(text, " ") && text.size() <= kLongestPhrase) table.Insert(std::string(prefix) + text);
+  if (prefix != "HDR*" && prefix != "SB-LN*" && prefix != "SB-ND*") text = replaceEach(std::move(text), "=,*-()", " ");
+
+  ForwardSearch blanks(text, " ");
+  ForwardSearch closers(text, ">");
+  std::string last;
+  std::size_t pos = 1;
+  do {
+    const std::size_t start = pos;
+    pos = blanks.from(start + 1);
+    GetLowest(start + 1, closers, pos);
+    std::string word = text::trim(pos > 0 ? text::mid(text, start, pos - start + 1) : text::mid(text, start));
+    if (word.size() < kShortestWord) continue;
+    if (word.size() > kLongestWord) {
+      last = std::move(word);
+      continue;
+    }
+    word = text::left(word, 2) == "<!" ? "HTMLCOMMENT" : CleanThisWord(std::move(word));
+    if (prefix.empty() && !contains(word, "@") && text::findNoCase(word, "http") == 0) std::erase(word, '.');
+    if (contains(word, ".")) word = ExtractIfUrl(std::move(word));
+    hashWord(table, prefix, word, last);
+    last = std::move(word);
+  } while (pos > 0);
+}
+
+// The last URL of a body is counted twice: the final pass finds no further
+// link and inserts the one it still holds. Each insert cleans the URL as found.
+void HashUrls(clsHashTable& table, std::string_view body) {
+  if (body.empty()) return;
+  const std::string text = text::lower(body);
+  if (!contains(text, "www.") && !contains(text, "http://") && !contains(text, "https://")) return;
+
+  ForwardSearch plain(text, "http://"), secure(text, "https://"), bare(text, "www.");
+  ForwardSearch slash(text, "/"), quote(text, "\""), blank(text, " "), com(text, ".com"), biz(text, ".biz"),
+      info(text, ".info");
+  std::string url;
+  std::size_t pos = 1;
+  do {
+    const std::size_t start = pos;
+    pos = plain.from(start + 1);
+    GetLowest(start + 1, secure, pos);
+    GetLowest(start + 1, bare, pos);
+    if (pos > 0) {
+      std::size_t end = slash.from(pos + 8);
+      for (ForwardSearch* stop : {&quote, &blank, &com, &biz, &info}) GetLowest(pos + 8, *stop, end);
+      url = end != 0 ? text::trim(text::mid(text, pos, end - pos + 1)) : std::string();
+    }
+    if (url.size() >= kShortestWord && url.size() <= kLongestUrl) table.Insert("URL*" + cleanUrl(url));
+  } while (pos > 0);
+}
+
+void HashMessage(clsHashTable& table, const message::clsMessage& message, bool headersOnly) {
+  const std::string linked = text::replaceAll(message.Subject, " ", "_");
+  const std::string noDigits = CleanNumbers(linked);
+  BreakAndHash(table, message.Subject, "SUB*");
+  BreakAndHash(table, linked, "SB-LN*");
+  if (!text::equalsNoCase(text::trimView(linked), text::trimView(noDigits))) BreakAndHash(table, noDigits, "SB-ND*");
+
+  const auto nameThenAddress = [&table](const std::string& field, std::string_view prefix) {
+    BreakAndHash(table, message::ExtractName(field), prefix);
+    BreakAndHash(table, message::ExtractEmail(field), prefix);
+  };
+  nameThenAddress(message.To_Email(), "TO*");
+  nameThenAddress(message.Sender, "SNDR*");
+  nameThenAddress(message.From, "FRM*");
+  nameThenAddress(message.ReplyTo, "RPLYTO*");
+  BreakAndHash(table, message.XEnvelopeTo, "XTO*");
+  BreakAndHash(table, message.ContentTypeMain, "CT*");
+  BreakAndHash(table, message.BCC, "BCC*");
+  BreakAndHash(table, message.CC, "CC*");
+  BreakAndHash(table, message.Received, "RCT*");
+  BreakAndHash(table, message.UserAgent, "UA*");
+  BreakAndHash(table, message.OrigIP, "IP*");
+  BreakAndHash(table, message.XMailer, "XMLR*");
+  BreakAndHash(table, message.Headers, "HDR*");
+
+  if (headersOnly) return;
+  HashUrls(table, message.HtmlStrippedBody.empty() ? message.StrippedBody : message.HtmlStrippedBody);
+}
+
+}  // namespace vonel::bayes
