@@ -1,0 +1,32 @@
+// Hand-written messages and their token tables, as `vonel-inspect tokens FILE` prints them.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "core/bayes/token_report.h"
+#include "core/bayes/tokeniser.h"
+#include "core/services/file_subs.h"
+
+namespace vonel::bayes {
+namespace {
+
+class GoldenTokens : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(GoldenTokens, TableMatches) {
+  const std::filesystem::path folder = std::filesystem::path(VONEL_TEST_DATA) / "bayes";
+  const std::string sample = GetParam();
+  message::clsMessage message;
+  message.CreateFromText(files::LoadTextFile(folder / (sample + ".eml")), false);
+  clsHashTable table;
+  table.InitSmall();
+  HashMessage(table, message, false);
+  EXPECT_EQ(DescribeTable(table), files::LoadTextFile(folder / (sample + ".tokens")));
+}
+
+// plain_offer: every address region, the Received hosts, numbers dropped and
+// kept, and the last URL counted twice. html_news: a boundary skips the
+// content type and all headers, and an address with a dash loses its user part.
+INSTANTIATE_TEST_SUITE_P(Samples, GoldenTokens, ::testing::Values("plain_offer", "html_news"));
+
+}  // namespace
+}  // namespace vonel::bayes
