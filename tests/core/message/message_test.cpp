@@ -242,3 +242,41 @@ TEST(Messages, KeyedAndKeylessItemsInOrder) {
 
 }  // namespace
 }  // namespace vonel::message
+
+namespace vonel::message {
+namespace {
+
+TEST(BadInput, HugeHeadersReadAsInvalidWithoutWork) {
+  std::string manyLines;
+  for (int i = 0; i < 200000; ++i) manyLines += "X-Line: " + std::to_string(i) + "\r\n";
+  for (const bool headerOnly : {true, false}) {
+    EXPECT_EQ(parsed(manyLines + "\r\nbody", headerOnly).Headers, "");
+    EXPECT_EQ(parsed("Subject: " + std::string(1 << 20, 'x') + "\r\n\r\nbody", headerOnly).Subject, "");
+  }
+}
+
+TEST(BadInput, NullBytesBrokenWordsAndUnclosedQuotes) {
+  const auto m = parsed(mail({std::string("Subject: before\0after", 21), "From: =?iso-8859-1?B?", "To: \"unclosed <a@b",
+                              "Content-Type: multipart/mixed; boundary=\"open"},
+                             "--open\r\nContent-Type: text/plain; name=\"x\r\n\r\ndata\r\n--open"),
+                        false);
+  EXPECT_EQ(m.Subject, "before");
+  EXPECT_EQ(m.To_Email(), "unclosed <a@b");
+  // The last marker ends the section without its closing dashes, and the
+  // unclosed name runs to the line end.
+  ASSERT_EQ(m.MimePartCount(), 1u);
+  EXPECT_EQ(m.AttachmentFilenames(), "x * ");
+  EXPECT_EQ(m.StrippedBody, "data");
+}
+
+TEST(BadInput, DeeplyNestedMultipartsDoNotExhaustTheStack) {
+  std::string body;
+  constexpr int kDepth = 20000;
+  for (int i = 0; i < kDepth; ++i) body += "--b\r\nContent-Type: multipart/mixed; boundary=b\r\n\r\n";
+  body += "--b\r\nContent-Type: text/plain\r\n\r\ndeep\r\n--b--\r\n";
+  const auto m = parsed(mail({"Content-Type: multipart/mixed; boundary=b"}, body), false);
+  EXPECT_GE(m.MimePartCount(), 1u);
+}
+
+}  // namespace
+}  // namespace vonel::message
