@@ -1,0 +1,42 @@
+#include <QAction>
+#include <QStatusBar>
+#include <QTemporaryDir>
+#include <QTreeWidget>
+#include <QtTest>
+
+#include "app/frm_main.h"
+#include "core/services/file_subs.h"
+#include "ui/scanner/scanner_window.h"
+
+using namespace vonel;
+
+class ScannerWindowTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void startsWithTheListAndTheUpdateStatus() {
+    QTemporaryDir dir;
+    const std::filesystem::path home = dir.path().toStdString();
+    files::WriteTextFile(home / "Vonel.ini", "REPLYADDRESS0,me@example.org\r\nTITLE0,Home\r\nMAINWIDTH,9000\r\n");
+    FixedClock clock{text::DateTime{2026, 11, 23, 8, 0, 0}};
+    ScriptedPrompt prompt;
+    AppContext context(clock, prompt, AppInfo{"Vonel", "1", "os", "/", home});
+    ScannerWindow window;
+    frmMain controller(context, window);
+    QCOMPARE(controller.Startup(), StartupResult::Started);
+
+    QVERIFY(window.isVisible());
+    QVERIFY(window.findChild<QTreeWidget*>("ListServerMail"));
+    QVERIFY(window.findChild<QAction*>("mnuExit"));
+    QCOMPARE(window.statusBar()->currentMessage(), QString("Auto-update enabled"));
+    QCOMPARE(window.geometryTwips().widthTwips / 100, 90);
+
+    const QString shots = qEnvironmentVariable("VONEL_SCREENSHOT_DIR");
+    if (!shots.isEmpty()) window.grab().save(shots + "/scanner-window.png");
+    QVERIFY(controller.ExitProg());
+    QVERIFY(!window.isVisible());
+  }
+};
+
+QTEST_MAIN(ScannerWindowTest)
+#include "scanner_window_test.moc"
