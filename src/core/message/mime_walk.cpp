@@ -12,6 +12,10 @@ namespace {
 
 constexpr std::string_view kBlankLine = "\r\n\r\n";
 constexpr std::string_view kWebPageName = "View email as web page.html";
+// Each level searches all the text nested inside it for its next marker, so
+// the work grows with depth times size. Real mail nests a handful of levels;
+// a multipart deeper than this is kept as one part instead of being walked.
+constexpr std::size_t kDeepestWalk = 100;
 
 // Text from the 1-based `start` up to the next CR LF at or after `searchFrom`,
 // or to the end without one.
@@ -67,7 +71,7 @@ class MimeWalker {
     std::string encoding = ExtractContentEncoding(header);
     if (type.empty() && !encoding.empty()) type = "text/plain";
 
-    if (text::startsWithNoCase(type, "multipart/")) {
+    if (text::startsWithNoCase(type, "multipart/") && walks_.size() < kDeepestWalk) {
       std::string marker = "--" + ExtractBoundaryString(header);
       const std::size_t first = text::find(body, marker);
       if (first != 0) walks_.push_back(SectionWalk{body, std::move(marker), first});
