@@ -4,8 +4,9 @@
 
 namespace vonel {
 
-text::DateTime SystemClock::now() const {
-  const std::time_t t = std::time(nullptr);
+text::DateTime SystemClock::now() const { return localDateTime(std::time(nullptr)); }
+
+text::DateTime localDateTime(std::time_t t) {
   std::tm local{};
 #ifdef _WIN32
   localtime_s(&local, &t);

@@ -2,7 +2,12 @@
 // The present moment, injectable so that tests can fix the time.
 #include "core/text/dates.h"
 
+#include <ctime>
+
 namespace vonel {
+
+// Local wall-clock time of a moment of the system clock.
+text::DateTime localDateTime(std::time_t moment);
 
 class Clock {
  public:

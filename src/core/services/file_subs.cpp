@@ -15,6 +15,7 @@
 #endif
 
 #include "core/log/app_error.h"
+#include "core/services/clock.h"
 #include "core/text/strings.h"
 
 namespace vonel::files {
@@ -159,15 +160,7 @@ std::optional<text::DateTime> FileDate(const fs::path& file) {
   if (ec) return std::nullopt;
   const auto system = std::chrono::time_point_cast<std::chrono::seconds>(
       written - fs::file_time_type::clock::now() + std::chrono::system_clock::now());
-  const std::time_t t = std::chrono::system_clock::to_time_t(system);
-  std::tm local{};
-#ifdef _WIN32
-  localtime_s(&local, &t);
-#else
-  localtime_r(&t, &local);
-#endif
-  return text::DateTime{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
-                        local.tm_hour,        local.tm_min,     local.tm_sec};
+  return localDateTime(std::chrono::system_clock::to_time_t(system));
 }
 
 std::optional<fs::path> FindAnyCase(const fs::path& folder, std::string_view name) {

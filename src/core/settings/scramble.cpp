@@ -53,29 +53,6 @@ std::optional<unsigned char> decodeEntity(std::string_view name) {
   return text::byteForEntity(name);
 }
 
-// One pass from the left, so "&amp;lt;" gives "&lt;" and not "<".
-std::string unescape(std::string_view text) {
-  std::string out;
-  out.reserve(text.size());
-  std::size_t i = 0;
-  while (i < text.size()) {
-    if (text[i] == '&') {
-      const auto semicolon = text.find(';', i + 1);
-      if (semicolon != std::string_view::npos && semicolon - i <= 8) {
-        if (const auto byte = decodeEntity(text.substr(i + 1, semicolon - i - 1))) {
-          out += static_cast<char>(*byte);
-          i = semicolon + 1;
-          continue;
-        }
-      }
-    }
-    out += text[i++];
-  }
-  const auto null = out.find('\0');
-  if (null != std::string::npos) out.resize(null);
-  return out;
-}
-
 }  // namespace
 
 std::string Encrypt(std::string_view plain) {
@@ -92,7 +69,8 @@ std::string Decrypt(std::string_view scrambled) {
     const auto byte = static_cast<unsigned char>(c);
     if (byte > kShift) c = static_cast<char>(byte - kShift);
   }
-  std::string plain = unescape(shifted);
+  // One pass from the left, so "&amp;lt;" gives "&lt;" and not "<".
+  std::string plain = text::decodeEntities(shifted, decodeEntity);
   // The entity step can only come back empty when the text held a null byte
   // at the front; then the shifted text is the better answer. (A password of
   // blanks is kept: it is what the user typed.)

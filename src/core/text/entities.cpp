@@ -89,14 +89,18 @@ void CharToHtml(std::string& text) {
 
 void HtmlToChar(std::string& text) {
   if (trimView(text).empty()) return;
+  text = decodeEntities(text, byteForEntity);
+}
+
+std::string decodeEntities(std::string_view text, EntityLookup lookup) {
   std::string out;
   out.reserve(text.size());
   std::size_t i = 0;
   while (i < text.size()) {
     if (text[i] == '&') {
       const auto semicolon = text.find(';', i + 1);
-      if (semicolon != std::string::npos && semicolon - i <= 8) {
-        if (const auto byte = byteForEntity(std::string_view(text).substr(i + 1, semicolon - i - 1))) {
+      if (semicolon != std::string_view::npos && semicolon - i <= 8) {
+        if (const auto byte = lookup(text.substr(i + 1, semicolon - i - 1))) {
           out += static_cast<char>(*byte);
           i = semicolon + 1;
           continue;
@@ -107,7 +111,7 @@ void HtmlToChar(std::string& text) {
   }
   const auto null = out.find('\0');
   if (null != std::string::npos) out.resize(null);
-  text = std::move(out);
+  return out;
 }
 
 }  // namespace vonel::text

@@ -22,4 +22,10 @@ void CharToHtml(std::string& text);
 // the first null byte.
 void HtmlToChar(std::string& text);
 
+// One pass from the left over "&name;" references (names up to seven
+// characters): each that `lookup` knows becomes its byte, the rest stay as
+// they are. The result is cut at the first null byte.
+using EntityLookup = std::optional<unsigned char> (*)(std::string_view name);
+std::string decodeEntities(std::string_view text, EntityLookup lookup);
+
 }  // namespace vonel::text
