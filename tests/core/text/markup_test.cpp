@@ -95,3 +95,30 @@ TEST(SharedText, ByteLevelHelpers) {
 
 }  // namespace
 }  // namespace vonel::text
+
+#include "core/text/link_marking.h"
+
+namespace vonel::text {
+namespace {
+
+std::vector<std::string> links(std::string_view text) {
+  std::vector<std::string> found;
+  for (const auto& link : UnderlineLinks(text)) found.emplace_back(text.substr(link.start, link.length));
+  return found;
+}
+
+TEST(UnderlineLinks, WebAndMailAddressesWithTheirStopCharacters) {
+  EXPECT_EQ(links("See (http://a.example/x), mail \"Ann\" <ann@example.com>; ftp:files"),
+            (std::vector<std::string>{"http://a.example/x", "ftp:files", "ann@example.com"}));
+  EXPECT_EQ(links("go to www.example.com, now"), (std::vector<std::string>{"www.example.com"}));
+  EXPECT_EQ(links("to:me@host.org, @name.org and a@b"), (std::vector<std::string>{"me@host.org,"}));
+}
+
+TEST(UnderlineLinks, AMarkerInsideAnEarlierLinkStopsThatMarkersScan) {
+  // "www." first meets the http link, so the plain www address after it stays plain.
+  EXPECT_EQ(links("http://www.a.com www.b.com"), (std::vector<std::string>{"http://www.a.com"}));
+  EXPECT_EQ(links(std::string(100000, '@')), std::vector<std::string>{});
+}
+
+}  // namespace
+}  // namespace vonel::text
