@@ -1,0 +1,39 @@
+#include "core/bayes/blacklist.h"
+
+#include "core/services/file_subs.h"
+#include "core/text/strings.h"
+
+namespace vonel::bayes {
+
+void BlackList::LoadBlackList(const std::filesystem::path& file, cSharedLogging& log) {
+  words_.clear();
+  loaded_ = true;
+  if (!files::FileExists(file)) return;
+  guardedStep(log, "LoadBlackList", "frmBayesFilter", [&] {
+    const std::string content = files::LoadTextFile(file);
+    if (!text::trimView(content).empty()) words_ = text::split(content, "\r\n");
+  });
+}
+
+std::optional<std::string> BlackList::SearchSubject(std::string_view subject) const {
+  std::optional<std::string> found;
+  std::size_t pos = 0;
+  std::size_t least = 0;
+  for (const std::string& word : words_) {
+    if (word.empty()) continue;
+    bool matched = true;
+    for (char c : word) {
+      pos = text::find(subject, std::string_view(&c, 1), pos + 1);
+      if (pos == 0 || pos < least) {
+        pos = 0;
+        matched = false;
+        break;
+      }
+      least = pos;
+    }
+    if (matched) found = word;
+  }
+  return found;
+}
+
+}  // namespace vonel::bayes
