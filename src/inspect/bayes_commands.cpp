@@ -1,11 +1,17 @@
 // vonel-inspect tokens FILE [--headers-only]: the token table of a message.
+// vonel-inspect score --home DIR FILE...: score, FilterReason and SpamSplit of
+// each message against the word table and blacklist of that home.
+#include <optional>
 #include <ostream>
 
+#include "core/bayes/message_file_score.h"
 #include "core/bayes/token_report.h"
 #include "core/bayes/tokeniser.h"
 #include "core/log/app_error.h"
 #include "core/message/message.h"
+#include "core/services/app_context.h"
 #include "core/services/file_subs.h"
+#include "core/text/numbers.h"
 #include "inspect/command.h"
 
 namespace vonel::inspect {
@@ -31,7 +37,56 @@ int runTokens(const Arguments& args, std::ostream& out, std::ostream& err) {
   }
 }
 
+// Shows control characters, so the breakdown's tabs and line ends are visible.
+std::string escaped(std::string_view text) {
+  std::string out;
+  for (char c : text) {
+    if (c == '\r') {
+      out += "\\r";
+    } else if (c == '\n') {
+      out += "\\n\n  ";
+    } else if (c == '\t') {
+      out += "\\t";
+    } else {
+      out += c;
+    }
+  }
+  return out;
+}
+
+int runScore(const Arguments& args, std::ostream& out, std::ostream& err) {
+  if (args.size() < 3 || args[0] != "--home") {
+    err << "usage: vonel-inspect score --home DIR FILE...\n";
+    return 2;
+  }
+  SystemClock clock;
+  ScriptedPrompt prompt;
+  AppContext context(clock, prompt, AppInfo{"Vonel", "", "", {}, files::PathFromText(args[1])});
+  context.log.NOLOGGING = true;
+  context.PathSettings.LoadSettings(context.pathsFile());
+  context.Settings.LoadSettings(context.settingsFile());
+  context.folders.ReadDataFolder();
+  context.ReadBayesSettings();
+  bayes::frmBayesFilter filter(context);
+
+  int status = 0;
+  for (std::size_t i = 2; i < args.size(); ++i) {
+    out << args[i] << "\n";
+    try {
+      const auto result = bayes::ScoreMessageFile(filter, files::PathFromText(args[i]));
+      out << "  Score: " << text::plainText(result.score) << " " << bayes::VerdictWord(result.score, context) << "\n";
+      out << "  FilterReason: " << result.FilterReason << "\n";
+      out << "  SpamSplit:\n  " << escaped(result.SpamSplit) << "\n";
+    } catch (const AppError& e) {
+      err << args[i] << ": " << e.description() << "\n";
+      status = 1;
+    }
+  }
+  return status;
+}
+
 const bool registeredTokens = registerCommand({"tokens", "FILE [--headers-only]", runTokens});
+const bool registeredScore = registerCommand({"score", "--home DIR FILE...", runScore});
 
 }  // namespace
 }  // namespace vonel::inspect

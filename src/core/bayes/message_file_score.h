@@ -1,0 +1,29 @@
+#pragma once
+// Scoring message files from outside the mail cycle: the inspection tool and
+// the program's command line ("score and verdict word" for scripts and mail
+// filters).
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "core/bayes/bayes_filter.h"
+
+namespace vonel::bayes {
+
+struct FileScore {
+  float score = 0;
+  std::string FilterReason;
+  std::string SpamSplit;
+};
+
+// The whole message, scored as a downloaded message is checked. Throws
+// AppError when the file can't be read.
+FileScore ScoreMessageFile(frmBayesFilter& filter, const std::filesystem::path& file);
+
+// "FAIL" from the spam threshold up, "SPAM?" from the suspicious threshold, else "PASS".
+std::string_view VerdictWord(float score, const AppContext& context);
+
+// "<score> <verdict>", as the command line prints it for each file.
+std::string ScoreLine(frmBayesFilter& filter, const AppContext& context, const std::filesystem::path& file);
+
+}  // namespace vonel::bayes
