@@ -33,7 +33,11 @@ void SortByValue(std::vector<TokenProbability>& tokens) {
 
 std::string SpamSplitText(const std::vector<TokenProbability>& tokens) {
   std::string out;
-  for (const auto& token : tokens) out += "(" + text::plainText(token.value) + ") \t" + token.key + "\r\n";
+  for (const auto& token : tokens) {
+    out += "(" + text::plainText(token.value) + ") \t";
+    out += token.key;
+    out += "\r\n";
+  }
   return out;
 }
 

@@ -7,9 +7,10 @@
 
 namespace vonel::bayes {
 
-// One token of the message with the probability the word table gives it.
+// One token of the message with the probability the word table gives it;
+// the key is a view of the message table's record.
 struct TokenProbability {
-  std::string key;
+  std::string_view key;
   float value = 0;
 };
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "core/message/address.h"
-#include "core/text/shared_text.h"
 #include "core/text/strings.h"
 
 namespace vonel::bayes {
@@ -47,13 +46,11 @@ void GetLowest(std::size_t start, ForwardSearch& search, std::size_t& lowest) {
 
 bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
 
-void removeEach(std::string& text, std::string_view characters) {
-  for (char c : characters) text::RemoveChar(text, std::string_view(&c, 1));
-}
+bool isOneOf(char c, std::string_view characters) { return characters.find(c) != std::string_view::npos; }
 
-std::string replaceEach(std::string text, std::string_view characters, std::string_view with) {
-  for (char c : characters) text = text::replaceAll(text, std::string_view(&c, 1), with);
-  return text;
+// Each of the characters becomes a blank, in one pass.
+void blankEach(std::string& text, std::string_view characters) {
+  std::replace_if(text.begin(), text.end(), [characters](char c) { return isOneOf(c, characters); }, ' ');
 }
 
 std::string afterFirstAt(const std::string& word) { return word.substr(word.find('@') + 1); }
@@ -61,7 +58,7 @@ std::string afterFirstAt(const std::string& word) { return word.substr(word.find
 // Cuts the word to start at the marker and to end before the first "/"
 // found from `slashFrom`; a host with a user part keeps only the host.
 std::string cutAtMarker(std::string word, std::string_view marker, std::size_t slashFrom) {
-  const std::size_t at = text::find(text::lower(word), marker);
+  const std::size_t at = text::findNoCase(word, marker);
   if (at == 0) return word;
   word = text::mid(word, at);
   const std::size_t slash = text::find(word, "/", slashFrom);
@@ -127,8 +124,7 @@ void GetLowest(std::size_t start, std::string_view text, std::string_view find, 
 }
 
 std::string CleanThisWord(std::string word) {
-  removeEach(word, "<>`~^'\",(){}[]");
-  std::erase_if(word, [](char c) { return c >= 1 && c <= 30; });
+  std::erase_if(word, [](char c) { return (c >= 1 && c <= 30) || isOneOf(c, "<>`~^'\",(){}[]"); });
   return text::trim(word);
 }
 
@@ -150,9 +146,9 @@ std::string ExtractIfUrl(std::string word) {
 void BreakAndHash(clsHashTable& table, std::string text, std::string_view prefix) {
   if (text.empty() || text::findNoCase(text, "boundary=") > 0) return;
   text = text::replaceAll(text, "\r\n", " ");
-  text = replaceEach(std::move(text), "\r\n\t", " ");
+  blankEach(text, "\r\n\t");
   if (contains(text, " ") && text.size() <= kLongestPhrase) table.Insert(std::string(prefix) + text);
-  if (prefix != "HDR*" && prefix != "SB-LN*" && prefix != "SB-ND*") text = replaceEach(std::move(text), "=,*-()", " ");
+  if (prefix != "HDR*" && prefix != "SB-LN*" && prefix != "SB-ND*") blankEach(text, "=,*-()");
 
   ForwardSearch blanks(text, " ");
   ForwardSearch closers(text, ">");
@@ -162,7 +158,8 @@ void BreakAndHash(clsHashTable& table, std::string text, std::string_view prefix
     const std::size_t start = pos;
     pos = blanks.from(start + 1);
     GetLowest(start + 1, closers, pos);
-    std::string word = text::trim(pos > 0 ? text::mid(text, start, pos - start + 1) : text::mid(text, start));
+    const std::size_t length = pos > 0 ? pos - start + 1 : std::string_view::npos;
+    std::string word(text::trimView(std::string_view(text).substr(start - 1, length)));
     if (word.size() < kShortestWord) continue;
     if (word.size() > kLongestWord) {
       last = std::move(word);
