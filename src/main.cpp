@@ -6,6 +6,7 @@
 #include "app/headless_run.h"
 #include "app/platform.h"
 #include "ui/dialog_prompt.h"
+#include "ui/password_dialog.h"
 #include "ui/scanner/scanner_window.h"
 
 namespace {
@@ -26,7 +27,8 @@ int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
   vonel::AppContext context(clock, prompt, vonel::platformAppInfo(home), vonel::platformLocaleFacts());
   vonel::ScannerWindow window;
   prompt.setParent(&window);
-  vonel::frmMain controller(context, window);
+  vonel::PasswordDialog passwords(&window);
+  vonel::frmMain controller(context, window, passwords);
   window.onExit = [&controller] { return controller.ExitProg(); };
   controller.Startup();
   return application.exec();

@@ -16,6 +16,17 @@ CommandLine parseCommandLine(const QStringList& arguments) {
       line.home = argument.mid(7);
     } else if (argument == "--headless") {
       line.headless = true;
+    } else if (argument == "--scan") {
+      line.headless = line.scan = true;
+    } else if (argument == "--delete") {
+      line.deleteOnServer = true;
+    } else if (argument == "--account") {
+      bool ok = false;
+      line.account = i + 1 < arguments.size() ? arguments[++i].toInt(&ok) : -1;
+      if (!ok || line.account < 0 || line.account > 19) {
+        line.error = "--account needs a number from 0 to 19";
+        return line;
+      }
     } else if (argument.startsWith("--")) {
       line.error = "unknown option " + argument;
       return line;
@@ -27,9 +38,12 @@ CommandLine parseCommandLine(const QStringList& arguments) {
 }
 
 QString commandLineHelp() {
-  return "usage: vonel [--home DIR] [--headless]\n"
-         "  --home DIR   keep settings, logs and mail in DIR\n"
-         "  --headless   start up and shut down without windows\n";
+  return "usage: vonel [--home DIR] [--headless | --scan [--account N] [--delete]]\n"
+         "  --home DIR     keep settings, logs and mail in DIR\n"
+         "  --headless     start up and shut down without windows\n"
+         "  --scan         judge the headers waiting on every account, print one line each\n"
+         "  --account N    only account N (0 to 19)\n"
+         "  --delete       delete failing messages on the server\n";
 }
 
 }  // namespace vonel

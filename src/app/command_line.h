@@ -9,6 +9,9 @@ namespace vonel {
 struct CommandLine {
   std::optional<QString> home;
   bool headless = false;
+  bool scan = false;          // one pass over the servers, headers only
+  bool deleteOnServer = false;
+  int account = -1;           // the one account of the pass, or all
   QStringList passOn;  // the rest, for the command handler of a running copy
   QString error;       // set when the line can't be understood
 };

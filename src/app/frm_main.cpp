@@ -1,6 +1,7 @@
 #include "app/frm_main.h"
 
 #include "app/event_wait.h"
+#include "app/qtext.h"
 #include "core/services/file_subs.h"
 #include "core/settings/accounts.h"
 #include "core/text/strings.h"
@@ -14,7 +15,8 @@ constexpr int kShutdownWaitMs = 3000;
 
 }  // namespace
 
-frmMain::frmMain(AppContext& context, MainWindowPort& windows) : ctx_(context), windows_(windows) {
+frmMain::frmMain(AppContext& context, MainWindowPort& windows, PasswordPrompt& passwords)
+    : ctx_(context), windows_(windows), passwords_(passwords) {
   TimerAutoScan.setInterval(1000);
   TimerDelayedStart.setInterval(1500);
   TimerDelayedStart.setSingleShot(true);
@@ -74,6 +76,8 @@ StartupResult frmMain::Startup() {
     windows_.showTicketButton(ctx_.Settings.RetrieveSetting("CMSMODE", Value(false)).flag());
 
     action("Loading getmail");
+    pop3::GetMailEvents& events = *this;
+    getMail_ = std::make_unique<Pop3Connection>(ctx_, events, serverFilters_, localFilters_, passwords_);
     action("Loading mailer");
     stage("Loading Filters");
     action("Loading Sendmail");
@@ -155,6 +159,8 @@ void frmMain::migrateOldSignature() {
   ctx_.Settings.DeleteSettingByName("Signature");
 }
 
+frmMain::~frmMain() = default;
+
 void frmMain::ReadSettings() {
   AutoDelete = ctx_.Settings.RetrieveSetting("AUTODELETE", Value(0)).numberOr(0) == 1;
   SoundOn = ctx_.Settings.RetrieveSetting("AUDIO", Value(0)).numberOr(0) == 1;
@@ -207,6 +213,7 @@ bool frmMain::ExitProg() {
     }
     if (CheckingMail) {
       action("Still checking for mail. Stopping transfer.");
+      if (getMail_) getMail_->session().CancelMail();
       CheckingMail = false;
       waitWhileEventsRun(kShutdownWaitMs);
     }
@@ -242,5 +249,117 @@ bool frmMain::ExitProg() {
   log.LogEvent("Finished");
   return true;
 }
+
+void frmMain::ProcessMail(bool deleteSpam, bool oneAccount, int account, bool retrieve, bool clear) {
+  if (CheckingMail || !getMail_) return;
+  ClearMode = clear;
+  RetrieveMode = retrieve;
+  DeleteSpamMode = deleteSpam;
+  PassedMail = false;
+  while (Messages.Count() > 0) Messages.Remove(std::size_t{1});
+  MessagesListed = 0;
+  GoodMessages = 0;
+  windows_.setupListView();
+  CurrentAccount = account;
+  LastAccount = oneAccount ? account : kAccountCount - 1;
+  CheckNextAccount(oneAccount);
+}
+
+void frmMain::CheckNextAccount(bool force) {
+  guardedStep(ctx_.log, "CheckNextAccount", kModule, [&] {
+    if (text::trim(ctx_.Settings.RetrieveSetting(accountKey("SERVER", CurrentAccount), Value("")).text()).empty()) {
+      DoNextAccount();
+      return;
+    }
+    CheckingMail = true;
+    auto& session = getMail_->session();
+    if (RetrieveMode) session.GetMessages(CurrentAccount, DeleteSpamMode, force);
+    else if (ClearMode) session.DeleteAllMail(CurrentAccount);
+    else session.GetHeaders(CurrentAccount, DeleteSpamMode, force);
+  });
+}
+
+void frmMain::DoNextAccount() {
+  CheckingMail = false;
+  if (CurrentAccount == -1) {
+    NotifyFinishedGettingMail("Finished getting mail");
+    return;
+  }
+  if (LastAccount < kAccountCount - 1) {
+    NotifyFinishedGettingMail("Finished getting mail");
+    return;
+  }
+  ctx_.Settings.StoreSetting("SpamCount", Value(TotalSpamCount));
+  if (++CurrentAccount < kAccountCount) {
+    CheckNextAccount(false);
+    return;
+  }
+  CurrentAccount = -1;
+  if (FirstAccount(ctx_.Settings) < 0) {
+    ctx_.prompt.ask("You need to set up your email account(s). Would you like to open the settings screen?",
+                    Buttons::YesNo, "Vonel");
+    emit passEnded(QString());
+    return;
+  }
+  NotifyFinishedGettingMail("Process complete");
+}
+
+void frmMain::NotifyFinishedGettingMail(const std::string& text) { emit passEnded(toQString(text)); }
+
+void frmMain::HeaderReceived(message::clsMessage& received) {
+  auto message = std::make_shared<message::clsMessage>(received);
+  const bool goingAway = message->Deleted && DeleteSpamMode;
+  if (!goingAway) {
+    if (message->MessageID.empty()) {
+      const text::DateTime now = ctx_.clock.now();
+      message->MessageID = std::to_string(MessagesListed) + "." +
+                           std::to_string(now.hour * 3600 + now.minute * 60 + now.second) + "." + message->Sender;
+    }
+    while (true) {
+      try {
+        Messages.Item(message->MessageID);
+        message->MessageID += "1";
+      } catch (const AppError&) {
+        break;
+      }
+    }
+    Messages.Add(message, message->MessageID);
+  }
+  ++MessagesListed;
+  if (!message->Deleted && !message->Ignored && message->Bayes < ctx_.SaveToSpamThreshold) ++GoodMessages;
+  if (goingAway) return;
+  if (!message->Deleted && !message->Ignored) PassedMail = true;
+  const Account account = readAccount(ctx_.Settings, message->FromAccount, AccountReader::Session);
+  windows_.addServerMessage(*message, MessagesListed, account.Title);
+}
+
+void frmMain::Progress(const std::string& text) { windows_.setStatusText(text); }
+
+void frmMain::DeletedSpam(int count) {
+  SessionSpamCount += count;
+  TotalSpamCount += count;
+}
+
+void frmMain::POPError(const std::string&, const std::string& text) {
+  std::string shown = text;
+  std::erase_if(shown, [](char c) { return c == '\r' || c == '\n'; });
+  windows_.setStatusText(shown);
+}
+
+void frmMain::Cancelled(const std::string&) {
+  CurrentAccount = -1;
+  DoNextAccount();
+}
+
+void frmMain::TimedOut(const std::string&, int seconds) {
+  windows_.setStatusText("Timed out after " + std::to_string(seconds) + " seconds.");
+  DoNextAccount();
+}
+
+void frmMain::NoMailServer() { DoNextAccount(); }
+
+void frmMain::NoConnection() { windows_.setStatusText("No Internet Connection"); }
+
+void frmMain::Finished(const std::string&, long) { DoNextAccount(); }
 
 }  // namespace vonel

@@ -7,22 +7,30 @@
 #include <string>
 
 #include "app/main_window_port.h"
+#include "app/pop3/pop3_connection.h"
+#include "core/message/messages.h"
 #include "core/services/app_context.h"
 
 namespace vonel {
 
 enum class StartupResult { Started, NoAccount };
 
-class frmMain : public QObject {
+class frmMain : public QObject, private pop3::GetMailEvents {
   Q_OBJECT
 
  public:
-  frmMain(AppContext& context, MainWindowPort& windows);
+  frmMain(AppContext& context, MainWindowPort& windows, PasswordPrompt& passwords);
+  ~frmMain() override;
 
   StartupResult Startup();
   // False when the user chose to keep the program running.
   bool ExitProg();
   void ReadSettings();
+
+  // The one entry point of a pass over the servers.
+  void ProcessMail(bool deleteSpam, bool oneAccount, int account, bool retrieve, bool clear);
+  void CheckNextAccount(bool force);
+  void DoNextAccount();
 
   // State of the mail cycle that start-up and shutdown read.
   bool CheckingMail = false;
@@ -31,12 +39,39 @@ class frmMain : public QObject {
   bool SoundOn = false;
   bool RetrieveNext = false;
   double TotalSpamCount = 0;
+  double SessionSpamCount = 0;
+  int CurrentAccount = -1;
+  int LastAccount = 19;
+  bool RetrieveMode = false;
+  bool ClearMode = false;
+  bool DeleteSpamMode = false;
+  bool PassedMail = false;
+  long MessagesListed = 0;
+  long GoodMessages = 0;
+  message::clsMessages Messages;
 
   QTimer TimerAutoScan;
   QTimer TimerDelayedStart;
   QTimer TimerUpdateCheck;
 
+ signals:
+  // A pass over the servers has ended, with the text that says how.
+  void passEnded(const QString& text);
+
  private:
+  // What the POP3 session reports.
+  void HeaderReceived(message::clsMessage& message) override;
+  void Progress(const std::string& text) override;
+  void DeletedSpam(int count) override;
+  void POPError(const std::string& title, const std::string& text) override;
+  void Cancelled(const std::string& title) override;
+  void TimedOut(const std::string& title, int seconds) override;
+  void NoMailServer() override;
+  void NoConnection() override;
+  void Finished(const std::string& title, long count) override;
+
+  void NotifyFinishedGettingMail(const std::string& text);
+
   void stage(std::string_view text);
   void action(std::string_view text);
   void migrateOldPaths();
@@ -47,6 +82,11 @@ class frmMain : public QObject {
 
   AppContext& ctx_;
   MainWindowPort& windows_;
+  PasswordPrompt& passwords_;
+  // Until rule files exist every message passes both checks.
+  rules::PassEverything serverFilters_;
+  rules::PassEverything localFilters_;
+  std::unique_ptr<Pop3Connection> getMail_;
 };
 
 }  // namespace vonel

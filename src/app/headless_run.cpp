@@ -6,9 +6,45 @@
 #include "app/frm_main.h"
 #include "app/headless_windows.h"
 #include "app/platform.h"
+#include "app/qtext.h"
+#include "app/terminal_password.h"
+#include "core/rules/status_word.h"
+#include "core/text/cp1252.h"
+#include "core/text/numbers.h"
+
+#include <QEventLoop>
 #include "core/services/file_subs.h"
 
 namespace vonel {
+
+namespace {
+
+// One pass over the servers, each listed header printed as a line.
+void scan(frmMain& controller, HeadlessWindows& windows, const CommandLine& line) {
+  windows.onServerMessage = [](const message::clsMessage& m, long number, const std::string& title) {
+    const std::string subject = m.Ignored ? "N/A" : m.Subject;
+    std::printf("%ld\t%s\t%s\t%s\t%s\t%s\n", number, text::cp1252ToUtf8(title).c_str(),
+                rules::StatusWord(m).c_str(), text::plainText(m.Bayes).c_str(), text::cp1252ToUtf8(m.From).c_str(),
+                text::cp1252ToUtf8(subject).c_str());
+  };
+  QEventLoop loop;
+  QString outcome;
+  bool ended = false;
+  QObject::connect(&controller, &frmMain::passEnded, &loop, [&](const QString& text) {
+    if (ended) return;  // a time-out ends a session more than once
+    outcome = text;
+    ended = true;
+    loop.quit();
+  });
+  controller.TimerAutoScan.stop();
+  const bool oneAccount = line.account >= 0;
+  controller.ProcessMail(line.deleteOnServer, oneAccount, oneAccount ? line.account : 0, false, false);
+  if (!ended) loop.exec();
+  std::printf("%s\n", qPrintable(outcome.isEmpty() ? toQString(windows.statusText) : outcome));
+  std::fflush(stdout);
+}
+
+}  // namespace
 
 int runHeadless(const CommandLine& line) {
   const auto home = resolveHome(line.home);
@@ -16,13 +52,15 @@ int runHeadless(const CommandLine& line) {
   ConsolePrompt prompt;
   AppContext context(clock, prompt, platformAppInfo(home), platformLocaleFacts());
   HeadlessWindows windows;
-  frmMain controller(context, windows);
+  TerminalPasswordPrompt passwords;
+  frmMain controller(context, windows, passwords);
   if (controller.Startup() == StartupResult::NoAccount) {
     std::fprintf(stderr,
                  "vonel: no account is set up: %s has no Vonel.ini; start Vonel with its window to set one up\n",
                  home.string().c_str());
     return 2;
   }
+  if (line.scan) scan(controller, windows, line);
   return controller.ExitProg() ? 0 : 1;
 }
 

@@ -17,6 +17,9 @@ class HeadlessWindows final : public MainWindowPort {
   void showTrayIcon(std::string_view) override {}
   void removeTrayIcon() override {}
   void setStatusText(std::string_view text) override { statusText = text; }
+  void addServerMessage(const message::clsMessage& message, long number, const std::string& title) override {
+    if (onServerMessage) onServerMessage(message, number, title);
+  }
   void setupMenus() override {}
   void switchToMailer() override {}
   // A screen larger than any window, so that the saved size comes back unchanged.
@@ -29,6 +32,7 @@ class HeadlessWindows final : public MainWindowPort {
   void closeOtherWindows(const std::function<void(const std::string&)>&) override {}
   void pumpEvents() override {}
 
+  std::function<void(const message::clsMessage&, long, const std::string&)> onServerMessage;
   std::string statusText;
   bool hidden = false;
   WindowGeometry geometry{7668, 7300, 0};

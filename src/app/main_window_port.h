@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/message/message.h"
+
 namespace vonel {
 
 // Window sizes are kept in twips (1/1440 inch), as the settings always have.
@@ -31,6 +33,8 @@ class MainWindowPort {
   virtual void showTrayIcon(std::string_view tip) = 0;
   virtual void removeTrayIcon() = 0;
   virtual void setStatusText(std::string_view text) = 0;
+  // A judged header of the present pass, as row `number` of the server list.
+  virtual void addServerMessage(const message::clsMessage& message, long number, const std::string& accountTitle) = 0;
   virtual void setupMenus() = 0;
   virtual void switchToMailer() = 0;
 

@@ -2,6 +2,7 @@
 #include <QtTest>
 
 #include "app/frm_main.h"
+#include "app/terminal_password.h"
 #include "app/headless_windows.h"
 #include "core/services/file_subs.h"
 
@@ -16,12 +17,13 @@ struct Home {
   ScriptedPrompt prompt;
   std::unique_ptr<AppContext> context;
   HeadlessWindows windows;
+  TerminalPasswordPrompt passwords;
   std::unique_ptr<frmMain> controller;
 
   explicit Home(const std::string& settings = "REPLYADDRESS0,me@example.org\r\n") {
     if (!settings.empty()) files::WriteTextFile(path() / "Vonel.ini", settings);
     context = std::make_unique<AppContext>(clock, prompt, AppInfo{"Vonel", "9.9", "os", "/", path()});
-    controller = std::make_unique<frmMain>(*context, windows);
+    controller = std::make_unique<frmMain>(*context, windows, passwords);
   }
   std::filesystem::path path() const { return dir.path().toStdString(); }
   std::string read(const char* name) const { return files::LoadTextFile(path() / name); }

@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include "app/frm_main.h"
+#include "app/terminal_password.h"
 #include "core/services/file_subs.h"
 #include "ui/scanner/scanner_window.h"
 
@@ -22,7 +23,8 @@ class ScannerWindowTest : public QObject {
     ScriptedPrompt prompt;
     AppContext context(clock, prompt, AppInfo{"Vonel", "1", "os", "/", home});
     ScannerWindow window;
-    frmMain controller(context, window);
+    TerminalPasswordPrompt passwords;
+    frmMain controller(context, window, passwords);
     QCOMPARE(controller.Startup(), StartupResult::Started);
 
     QVERIFY(window.isVisible());

@@ -13,6 +13,8 @@
 #include <QTreeWidget>
 
 #include "app/qtext.h"
+#include "core/rules/status_word.h"
+#include "core/text/numbers.h"
 
 namespace vonel {
 namespace {
@@ -111,6 +113,19 @@ void ScannerWindow::removeTrayIcon() {
 }
 
 void ScannerWindow::setStatusText(std::string_view text) { statusBar()->showMessage(toQString(text)); }
+
+void ScannerWindow::addServerMessage(const message::clsMessage& m, long number, const std::string& accountTitle) {
+  auto* row = new QTreeWidgetItem(list_);
+  row->setText(0, QString::number(number));
+  row->setText(1, toQString(accountTitle));
+  row->setText(2, toQString(rules::StatusWord(m)));
+  row->setText(3, toQString(text::plainText(m.Bayes)));
+  row->setText(4, toQString(m.From));
+  row->setText(5, m.Ignored ? QStringLiteral("N/A") : toQString(m.Subject));
+  // Colours are kept as blue-green-red numbers.
+  const QColor colour(m.Colour & 0xFF, (m.Colour >> 8) & 0xFF, (m.Colour >> 16) & 0xFF);
+  for (int column = 0; column < 6; ++column) row->setForeground(column, colour);
+}
 
 void ScannerWindow::setupMenus() {}
 

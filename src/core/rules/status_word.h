@@ -1,0 +1,12 @@
+#pragma once
+// The verdict word of a judged message, derived from its flags and never stored.
+#include <string>
+
+#include "core/message/message.h"
+
+namespace vonel::rules {
+
+// "BLOCK" or "FAIL" for a deleted message, then "IGNORE", "SPAM?", "PASS".
+std::string StatusWord(const message::clsMessage& message);
+
+}  // namespace vonel::rules

@@ -1,0 +1,108 @@
+#pragma once
+// The POP3 client: one session on one account at a time, driven wholly by the
+// data that arrives. It walks the mailbox with "TOP n 1", has each header
+// judged, and then deletes, lists or downloads the message. It knows no
+// sockets and no windows: bytes come in, commands go out through the Link,
+// and what it learns goes to its owner as events.
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/rules/message_check.h"
+#include "core/services/app_context.h"
+#include "core/settings/accounts.h"
+#include "protocol/link.h"
+#include "protocol/pop3/get_mail_events.h"
+
+namespace vonel::pop3 {
+
+enum class Mode { Headers = 1, Download = 2, OneMessage = 3, DeleteAll = 4 };
+
+// The one reply record, reused for every reply.
+struct ReplyRecord {
+  long MessageCount = 0;
+  long CurrentMessage = 0;
+  std::string ReplyBuffer;
+  bool InMultiLine = false;
+  long BytesReceived = 0;
+  int FileHandle = 0;
+  std::filesystem::path TempFileName;
+  std::string PacketTail;
+};
+
+class frmGetMail {
+ public:
+  frmGetMail(AppContext& context, protocol::Link& link, GetMailEvents& events, rules::MessageCheck& serverFilters,
+             rules::MessageCheck& localFilters, PasswordPrompt& passwords);
+
+  void GetHeaders(int account, bool deleteSpam, bool force = false);
+  void GetMessages(int account, bool deleteSpam, bool force = false);
+  void DeleteAllMail(int account);
+  void GetSpecificMessage(int account, int number);
+  void CancelMail();
+
+  // From the connection: received bytes, split or joined anyhow; the
+  // one-second tick; a socket error with its number.
+  void onData(std::string_view bytes);
+  void onTick();
+  void onSocketError(int number, std::string_view description);
+
+  int state() const { return state_; }
+  const ReplyRecord& reply() const { return reply_; }
+
+ private:
+  void ReadSettings();
+  void Begintransfer(int account, bool deleteSpam, bool force);
+  bool takeUnit(std::string& unit);
+  void DataArrival(const std::string& packet);
+  void dispatch(const std::string& packet);
+  void onGreeting();
+  void onListLines(const std::string& packet);
+  void onStat(const std::string& packet);
+  void onTopLines(const std::string& packet);
+  void onRetrLines(const std::string& packet);
+  void onRetrComplete();
+  void onDeleteAllReply();
+  void onQuitReply();
+  void stepRule(bool withLog);
+  void errorPath(const std::string& packet);
+  void CleanupAndExit();
+  void closeTempFile(bool erase);
+  void send(const std::string& command);
+  void setState(int state) { state_ = state; }
+  void action(std::string_view text);
+  const std::string& title() const { return accounts_[static_cast<std::size_t>(account_)].Title; }
+  std::string ofTotal(long n) const;
+
+  AppContext& ctx_;
+  protocol::Link& link_;
+  GetMailEvents& events_;
+  rules::MessageCheck& serverFilters_;
+  rules::MessageCheck& localFilters_;
+  PasswordPrompt& passwords_;
+
+  std::array<Account, kAccountCount> accounts_{};
+  bool tablesRead_ = false;
+  Mode mode_ = Mode::Headers;
+  int specificNumber_ = 0;
+  int timeout_ = 30;
+  int idleSeconds_ = 0;
+  int account_ = 0;
+  int handledCount_ = 0;
+  long specificCount_ = 0;
+  std::vector<std::string> sizeList_;
+  bool deleteSpam_ = false;
+  int state_ = 0;
+  std::string lastData_;
+  ReplyRecord reply_;
+
+  std::string pending_;       // received bytes not yet handed to DataArrival
+  std::uint64_t session_ = 0;  // changes with every new session
+  std::ofstream tempFile_;
+};
+
+}  // namespace vonel::pop3
