@@ -1,5 +1,5 @@
 #pragma once
-// The Bayes filter's logic: the word, good and bad tables, the blacklist and
+// The Bayes filter's logic: the word and good tables, the blacklist and
 // the spam score of a message. The score is the plain mean of the message's
 // most extreme token probabilities, then corrected by what is known of the
 // sender. One per program, reached through the context.
@@ -38,12 +38,8 @@ class frmBayesFilter {
   void ForceRefresh() { wordTableLoaded_ = false; }
   void LoadBlackList();
 
-  clsHashTable& WordTable() { return wordTable_; }
+  // Filled by training; the score only asks it about senders.
   clsHashTable& GoodTable() { return goodTable_; }
-  clsHashTable& BadTable() { return badTable_; }
-  bool wordTableLoaded() const { return wordTableLoaded_; }
-  bool goodTableLoaded = false;
-  bool badTableLoaded = false;
 
   std::filesystem::path WordTableFile() const;
   std::filesystem::path BlackListFile() const;
@@ -60,7 +56,6 @@ class frmBayesFilter {
   const ContactLookup* contacts_ = nullptr;
   clsHashTable wordTable_;
   clsHashTable goodTable_;
-  clsHashTable badTable_;
   clsHashTable messageTable_;
   BlackList blackList_;
   bool wordTableLoaded_ = false;

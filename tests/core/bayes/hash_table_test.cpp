@@ -6,7 +6,6 @@
 #include <iterator>
 
 #include "../test_home.h"
-#include "core/bayes/string_hash.h"
 #include "core/log/app_error.h"
 
 namespace vonel::bayes {
@@ -25,17 +24,6 @@ std::string readFile(const std::filesystem::path& file) {
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
-TEST(StringHash, StaysWithinTheTableAndRepeats) {
-  for (std::int32_t size : {1, 2, 50, 85000}) {
-    for (const char* key : {"", "SUB*free", "\xff\x01", "URL*example.org"}) {
-      const auto h = cHash(key, size);
-      EXPECT_GE(h, 0);
-      EXPECT_LT(h, size);
-      EXPECT_EQ(h, cHash(key, size));
-    }
-  }
-}
-
 TEST(HashTableCounts, NewKeyStartsAtOneWhateverTheIncrement) {
   clsHashTable table;
   table.AlterValue("SUB*free", 5);
@@ -43,18 +31,12 @@ TEST(HashTableCounts, NewKeyStartsAtOneWhateverTheIncrement) {
   table.AlterValue("SUB*free", 1);
   table.Insert("SUB*free");
   EXPECT_EQ(table.HashFind("SUB*free").Value, 3);
+  EXPECT_EQ(table.RecIndex("SUB*FREE"), -1) << "keys compare with case";
   table.AlterValue("SUB*free", 0);
   EXPECT_EQ(table.HashFind("SUB*free").Value, 1) << "increment 0 resets";
   table.Insert("SUB*free");
   table.AlterValue("SUB*free", -3);
   EXPECT_EQ(table.HashFind("SUB*free").Value, 0) << "never below 0";
-}
-
-TEST(HashTableCounts, KeysCompareWithCase) {
-  clsHashTable table;
-  table.Insert("FRM*Bob");
-  EXPECT_EQ(table.RecIndex("FRM*bob"), -1);
-  EXPECT_EQ(table.RecIndex("FRM*Bob"), 1);
 }
 
 TEST(HashTableSearch, AbsenceReadsMinusOne) {
