@@ -78,45 +78,68 @@ std::string LoadTextFile(const fs::path& file) {
 }
 
 void WriteTextFile(const fs::path& file, std::string_view bytes) {
-  const fs::path temporary = temporarySibling(file);
+  AtomicFileWriter writer(file);
+  writer.write(bytes);
+  writer.commit();
+}
+
+AtomicFileWriter::AtomicFileWriter(fs::path file) : file_(std::move(file)), temporary_(temporarySibling(file_)) {
 #ifdef _WIN32
-  {
-    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-    if (!out) throw AppError::fromErrno(errno ? errno : EACCES, pathText(file));
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.flush();
-    if (!out) {
-      std::error_code ignored;
-      fs::remove(temporary, ignored);
-      throw AppError(error_number::kDiskFull, "Disk full: " + pathText(file));
-    }
-  }
+  out_.open(temporary_, std::ios::binary | std::ios::trunc);
+  if (!out_) throw AppError::fromErrno(errno ? errno : EACCES, pathText(file_));
 #else
-  const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-  if (fd < 0) throw AppError::fromErrno(errno, pathText(file));
-  try {
-    // Keep the permissions of the file being replaced.
-    struct stat old {};
-    if (::stat(file.c_str(), &old) == 0) ::fchmod(fd, old.st_mode & 07777);
-    writeAll(fd, bytes, file);
-    if (::fsync(fd) != 0) throw AppError::fromErrno(errno, pathText(file));
-  } catch (...) {
-    ::close(fd);
-    ::unlink(temporary.c_str());
-    throw;
-  }
-  if (::close(fd) != 0) {
+  fd_ = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+  if (fd_ < 0) throw AppError::fromErrno(errno, pathText(file_));
+  // Keep the permissions of the file being replaced.
+  struct stat old {};
+  if (::stat(file_.c_str(), &old) == 0) ::fchmod(fd_, old.st_mode & 07777);
+#endif
+}
+
+AtomicFileWriter::~AtomicFileWriter() {
+  if (committed_) return;
+#ifdef _WIN32
+  out_.close();
+#else
+  ::close(fd_);
+#endif
+  std::error_code ignored;
+  fs::remove(temporary_, ignored);
+}
+
+void AtomicFileWriter::write(std::string_view bytes) {
+#ifdef _WIN32
+  out_.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  if (!out_) throw AppError(error_number::kDiskFull, "Disk full: " + pathText(file_));
+#else
+  writeAll(fd_, bytes, file_);
+#endif
+}
+
+void AtomicFileWriter::commit() {
+#ifdef _WIN32
+  out_.flush();
+  if (!out_) throw AppError(error_number::kDiskFull, "Disk full: " + pathText(file_));
+  out_.close();
+#else
+  if (::fsync(fd_) != 0) throw AppError::fromErrno(errno, pathText(file_));
+  const int closed = ::close(fd_);
+  fd_ = -1;
+  if (closed != 0) {
     const int saved = errno;
-    ::unlink(temporary.c_str());
-    throw AppError::fromErrno(saved, pathText(file));
+    std::error_code ignored;
+    fs::remove(temporary_, ignored);
+    committed_ = true;
+    throw AppError::fromErrno(saved, pathText(file_));
   }
 #endif
   std::error_code ec;
-  fs::rename(temporary, file, ec);
+  fs::rename(temporary_, file_, ec);
+  committed_ = true;
   if (ec) {
     std::error_code ignored;
-    fs::remove(temporary, ignored);
-    throw AppError::fromErrno(ec.value(), pathText(file));
+    fs::remove(temporary_, ignored);
+    throw AppError::fromErrno(ec.value(), pathText(file_));
   }
 }
 

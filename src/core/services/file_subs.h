@@ -5,6 +5,7 @@
 // Failures throw AppError with the program's file error numbers.
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,6 +27,30 @@ std::string LoadTextFile(const fs::path& file);
 
 // Replaces the file with the bytes, through a temporary file and a rename.
 void WriteTextFile(const fs::path& file, std::string_view bytes);
+
+// A replacement of a file written in pieces, for contents too large to hold
+// in memory: the bytes go to a temporary file, and only commit() renames it
+// over the file. A writer dropped without commit() leaves the file as it was.
+class AtomicFileWriter {
+ public:
+  explicit AtomicFileWriter(fs::path file);
+  ~AtomicFileWriter();
+  AtomicFileWriter(const AtomicFileWriter&) = delete;
+  AtomicFileWriter& operator=(const AtomicFileWriter&) = delete;
+
+  void write(std::string_view bytes);
+  void commit();
+
+ private:
+  fs::path file_;
+  fs::path temporary_;
+#ifdef _WIN32
+  std::ofstream out_;
+#else
+  int fd_ = -1;
+#endif
+  bool committed_ = false;
+};
 
 // Appends the bytes, creating the file if needed (for logs, not user data).
 void AppendToFile(const fs::path& file, std::string_view bytes);

@@ -1,0 +1,11 @@
+#pragma once
+// A rough size of the message on the wire, for progress before the text is known.
+#include <cstdint>
+
+#include "core/send/mail_fields.h"
+
+namespace vonel::send {
+
+std::int64_t EstimateMailSize(const MailFields& mail);
+
+}  // namespace vonel::send

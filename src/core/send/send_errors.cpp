@@ -1,0 +1,34 @@
+#include "core/send/send_errors.h"
+
+#include <algorithm>
+
+#include "core/text/strings.h"
+
+namespace vonel::send {
+
+bool SendErrors::add(std::string_view text) {
+  const std::string held = text::replaceAll(text, "\r", "");
+  if (contains(held)) return false;
+  entries_.push_back(held);
+  return true;
+}
+
+void SendErrors::remove(std::string_view text) {
+  std::erase_if(entries_, [&](const std::string& entry) { return text::equalsNoCase(entry, text); });
+}
+
+bool SendErrors::contains(std::string_view text) const {
+  return std::any_of(entries_.begin(), entries_.end(),
+                     [&](const std::string& entry) { return text::equalsNoCase(entry, text); });
+}
+
+std::string SendErrors::joined() const {
+  std::string all;
+  for (std::size_t i = 0; i < entries_.size(); ++i) {
+    if (i > 0) all += "\r\n";
+    all += entries_[i];
+  }
+  return all;
+}
+
+}  // namespace vonel::send

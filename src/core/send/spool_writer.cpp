@@ -1,0 +1,157 @@
+#include "core/send/spool_writer.h"
+
+#include <cstdio>
+#include <fstream>
+
+#include "core/send/content_type.h"
+#include "core/message/transfer_encoding.h"
+#include "core/services/file_subs.h"
+#include "core/text/strings.h"
+
+namespace vonel::send {
+namespace {
+
+constexpr std::string_view kCrLf = "\r\n";
+constexpr std::string_view kListSeparator = ", \r\n    ";
+
+std::string inQuotes(std::string_view text) { return "\"" + std::string(text) + "\""; }
+
+// Where the name array reaches, a quoted name (or, when it is empty, the
+// quoted address) and a blank stand in front of <address>; beyond it, only <address>.
+std::string addressList(const std::vector<std::string>& addresses, const std::vector<std::string>& names) {
+  std::string list;
+  for (std::size_t i = 0; i < addresses.size(); ++i) {
+    if (i > 0) list += kListSeparator;
+    if (i < names.size()) {
+      list += inQuotes(names[i].empty() ? addresses[i] : names[i]);
+      list += ' ';
+    }
+    list += "<" + addresses[i] + ">";
+  }
+  return list;
+}
+
+std::string bccList(const std::vector<std::string>& addresses) {
+  std::string list;
+  for (std::size_t i = 0; i < addresses.size(); ++i) {
+    if (i > 0) list += kListSeparator;
+    list += "<" + text::trim(addresses[i]) + ">";
+  }
+  return list;
+}
+
+class SpoolText {
+ public:
+  explicit SpoolText(files::AtomicFileWriter& file) : file_(file) {}
+  void line(std::string_view text = {}) {
+    buffer_ += text;
+    buffer_ += kCrLf;
+    if (buffer_.size() >= 1 << 16) flush();
+  }
+  void flush() {
+    file_.write(buffer_);
+    buffer_.clear();
+  }
+
+ private:
+  files::AtomicFileWriter& file_;
+  std::string buffer_;
+};
+
+void writeHeaders(SpoolText& out, const MailFields& mail, const std::string& boundary, const std::string& version) {
+  const std::string sender = senderText(mail);
+  out.line("From: " + sender);
+  out.line("To: " + addressList(mail.Recipient, mail.RecipientDisplayName));
+  if (const std::string cc = addressList(mail.CcRecipient, mail.CcDisplayName); !cc.empty()) out.line("Cc: " + cc);
+  if (const std::string bcc = bccList(mail.BccRecipient); !bcc.empty()) out.line("Bcc: " + bcc);
+  if (!mail.ReplyToAddress.empty()) out.line("Reply-to: <" + mail.ReplyToAddress + ">");
+  if (!mail.InReplyTo.empty()) out.line("In-Reply-To: " + mail.InReplyTo);
+  out.line("Subject: " + mail.Subject);
+  if (mail.encodeType != EncodeType::Mime) return;
+  out.line("MIME-Version: 1.0");
+  out.line("X-Priority: " + std::to_string(mail.Priority));
+  out.line("X-MSMail-Priority: " + mail.priorityWord);
+  out.line("X-Mailer: Vonel " + version);
+  if (mail.Receipt) out.line("Disposition-Notification-To: " + sender);
+  if (!mail.attachmentPaths.empty()) {
+    out.line("Content-Type: multipart/mixed;");
+    out.line("\tboundary=" + inQuotes(boundary) + std::string(kCrLf));
+    out.line("This is a multi-part message in MIME format." + std::string(kCrLf));
+    out.line("--" + boundary);
+  }
+  out.line(std::string("Content-Type: ") + (mail.AsHTML ? "text/html;" : "text/plain;"));
+  out.line("\tcharset=" + inQuotes("iso-8859-1"));
+  out.line(std::string("Content-Transfer-Encoding: ") + (mail.eightBit ? "8bit" : "7bit"));
+  if (mail.AsHTML && !mail.ContentBase.empty()) out.line("Content-Base: " + inQuotes(mail.ContentBase));
+}
+
+// One base64 line per slice, read as it goes, so a large file costs one slice of memory.
+void encodeBase64File(SpoolText& out, const std::string& path) {
+  const std::filesystem::path file = files::PathFromText(path);
+  std::ifstream in(file, std::ios::binary);
+  if (!in) throw AttachmentFailed(error_number::kFileNotFound, "File not found: " + path);
+  std::string slice(kBase64Slice, '\0');
+  while (in.read(slice.data(), static_cast<std::streamsize>(slice.size())) || in.gcount() > 0) {
+    out.line(message::EncodeMime64String(std::string_view(slice).substr(0, static_cast<std::size_t>(in.gcount()))));
+  }
+  if (in.bad()) throw AttachmentFailed(error_number::kDeviceIo, "Device I/O error: " + path);
+}
+
+void writeMimeAttachment(SpoolText& out, const std::string& boundary, const std::string& path,
+                         const std::string& name) {
+  out.line("--" + boundary);
+  out.line("Content-Type: " + GetContentType(name, "application/octet-stream") + ";");
+  out.line("\tname=" + inQuotes(name));
+  out.line("Content-Transfer-Encoding: base64");
+  out.line("Content-Disposition: attachment;");
+  out.line("\tfilename=" + inQuotes(name) + std::string(kCrLf));
+  encodeBase64File(out, path);
+  out.line();
+  out.line();
+}
+
+// The uuencode mode never worked: its loop reads from a buffer it never
+// fills, at an invalid position, so the first slice is an error. Kept so.
+void writeUUEncodedAttachment(SpoolText& out, const std::string& name) {
+  out.line("begin 600 " + name);
+  throw AttachmentFailed(error_number::kInvalidCall, "Invalid procedure call or argument");
+}
+
+}  // namespace
+
+std::string spoolBoundary(const text::DateTime& now) {
+  char serial[32];
+  std::snprintf(serial, sizeof serial, "%017.8f", now.serial());
+  return std::string("----_=_NextPart_000_") + serial;
+}
+
+std::string senderText(const MailFields& mail) {
+  return inQuotes(mail.FromDisplayName.empty() ? mail.From : mail.FromDisplayName) + " <" + mail.From + ">";
+}
+
+void writeSpoolFile(const std::filesystem::path& file, const MailFields& mail, const text::DateTime& now,
+                    const std::string& version) {
+  files::AtomicFileWriter writer(file);
+  SpoolText out(writer);
+  const std::string boundary = spoolBoundary(now);
+  writeHeaders(out, mail, boundary, version);
+  out.line();
+  out.line();
+  out.line(mail.Message);
+  out.line();
+  for (std::size_t i = 0; i < mail.attachmentPaths.size(); ++i) {
+    const std::string& name = i < mail.attachmentNames.size() ? mail.attachmentNames[i] : mail.attachmentPaths[i];
+    if (mail.encodeType == EncodeType::Mime) {
+      writeMimeAttachment(out, boundary, mail.attachmentPaths[i], name);
+    } else {
+      writeUUEncodedAttachment(out, name);
+    }
+  }
+  if (mail.encodeType == EncodeType::Mime && !mail.attachmentPaths.empty()) {
+    out.line("--" + boundary + "--" + std::string(kCrLf));
+  }
+  out.flush();
+  writer.commit();
+}
+
+}  // namespace vonel::send
