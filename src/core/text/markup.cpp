@@ -1,5 +1,6 @@
 #include "core/text/markup.h"
 
+#include <optional>
 #include <utility>
 
 #include "core/text/numbers.h"
@@ -25,18 +26,59 @@ constexpr Swap kNumericForms[] = {
     {"&#8364;", kEuro},   {"&#8226;", kBullet},
 };
 
-// Each pass takes the first "&#...;" and resolves every copy of it at once.
-void resolveDecimalReferences(std::string& text) {
+// The byte a decimal reference stands for; nothing for codes outside 1 to 254.
+std::string_view referenceByte(std::string_view digits, char& byte) {
+  const double code = val(digits);
+  if (!(code >= 1 && code < 255)) return {};
+  byte = static_cast<char>(static_cast<int>(code));
+  return std::string_view(&byte, 1);
+}
+
+// The defining form: each pass takes the first "&#...;" and resolves every
+// copy of it at once. It costs a pass over the text per distinct reference.
+void resolveStepwise(std::string& text) {
   for (;;) {
     const std::size_t start = find(text, "&#");
     if (start == 0) return;
     const std::size_t semicolon = find(text, ";", start + 1);
     if (semicolon == 0) return;
     const std::string reference = mid(text, start, semicolon - start + 1);
-    const double code = val(mid(text, start + 2, semicolon - start - 2));
-    const char byte = static_cast<char>(static_cast<int>(code));
-    const bool known = code >= 1 && code < 255;
-    ReplaceWith(text, reference, known ? std::string_view(&byte, 1) : std::string_view());
+    char byte = 0;
+    ReplaceWith(text, reference, referenceByte(mid(text, start + 2, semicolon - start - 2), byte));
+  }
+}
+
+// The same result in one pass, as long as no reference holds a second "&#"
+// before its ";" and no replacement makes a new "&#" with its neighbours;
+// nothing when either happens.
+std::optional<std::string> resolveInOnePass(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  std::size_t from = 0;
+  for (;;) {
+    const std::size_t start = text.find("&#", from);
+    const std::size_t semicolon = start == std::string_view::npos ? start : text.find(';', start + 2);
+    if (semicolon == std::string_view::npos) break;
+    const std::string_view digits = text.substr(start + 2, semicolon - start - 2);
+    if (digits.find("&#") != std::string_view::npos) return std::nullopt;
+    out.append(text, from, start - from);
+    char byte = 0;
+    out.append(referenceByte(digits, byte));
+    from = semicolon + 1;
+    const bool ampersandBeforeHash =
+        (!out.empty() && out.back() == '&' && from < text.size() && text[from] == '#') ||
+        (out.size() >= 2 && out.back() == '#' && out[out.size() - 2] == '&');
+    if (ampersandBeforeHash) return std::nullopt;
+  }
+  out.append(text, from);
+  return out;
+}
+
+void resolveDecimalReferences(std::string& text) {
+  if (auto resolved = resolveInOnePass(text)) {
+    text = std::move(*resolved);
+  } else {
+    resolveStepwise(text);
   }
 }
 

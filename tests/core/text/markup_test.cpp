@@ -36,6 +36,17 @@ TEST(HtmlConstToChar, DecimalReferencesBecomeBytesBelow255AndOthersGo) {
   EXPECT_EQ(constToChar("no end &#65"), "no end &#65");
 }
 
+TEST(HtmlConstToChar, EachDistinctReferenceResolvesEveryCopyOfItInTurn) {
+  // The first reference takes its copy out of the unfinished one behind it.
+  EXPECT_EQ(constToChar("&#49; &#50 &#49;"), "1 &#50 1");
+  // Deleting a reference can join "&" and "#" into a new one.
+  EXPECT_EQ(constToChar("&&#300;#66;"), "B");
+  EXPECT_EQ(constToChar("&#38;#67;"), "C");
+  std::string many;
+  for (int code = 10000; code < 60000; ++code) many += "&#" + std::to_string(code) + ";x";
+  EXPECT_TRUE(constToChar(many) == std::string(50000, 'x'));
+}
+
 TEST(HtmlConstToChar, TypographicFormsAndTheEnDashAsThreeDots) {
   EXPECT_EQ(constToChar("wait&HELLIP; &#8211; &#8220;q&#8221; &#8217;"), "wait... ... \"q\" '");
   EXPECT_EQ(constToChar("&bull;&#8364;"), "\x95\x80");
