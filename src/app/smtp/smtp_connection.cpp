@@ -1,0 +1,88 @@
+#include "app/smtp/smtp_connection.h"
+
+#include <QDateTime>
+#include <QTimeZone>
+
+#include "app/pop3/pop3_connection.h"
+#include "app/qtext.h"
+
+namespace vonel {
+namespace {
+
+// The socket states as the session has always numbered them.
+constexpr int kResolving = 4;
+constexpr int kConnecting = 6;
+constexpr int kClosing = 8;
+
+}  // namespace
+
+SmtpConnection::SmtpConnection(AppContext& context, QObject* parent)
+    : QObject(parent), session_(context, *this, *this, standardBiasMinutes()) {
+  timer_.setInterval(1000);
+  QObject::connect(&timer_, &QTimer::timeout, this, [this] { session_.onTick(); });
+  QObject::connect(&socket_, &QTcpSocket::connected, this, [this] { session_.onConnected(); });
+  QObject::connect(&socket_, &QTcpSocket::disconnected, this, [this] { session_.onClosed(); });
+  QObject::connect(&socket_, &QTcpSocket::readyRead, this, [this] {
+    const QByteArray bytes = socket_.readAll();
+    session_.onData(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+  });
+  QObject::connect(&socket_, &QTcpSocket::bytesWritten, this,
+                   [this](qint64 bytes) { session_.onSendProgress(static_cast<std::int64_t>(bytes)); });
+  // Handed on from the event loop, so that the session may close the socket
+  // outside the socket's own signal; an error of a replaced connection is dropped.
+  QObject::connect(&socket_, &QTcpSocket::errorOccurred, this, [this](QAbstractSocket::SocketError error) {
+    inError_ = true;
+    const int number = socketErrorNumber(error);
+    const std::string text = fromQString(socket_.errorString());
+    QTimer::singleShot(0, this, [this, number, text, connection = connection_] {
+      if (connection == connection_) session_.onSocketError(number, text);
+    });
+  });
+}
+
+SmtpConnection::~SmtpConnection() { socket_.disconnect(this); }
+
+void SmtpConnection::connect(const std::string& host, int port) {
+  ++connection_;
+  inError_ = false;
+  socket_.abort();
+  socket_.connectToHost(toQString(host), static_cast<quint16>(port));
+}
+
+void SmtpConnection::send(std::string_view bytes) { socket_.write(bytes.data(), static_cast<qint64>(bytes.size())); }
+
+void SmtpConnection::close() {
+  ++connection_;
+  inError_ = false;
+  socket_.abort();
+}
+
+void SmtpConnection::setTimer(bool on) {
+  if (on) {
+    timer_.start();
+  } else {
+    timer_.stop();
+  }
+}
+
+int SmtpConnection::state() const {
+  if (inError_) return smtp::kSocketError;
+  switch (socket_.state()) {
+    case QAbstractSocket::UnconnectedState: return smtp::kSocketClosed;
+    case QAbstractSocket::HostLookupState: return kResolving;
+    case QAbstractSocket::ConnectingState: return kConnecting;
+    case QAbstractSocket::ConnectedState: return smtp::kSocketConnected;
+    case QAbstractSocket::ClosingState: return kClosing;
+    default: return smtp::kSocketConnected;
+  }
+}
+
+int SmtpConnection::standardBiasMinutes() {
+  const QTimeZone zone = QTimeZone::systemTimeZone();
+  return -zone.standardTimeOffset(QDateTime::currentDateTime()) / 60;
+}
+
+void SmtpConnection::SendFailed(const std::string& errors) { emit sendFailed(toQString(errors)); }
+void SmtpConnection::Status(const std::string& text) { emit status(toQString(text)); }
+
+}  // namespace vonel

@@ -1,0 +1,56 @@
+#pragma once
+// Drives an SMTP session (frmSendMailNew) from a real socket and a
+// one-second timer, and raises its events as Qt signals.
+#include <QObject>
+#include <QTcpSocket>
+#include <QTimer>
+
+#include "protocol/smtp/frm_send_mail_new.h"
+
+namespace vonel {
+
+class SmtpConnection final : public QObject, public smtp::Link, private smtp::SendMailListener {
+  Q_OBJECT
+
+ public:
+  explicit SmtpConnection(AppContext& context, QObject* parent = nullptr);
+  ~SmtpConnection() override;
+
+  smtp::frmSendMailNew& session() { return session_; }
+
+  void connect(const std::string& host, int port) override;
+  void send(std::string_view bytes) override;
+  void close() override;
+  void setTimer(bool on) override;
+  int state() const override;
+
+  // The system's standard time-zone bias in minutes west of UTC, as the
+  // "Date:" line wants it: daylight saving left out.
+  static int standardBiasMinutes();
+
+ signals:
+  void connected();
+  void errorConnecting();
+  void disconnected();
+  void sendSuccessful();
+  void sendFailed(const QString& errors);
+  void status(const QString& text);
+  void progress(int percentage);
+
+ private:
+  void Connected() override { emit connected(); }
+  void ErrorConnecting() override { emit errorConnecting(); }
+  void Disconnected() override { emit disconnected(); }
+  void SendSuccessful() override { emit sendSuccessful(); }
+  void SendFailed(const std::string& errors) override;
+  void Status(const std::string& text) override;
+  void Progress(std::int32_t percentage) override { emit progress(percentage); }
+
+  QTcpSocket socket_;
+  QTimer timer_;
+  quint64 connection_ = 0;  // counts connections, to tell a stale error from a fresh one
+  bool inError_ = false;    // an error arrived and the socket hasn't been closed since
+  smtp::frmSendMailNew session_;
+};
+
+}  // namespace vonel

@@ -1,0 +1,56 @@
+#!/usr/bin/env python3
+"""A real SMTP server for the tests: aiosmtpd on 127.0.0.1 on a free port.
+
+Usage: smtp-server.py DIR
+Writes the port it listens on to DIR/port, then stores every message it
+accepts as DIR/NNNN.eml (the text as received, dots removed) with its
+envelope in DIR/NNNN.env ("MAIL FROM" then one "RCPT TO" per line).
+Stops on SIGTERM or SIGINT.
+"""
+import asyncio
+import os
+import signal
+import sys
+
+from aiosmtpd.smtp import SMTP
+
+
+class StoreEachMessage:
+    def __init__(self, folder):
+        self.folder = folder
+        self.count = 0
+
+    async def handle_DATA(self, server, session, envelope):
+        name = os.path.join(self.folder, "%04d" % self.count)
+        self.count += 1
+        with open(name + ".env.tmp", "w") as env:
+            env.write(envelope.mail_from + "\n")
+            for rcpt in envelope.rcpt_tos:
+                env.write(rcpt + "\n")
+        with open(name + ".eml.tmp", "wb") as eml:
+            eml.write(envelope.original_content)
+        os.rename(name + ".env.tmp", name + ".env")
+        os.rename(name + ".eml.tmp", name + ".eml")
+        return "250 OK"
+
+
+async def serve(folder):
+    loop = asyncio.get_running_loop()
+    handler = StoreEachMessage(folder)
+    server = await loop.create_server(
+        lambda: SMTP(handler, hostname="vonel-test", data_size_limit=200 * 1024 * 1024),
+        host="127.0.0.1", port=0)
+    port = server.sockets[0].getsockname()[1]
+    with open(os.path.join(folder, "port.tmp"), "w") as out:
+        out.write("%d\n" % port)
+    os.rename(os.path.join(folder, "port.tmp"), os.path.join(folder, "port"))
+    stop = loop.create_future()
+    for sig in (signal.SIGTERM, signal.SIGINT):
+        loop.add_signal_handler(sig, stop.set_result, None)
+    await stop
+    server.close()
+    await server.wait_closed()
+
+
+if __name__ == "__main__":
+    asyncio.run(serve(sys.argv[1]))
