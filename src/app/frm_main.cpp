@@ -56,6 +56,7 @@ StartupResult frmMain::Startup() {
 
     ctx_.ReadBayesSettings();
     ctx_.folders.ReadMessageFolder();
+    removeUnfinishedDownloads();
     ctx_.folders.ReadFilterFolder();
     ctx_.folders.ReadDataFolder();
     for (const char* folder : {"AutoReply", "Sigs", "DB", "DB/Attachments"}) {
@@ -135,6 +136,17 @@ StartupResult frmMain::Startup() {
     TimerDelayedStart.start();
   });
   return StartupResult::Started;
+}
+
+// A download cut off by a cancel or a dropped connection leaves its
+// temporary file in the store root; it never became a message.
+void frmMain::removeUnfinishedDownloads() {
+  std::error_code ec;
+  for (std::filesystem::directory_iterator it(ctx_.folders.MessageFolderPath, ec), end; !ec && it != end;
+       it.increment(ec)) {
+    const std::string name = it->path().filename().string();
+    if (name.starts_with("mail_") && name.ends_with(".tmp") && it->is_regular_file()) files::EraseFile(it->path());
+  }
 }
 
 void frmMain::migrateOldPaths() {

@@ -75,6 +75,7 @@ class frmMain : public QObject, private pop3::GetMailEvents {
   void stage(std::string_view text);
   void action(std::string_view text);
   void migrateOldPaths();
+  void removeUnfinishedDownloads();
   void migrateOldSignature();
   void applyWindowSize();
   std::string trayTip() const;

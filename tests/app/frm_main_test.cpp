@@ -77,6 +77,16 @@ class FrmMainTest : public QObject {
     QVERIFY(!home.context->Settings.IsSettingPresent("SIGNATURE"));
   }
 
+  void anUnfinishedDownloadIsRemovedAtStart() {
+    Home home;
+    std::filesystem::create_directories(home.path() / "Messages");
+    files::WriteTextFile(home.path() / "Messages" / "mail_3600.tmp", "+OK\r\npartial");
+    files::WriteTextFile(home.path() / "Messages" / "keep.tmp", "x");
+    home.controller->Startup();
+    QVERIFY(!files::FileExists(home.path() / "Messages" / "mail_3600.tmp"));
+    QVERIFY(files::FileExists(home.path() / "Messages" / "keep.tmp"));
+  }
+
   void theFirstPassIsArmedFromTheTimer() {
     Home scan("REPLYADDRESS0,a@b\r\nSCANONSTART,TRUE\r\n");
     scan.controller->Startup();
