@@ -1,6 +1,7 @@
 #include "core/message/send_date.h"
 
 #include <cctype>
+#include <cmath>
 #include <cstdlib>
 #include <ctime>
 #include <string>
@@ -12,6 +13,8 @@
 
 namespace vonel::message {
 namespace {
+
+constexpr int kOverflow = 6;
 
 struct DateParts {
   std::vector<int> numbers;  // day, month and year numbers in the order met
@@ -112,7 +115,7 @@ std::optional<text::DateTime> assemble(const DateParts& parts) {
   if (parts.morning && out.hour == 12) out.hour = 0;
   out.minute = parts.minute;
   out.second = parts.second;
-  if (!text::isValidDate(out.year, out.month, out.day) || out.hour > 23 || out.minute > 59 || out.second > 59) {
+  if (out.year < 100 || out.year > 9999 || !text::isValidDate(out.year, out.month, out.day) || out.hour > 23 || out.minute > 59 || out.second > 59) {
     return std::nullopt;
   }
   return out;
@@ -124,7 +127,10 @@ int zoneMinutes(std::string_view zone) {
   const auto minutes = text::toNumber(text::right(zone, 2));
   if (!minutes) throw AppError(error_number::kTypeMismatch, "Type mismatch");
   if (zone.size() < 2) throw AppError(error_number::kInvalidCall, "Invalid procedure call or argument");
-  return static_cast<int>(text::val(text::left(zone, zone.size() - 2))) * 60 + text::toWhole<int>(*minutes);
+  // Hours and minutes were 16-bit numbers; beyond that the time can't be formed.
+  const double hours = text::roundHalfEven(text::val(text::left(zone, zone.size() - 2)));
+  if (std::fabs(hours) > 32767 || std::fabs(*minutes) > 32767) throw AppError(kOverflow, "Overflow");
+  return static_cast<int>(hours) * 60 + text::toWhole<int>(*minutes);
 }
 
 // The zone text of a bias: negated hours in two digits, then the minutes.
