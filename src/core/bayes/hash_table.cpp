@@ -30,19 +30,15 @@ void clsHashTable::Init(std::int32_t buckets, std::int32_t records) {
   buckets_.assign(static_cast<std::size_t>(tableSize_), 0);
   MaxRecords = std::max(records, 1);
   LastRecord = 0;
-  recNext_.assign(static_cast<std::size_t>(MaxRecords) + 1, 0);
-  recHash_.assign(static_cast<std::size_t>(MaxRecords) + 1, 0);
+  records_.assign(static_cast<std::size_t>(MaxRecords) + 1, Record{});
   recKey_.assign(static_cast<std::size_t>(MaxRecords) + 1, std::string());
-  recVal_.assign(static_cast<std::size_t>(MaxRecords) + 1, 0.0f);
   nodes_.Init(MaxRecords, kGrowth);
   initialised_ = true;
 }
 
 void clsHashTable::ClearArrays() {
-  recNext_.clear();
-  recHash_.clear();
+  records_.clear();
   recKey_.clear();
-  recVal_.clear();
   buckets_.clear();
   nodes_.Clear();
   tableSize_ = 0;
@@ -64,9 +60,9 @@ std::size_t clsHashTable::checkedIndex(std::int32_t index) const {
 
 const std::string& clsHashTable::RecString(std::int32_t index) const { return recKey_[checkedIndex(index)]; }
 
-float clsHashTable::RecValue(std::int32_t index) const { return recVal_[checkedIndex(index)]; }
+float clsHashTable::RecValue(std::int32_t index) const { return records_[checkedIndex(index)].value; }
 
-void clsHashTable::ChangeValue(std::int32_t index, float value) { recVal_[checkedIndex(index)] = value; }
+void clsHashTable::ChangeValue(std::int32_t index, float value) { records_[checkedIndex(index)].value = value; }
 
 std::int32_t clsHashTable::firstHash(std::string_view key) const { return cHash(key, tableSize_); }
 
@@ -82,10 +78,8 @@ void clsHashTable::ensureInitialised() {
 }
 
 void clsHashTable::growTo(std::int32_t bound) {
-  resizeRecords(recNext_, bound);
-  resizeRecords(recHash_, bound);
+  resizeRecords(records_, bound);
   resizeRecords(recKey_, bound);
-  resizeRecords(recVal_, bound);
   MaxRecords = bound;
 }
 
@@ -94,11 +88,9 @@ std::int32_t clsHashTable::addRecord(std::string_view key, std::int32_t first, f
   while (index > MaxRecords) growTo(GrownBound(MaxRecords, kGrowth));
   auto& head = buckets_[static_cast<std::size_t>(bucketOf(first))];
   const auto i = static_cast<std::size_t>(index);
-  recNext_[i] = head;
+  records_[i] = Record{head, first, value};
   head = index;
-  recHash_[i] = first;
   recKey_[i].assign(key);
-  recVal_[i] = value;
   LastRecord = std::max(LastRecord, index);
   return index;
 }
@@ -112,9 +104,9 @@ std::int32_t clsHashTable::findIndex(std::string_view key, std::int32_t first) c
   if (!initialised_) return 0;
   if (first == 0) first = firstHash(key);
   for (std::int32_t i = buckets_[static_cast<std::size_t>(bucketOf(first))]; i != 0;
-       i = recNext_[static_cast<std::size_t>(i)]) {
+       i = records_[static_cast<std::size_t>(i)].next) {
     const auto at = static_cast<std::size_t>(i);
-    if (recHash_[at] == first && recKey_[at] == key) return i;
+    if (records_[at].first == first && recKey_[at] == key) return i;
   }
   return 0;
 }
@@ -123,7 +115,7 @@ clsHashRec clsHashTable::FindRec(std::string_view key, std::int32_t first) const
   const std::int32_t index = findIndex(key, first);
   if (index == 0) return clsHashRec{"-1", kAbsent, 0};
   const auto at = static_cast<std::size_t>(index);
-  return clsHashRec{recKey_[at], recVal_[at], index};
+  return clsHashRec{recKey_[at], records_[at].value, index};
 }
 
 std::int32_t clsHashTable::RecIndex(std::string_view key) const {
@@ -144,7 +136,7 @@ void clsHashTable::AlterValue(std::string_view key, std::int16_t increment) {
     addRecord(key, first, 1);
     return;
   }
-  float& value = recVal_[static_cast<std::size_t>(index)];
+  float& value = records_[static_cast<std::size_t>(index)].value;
   if (increment == 0) {
     value = 1;
   } else {
@@ -156,16 +148,16 @@ void clsHashTable::Delete(std::int32_t first) {
   constexpr std::string_view kSource = "CHash.Delete";
   if (!initialised_ || first < 0 || first >= tableSize_) Raise(1, kSource);
   std::int32_t* link = &buckets_[static_cast<std::size_t>(bucketOf(first))];
-  while (*link != 0 && recHash_[static_cast<std::size_t>(*link)] != first) {
-    link = &recNext_[static_cast<std::size_t>(*link)];
+  while (*link != 0 && records_[static_cast<std::size_t>(*link)].first != first) {
+    link = &records_[static_cast<std::size_t>(*link)].next;
   }
   if (*link == 0) Raise(1, kSource);
   const std::int32_t index = *link;
   const auto at = static_cast<std::size_t>(index);
-  *link = recNext_[at];
+  *link = records_[at].next;
   nodes_.Free(index);
   recKey_[at].clear();
-  recVal_[at] = 0;
+  records_[at].value = 0;
 }
 
 void clsHashTable::HashDelete(std::string_view key) {

@@ -1,6 +1,6 @@
 #pragma once
-// String key to single float, for every Bayes table: parallel record arrays
-// indexed from 1, a free list of record indexes, and bucket chains. Built to
+// String key to single float, for every Bayes table: record arrays indexed
+// from 1, a free list of record indexes, and bucket chains. Built to
 // hold hundreds of thousands of short keys and load them in well under a second.
 #include <cstdint>
 #include <filesystem>
@@ -80,11 +80,17 @@ class clsHashTable {
   void growTo(std::int32_t bound);
   std::size_t checkedIndex(std::int32_t index) const;
 
+  // The chain link, first hash and value of a record side by side, so a
+  // look-up in a big table touches one cache line per record before the key.
+  struct Record {
+    std::int32_t next = 0;  // RecNext
+    std::int32_t first = 0;  // RecHash
+    float value = 0;  // RecVal
+  };
+
   clsHashNodes nodes_;
-  std::vector<std::int32_t> recNext_;
-  std::vector<std::int32_t> recHash_;
+  std::vector<Record> records_;
   std::vector<std::string> recKey_;
-  std::vector<float> recVal_;
   std::vector<std::int32_t> buckets_;
   std::int32_t tableSize_ = 0;
   bool initialised_ = false;

@@ -65,7 +65,7 @@ std::string clsHashTable::FileText() const {
   for (std::int32_t i = 1; i <= LastRecord; ++i) {
     const auto at = static_cast<std::size_t>(i);
     if (recKey_[at].empty()) continue;
-    out += text::printForm(recVal_[at]);
+    out += text::printForm(records_[at].value);
     out += ", ";
     out += recKey_[at];
     out += "\r\n";
