@@ -1,10 +1,8 @@
 #include "app/smtp/smtp_connection.h"
 
-#include <QDateTime>
-#include <QTimeZone>
-
 #include "app/pop3/pop3_connection.h"
 #include "app/qtext.h"
+#include "core/message/send_date.h"
 
 namespace vonel {
 namespace {
@@ -17,7 +15,7 @@ constexpr int kClosing = 8;
 }  // namespace
 
 SmtpConnection::SmtpConnection(AppContext& context, QObject* parent)
-    : QObject(parent), session_(context, *this, *this, standardBiasMinutes()) {
+    : QObject(parent), session_(context, *this, *this, message::StandardZoneBias()) {
   timer_.setInterval(1000);
   QObject::connect(&timer_, &QTimer::timeout, this, [this] { session_.onTick(); });
   QObject::connect(&socket_, &QTcpSocket::connected, this, [this] { session_.onConnected(); });
@@ -75,11 +73,6 @@ int SmtpConnection::state() const {
     case QAbstractSocket::ClosingState: return kClosing;
     default: return smtp::kSocketConnected;
   }
-}
-
-int SmtpConnection::standardBiasMinutes() {
-  const QTimeZone zone = QTimeZone::systemTimeZone();
-  return -zone.standardTimeOffset(QDateTime::currentDateTime()) / 60;
 }
 
 void SmtpConnection::SendFailed(const std::string& errors) { emit sendFailed(toQString(errors)); }

@@ -24,10 +24,6 @@ class SmtpConnection final : public QObject, public smtp::Link, private smtp::Se
   void setTimer(bool on) override;
   int state() const override;
 
-  // The system's standard time-zone bias in minutes west of UTC, as the
-  // "Date:" line wants it: daylight saving left out.
-  static int standardBiasMinutes();
-
  signals:
   void connected();
   void errorConnecting();
