@@ -223,6 +223,8 @@ TEST(SendDate, DateWithoutZoneOrUnreadableFails) {
   EXPECT_THROW(m.SendDateInZone(0), AppError);
   m.SendDate = "soon +0100";
   EXPECT_THROW(m.SendDateInZone(0), AppError);
+  m.SendDate = "2 Jan 2024 10:00 +99999900";
+  EXPECT_THROW(m.SendDateInZone(0), AppError);
 }
 
 TEST(Messages, KeyedAndKeylessItemsInOrder) {
