@@ -28,9 +28,9 @@ constexpr Swap kNumericForms[] = {
 
 // The byte a decimal reference stands for; nothing for codes outside 1 to 254.
 std::string_view referenceByte(std::string_view digits, char& byte) {
-  const double code = val(digits);
-  if (!(code >= 1 && code < 255)) return {};
-  byte = static_cast<char>(static_cast<int>(code));
+  const int code = toWhole<int>(val(digits));  // held as a whole number, as it always was
+  if (code < 1 || code >= 255) return {};
+  byte = static_cast<char>(code);
   return std::string_view(&byte, 1);
 }
 
