@@ -1,0 +1,106 @@
+// The SMTP session fed whatever a server might send: random replies in
+// random chunks, mixed with ticks, socket events and errors. It must never
+// crash, send one command per reply at most, and end each command in CR LF.
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "core/services/app_context.h"
+#include "protocol/smtp/frm_send_mail_new.h"
+
+using namespace vonel;
+
+namespace {
+
+class CheckedLink final : public smtp::Link {
+ public:
+  int socketState = smtp::kSocketClosed;
+  int commandsSinceEvent = 0;
+  void connect(const std::string&, int) override { socketState = 6; }
+  void send(std::string_view bytes) override {
+    if (bytes.size() < 2 || bytes.substr(bytes.size() - 2) != "\r\n") std::abort();
+    if (++commandsSinceEvent > 1) std::abort();
+  }
+  void close() override { socketState = smtp::kSocketClosed; }
+  void setTimer(bool) override {}
+  int state() const override { return socketState; }
+};
+
+class Silent final : public smtp::SendMailListener {
+ public:
+  smtp::frmSendMailNew* session = nullptr;
+  void Connected() override { session->Send(); }
+  void SendSuccessful() override {}
+  void SendFailed(const std::string&) override {
+    if (!session->pendingErrors().empty()) std::abort();
+  }
+  void ErrorConnecting() override {}
+  void Disconnected() override {}
+  void Status(const std::string&) override {}
+  void Progress(std::int32_t percentage) override {
+    if (percentage < 0 || percentage > 100) std::abort();
+  }
+};
+
+struct Quiet {
+  FixedClock clock{text::DateTime{2026, 11, 23, 12, 0, 0}};
+  ScriptedPrompt prompt;
+  AppContext context{clock, prompt, AppInfo{}};
+  Quiet() {
+    context.log.NOLOGGING = true;
+    context.Settings.sSet("ReplyAddress0", "me@example.org");
+  }
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static Quiet quiet;
+  if (size < 2) return 0;
+  CheckedLink link;
+  Silent listener;
+  smtp::frmSendMailNew session(quiet.context, link, listener, 0);
+  listener.session = &session;
+  session.Initialise(0);
+  session.setUseAuthentication(data[0] & 1);
+  session.setRecipient(data[0] & 2 ? "a@x.org;b@x.org" : "a@x.org");
+  session.setCcRecipient(data[0] & 4 ? "c@x.org" : "");
+  session.setBccRecipient(data[0] & 8 ? "d@x.org" : "");
+  session.setMessage(std::string(data[1], '.'));
+  if (data[0] & 16) {
+    session.Connect();
+  } else {
+    session.Send();
+  }
+  // Each step: a control byte, then for replies a chunk of its low bits in length.
+  std::size_t at = 2;
+  while (at < size) {
+    const std::uint8_t control = data[at++];
+    link.commandsSinceEvent = 0;
+    switch (control >> 5) {
+      case 0:
+        link.socketState = smtp::kSocketConnected;
+        session.onConnected();
+        break;
+      case 1:
+        session.onTick();
+        break;
+      case 2:
+        session.onSocketError(control & 1 ? smtp::kAddressNotAvailable : 10053, "socket error");
+        break;
+      case 3:
+        session.onSendProgress(control & 31);
+        break;
+      case 4:
+        link.socketState = smtp::kSocketClosed;
+        session.onClosed();
+        break;
+      default: {
+        const std::size_t length = std::min<std::size_t>(control & 31, size - at);
+        session.onData(std::string_view(reinterpret_cast<const char*>(data + at), length));
+        at += length;
+      }
+    }
+  }
+  return 0;
+}
