@@ -22,6 +22,8 @@ Pop3Connection::Pop3Connection(AppContext& context, pop3::GetMailEvents& events,
     : session_(context, *this, events, serverFilters, localFilters, passwords) {
   timer_.setInterval(1000);
   QObject::connect(&timer_, &QTimer::timeout, this, [this] { session_.onTick(); });
+  QObject::connect(&socket_, &QTcpSocket::connected, this,
+                   [this] { socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1); });
   QObject::connect(&socket_, &QTcpSocket::readyRead, this, [this] {
     const QByteArray bytes = socket_.readAll();
     session_.onData(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
@@ -46,6 +48,8 @@ void Pop3Connection::connect(const std::string& host, int port) {
 
 void Pop3Connection::send(std::string_view bytes) {
   socket_.write(bytes.data(), static_cast<qint64>(bytes.size()));
+  // Every command waits for its reply: hand it to the system now rather than on the next turn of the loop.
+  socket_.flush();
 }
 
 void Pop3Connection::close() {

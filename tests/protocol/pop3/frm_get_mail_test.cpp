@@ -384,6 +384,24 @@ TEST_P(Pop3Edges, AnErrorInsideALongRetrIsStillAFile) {
   EXPECT_EQ(events.downloads[0].MessageBody().substr(0, 6), "-ERR i");
 }
 
+TEST_P(Pop3Edges, HugeLinesAndBinaryBytesEndInAnErrorOrAMessage) {
+  server.greeting = "+OK " + std::string(10 << 20, 'x') + "\r\n";
+  session.GetHeaders(0, false);
+  run();
+  EXPECT_EQ(events.log.back(), "Finished Home 0");
+  ASSERT_GE(events.log.size(), 2u);
+  EXPECT_TRUE(events.log[events.log.size() - 2].starts_with("POPError Home xxxx"));
+
+  events.log.clear();
+  server.greeting = "+OK ready\r\n";
+  mailbox({"a"});
+  server.replies["TOP 1 1"] = std::string("+OK\r\nSubject: \0\xff\x01\r\n\r\n\0\r\n.\r\n", 27);
+  session.GetHeaders(0, false);
+  run();
+  EXPECT_EQ(events.headers.size(), 1u);
+  EXPECT_EQ(events.log.back(), "Finished Home 0");
+}
+
 INSTANTIATE_TEST_SUITE_P(Splits, Pop3Edges, ::testing::Values(1, 7, 100000));
 
 }  // namespace

@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# Scans a Dovecot mailbox of N messages with `vonel --scan` and prints the
+# wall time, the scan's share of it, messages per second and peak memory.
+# Usage: bench/scan_dovecot.sh path/to/vonel [N...]   (default: 1000 6000)
+set -euo pipefail
+vonel=$(realpath "$1")
+shift
+counts=("${@:-1000 6000}")
+[ $# -gt 0 ] || counts=(1000 6000)
+source_dir=$(cd "$(dirname "$0")/.." && pwd)
+work=$(mktemp -d)
+trap '"$source_dir/tools/pop3-server.sh" stop "$work/dovecot" || true; rm -rf "$work"' EXIT
+
+port=$("$source_dir/tools/pop3-server.sh" start "$work/dovecot" jo secret)
+maildir="$work/dovecot/mail/jo/Maildir"
+home="$work/home"
+mkdir -p "$home"
+printf 'SERVER0,127.0.0.1\r\nPOPPORT0,%s\r\nUNAME0,jo\r\nPWD0,secret\r\nREPLYADDRESS0,jo@example.org\r\n' "$port" >"$home/Vonel.ini"
+
+seconds() { python3 -c 'import sys,time; print(f"{time.time():.6f}")'; }
+filled=0
+for count in "${counts[@]}"; do
+  python3 - "$maildir/new" "$filled" "$count" <<'PY'
+import os, random, sys
+folder, start, end = sys.argv[1], int(sys.argv[2]), int(sys.argv[3])
+random.seed(start)
+for i in range(start + 1, end + 1):
+    received = "".join(f"Received: from relay{k}.example.net (relay{k}.example.net [10.0.{k}.{i % 250}])\r\n\tby mx.example.org with ESMTP id {i}{k}\r\n" for k in range(random.randint(2, 6)))
+    body = "Lorem ipsum dolor sit amet.\r\n" * random.randint(5, 200)
+    text = (received + f"From: Sender {i} <sender{i}@example.com>\r\nTo: jo@example.org\r\nSubject: Report number {i}\r\n"
+            f"Date: Mon, 23 Nov 2026 10:{i % 60:02d}:00 +0000\r\nMessage-ID: <{i}.bench@example.com>\r\n"
+            "MIME-Version: 1.0\r\nContent-Type: text/plain; charset=us-ascii\r\n\r\n" + body)
+    with open(os.path.join(folder, f"{i:06d}.bench"), "w", newline="") as f:
+        f.write(text)
+PY
+  chmod -R a+rwX "$maildir"
+  filled=$count
+  # Warm the server's index so that its first listing doesn't count.
+  "$vonel" --home "$home" --scan >/dev/null </dev/null
+  start=$(seconds)
+  "$vonel" --home "$home" --headless </dev/null
+  middle=$(seconds)
+  /usr/bin/time -f "%M" -o "$work/rss" "$vonel" --home "$home" --scan >"$work/out" </dev/null
+  end=$(seconds)
+  rows=$(grep -c $'\t' "$work/out")
+  python3 - "$count" "$rows" "$start" "$middle" "$end" "$(cat "$work/rss")" <<'PY'
+import sys
+count, rows = int(sys.argv[1]), int(sys.argv[2])
+start, middle, end, rss = float(sys.argv[3]), float(sys.argv[4]), float(sys.argv[5]), int(sys.argv[6])
+startup = middle - start
+total = end - middle
+scan = max(total - startup, 1e-9)
+print(f"{count} messages: {rows} listed; wall {total:.3f} s, of it start-up and shutdown {startup:.3f} s, "
+      f"scan {scan:.3f} s = {rows / scan:.0f} messages/s; peak memory {rss / 1024:.1f} MB")
+PY
+done
