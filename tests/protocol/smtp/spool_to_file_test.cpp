@@ -1,0 +1,75 @@
+#include <gtest/gtest.h>
+
+#include "core/services/file_subs.h"
+#include "protocol/smtp/frm_send_mail_new.h"
+#include "smtp_fakes.h"
+
+namespace vonel::smtp {
+namespace {
+
+using testing::SenderHome;
+
+struct SpoolHome : SenderHome {
+  std::filesystem::path out() const { return dir.path() / "00_outbound_0.eml"; }
+  std::string attach(const std::string& name, const std::string& bytes) {
+    files::WriteTextFile(dir.path() / name, bytes);
+    return (dir.path() / name).string();
+  }
+};
+
+TEST(SpoolToFile, WritesTheFieldsAndNeverTouchesTheNetwork) {
+  SpoolHome home;
+  home.sender->setRecipient("to@x.org");
+  home.sender->setRecipientDisplayName("T\xf6ni");
+  home.sender->setSubject("Hi");
+  home.sender->setPriority(1);
+  home.sender->setMessage("B\xf6" "dy");
+  ASSERT_TRUE(home.sender->SpoolToFile(home.out()));
+  const std::string text = files::LoadTextFile(home.out());
+  EXPECT_TRUE(text.starts_with("From: \"Me Myself\" <me@example.org>\r\nTo: \"T\xf6ni\" <to@x.org>\r\n"));
+  EXPECT_NE(text.find("X-Priority: 1\r\nX-MSMail-Priority: High\r\nX-Mailer: Vonel 1.2.3\r\n"), std::string::npos);
+  EXPECT_NE(text.find("Content-Transfer-Encoding: 8bit\r\n"), std::string::npos);
+  EXPECT_TRUE(home.socket.sent.empty());
+  EXPECT_EQ(home.socket.connects, 0);
+  EXPECT_GT(home.sender->bytesToSend(), 0);
+}
+
+TEST(SpoolToFile, ValidationErrorsAreReportedTogetherAndNothingIsWritten) {
+  SpoolHome home;
+  home.sender->setEncodeType(1);
+  home.sender->setAsHTML(true);
+  EXPECT_FALSE(home.sender->SpoolToFile(home.out()));
+  EXPECT_EQ(home.listener.events,
+            std::vector<std::string>{"SendFailed:Sending HTML requires MIME encoding\r\nNo Recipient E-mail Address Specified"});
+  EXPECT_FALSE(files::FileExists(home.out()));
+  EXPECT_TRUE(home.sender->pendingErrors().empty());
+}
+
+TEST(SpoolToFile, AttachmentThatCannotBeEncodedFailsTheSpool) {
+  SpoolHome home;
+  home.sender->setRecipient("to@x.org");
+  const std::string path = home.attach("gone.bin", "soon gone");
+  home.sender->setAttachment(path);
+  std::filesystem::remove(path);
+  EXPECT_FALSE(home.sender->SpoolToFile(home.out()));
+  ASSERT_EQ(home.listener.events.size(), 1u);
+  EXPECT_TRUE(home.listener.events[0].starts_with("SendFailed:File not found: ")) << home.listener.events[0];
+
+  // The uuencode mode has never worked: it fails on the first attachment.
+  home.listener.events.clear();
+  home.sender->setEncodeType(1);
+  home.sender->setAttachment(home.attach("there.bin", "here"));
+  EXPECT_FALSE(home.sender->SpoolToFile(home.out()));
+  EXPECT_EQ(home.listener.events, std::vector<std::string>{"SendFailed:Invalid procedure call or argument"});
+  EXPECT_FALSE(files::FileExists(home.out()));
+}
+
+TEST(SpoolToFile, FolderThatCannotTakeTheFileGivesTheDiskError) {
+  SpoolHome home;
+  home.sender->setRecipient("to@x.org");
+  EXPECT_FALSE(home.sender->SpoolToFile(home.dir.path() / "no such folder" / "x.eml"));
+  EXPECT_EQ(home.listener.events, std::vector<std::string>{"SendFailed:Unable to spool message. Disk full/error?"});
+}
+
+}  // namespace
+}  // namespace vonel::smtp
