@@ -111,14 +111,6 @@ TEST(SmtpDialogue, EveryStateAcceptsOnlyItsOwnCode) {
   }
 }
 
-TEST(SmtpDialogue, QuitAnsweredWithoutTwoTwentyOneFails) {
-  SenderHome home;
-  home.connectPlain();
-  home.sender->Disconnect();
-  home.sender->onData("250 what\r\n");
-  EXPECT_EQ(home.listener.outcomes().back(), "SendFailed:what");
-}
-
 TEST(SmtpDialogue, SplitReplyMakesOneTransitionPerChunk) {
   // One chunk is one reply: the first piece decides with the code it holds.
   const std::string reply = "250 ok\r\n";
@@ -346,15 +338,6 @@ TEST(SmtpProperties, PriorityWordFollowsOnlyTheThreeKnownValues) {
   EXPECT_EQ(home.sender->fields().priorityWord, "High");
   home.sender->setPriority(5);
   EXPECT_EQ(home.sender->fields().priorityWord, "Low");
-}
-
-TEST(SmtpProperties, DelimiterAndListSplitting) {
-  SenderHome home;
-  home.sender->setDelimiter(",;");
-  home.sender->setRecipient("a@x.org,b@x.org;c");
-  EXPECT_EQ(home.sender->fields().Recipient, (std::vector<std::string>{"a@x.org", "b@x.org;c"}));
-  home.sender->setRecipient("");
-  EXPECT_TRUE(home.sender->fields().Recipient.empty());
 }
 
 TEST(SmtpProperties, ContentBaseBecomesAnHttpFolder) {
