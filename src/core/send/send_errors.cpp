@@ -6,11 +6,9 @@
 
 namespace vonel::send {
 
-bool SendErrors::add(std::string_view text) {
-  const std::string held = text::replaceAll(text, "\r", "");
-  if (contains(held)) return false;
-  entries_.push_back(held);
-  return true;
+void SendErrors::add(std::string_view text) {
+  std::string held = text::replaceAll(text, "\r", "");
+  if (!contains(held)) entries_.push_back(std::move(held));
 }
 
 void SendErrors::remove(std::string_view text) {

@@ -10,8 +10,7 @@ namespace vonel::send {
 class SendErrors {
  public:
   // Removes every CR; a text already pending (any case) is not added twice.
-  // False when it was already pending.
-  bool add(std::string_view text);
+  void add(std::string_view text);
   // Drops every pending entry equal to the text, any case.
   void remove(std::string_view text);
   bool empty() const { return entries_.empty(); }

@@ -147,9 +147,8 @@ void frmSendMailNew::setContentBase(std::string_view value) {
 }
 
 void frmSendMailNew::AddError(std::string_view text) {
-  const std::string held = text::replaceAll(text, "\r", "");
-  context_.log.AddDebug(held, "AddError", kModule);
-  errors_.add(held);
+  context_.log.AddDebug(text, "AddError", kModule);
+  errors_.add(text);
 }
 
 void frmSendMailNew::SendFail() {

@@ -314,6 +314,12 @@ TEST(SmtpProperties, PortRangeAddsAndClearsItsError) {
   home.sender->setSMTPPort(2525);
   EXPECT_TRUE(home.sender->pendingErrors().empty());
   EXPECT_EQ(home.context.Settings.sGet("RemotePort").number(), 2525);
+  // A pending error is held once, whatever its case, and reported with the others.
+  home.sender->setSMTPPort(-1);
+  home.sender->setSMTPPort(0);
+  home.sender->Send();
+  EXPECT_EQ(home.listener.outcomes(),
+            std::vector<std::string>{"SendFailed:Invalid Remote Port\r\nNo Recipient E-mail Address Specified"});
 }
 
 TEST(SmtpProperties, BoundedValuesIgnoreOutOfRangeWrites) {
