@@ -85,10 +85,13 @@ void writeHeaders(SpoolText& out, const MailFields& mail, const std::string& bou
   if (mail.AsHTML && !mail.ContentBase.empty()) out.line("Content-Base: " + inQuotes(mail.ContentBase));
 }
 
-// One base64 line per slice, read as it goes, so a large file costs one slice of memory.
-void encodeBase64File(SpoolText& out, const std::string& path) {
-  const std::filesystem::path file = files::PathFromText(path);
-  std::ifstream in(file, std::ios::binary);
+// One base64 line per slice, read as it goes, so a large file costs one slice
+// of memory. The uuencode mode never worked: its loop reads from a buffer it
+// never fills, at an invalid position, so the first slice is an error. Kept so.
+// Files only ever go to the spool, never straight to the socket.
+void EncodeAndSendFile(SpoolText& out, const std::string& path, EncodeType mode) {
+  if (mode == EncodeType::UUEncode) throw AttachmentFailed(error_number::kInvalidCall, "Invalid procedure call or argument");
+  std::ifstream in(files::PathFromText(path), std::ios::binary);
   if (!in) throw AttachmentFailed(error_number::kFileNotFound, "File not found: " + path);
   std::string slice(kBase64Slice, '\0');
   while (in.read(slice.data(), static_cast<std::streamsize>(slice.size())) || in.gcount() > 0) {
@@ -97,24 +100,22 @@ void encodeBase64File(SpoolText& out, const std::string& path) {
   if (in.bad()) throw AttachmentFailed(error_number::kDeviceIo, "Device I/O error: " + path);
 }
 
-void writeMimeAttachment(SpoolText& out, const std::string& boundary, const std::string& path,
-                         const std::string& name) {
+void writeAttachment(SpoolText& out, const std::string& boundary, const std::string& path, const std::string& name,
+                     EncodeType mode) {
+  if (mode == EncodeType::UUEncode) {
+    out.line("begin 600 " + name);
+    EncodeAndSendFile(out, path, mode);
+    return;
+  }
   out.line("--" + boundary);
   out.line("Content-Type: " + GetContentType(name, "application/octet-stream") + ";");
   out.line("\tname=" + inQuotes(name));
   out.line("Content-Transfer-Encoding: base64");
   out.line("Content-Disposition: attachment;");
   out.line("\tfilename=" + inQuotes(name) + std::string(kCrLf));
-  encodeBase64File(out, path);
+  EncodeAndSendFile(out, path, mode);
   out.line();
   out.line();
-}
-
-// The uuencode mode never worked: its loop reads from a buffer it never
-// fills, at an invalid position, so the first slice is an error. Kept so.
-void writeUUEncodedAttachment(SpoolText& out, const std::string& name) {
-  out.line("begin 600 " + name);
-  throw AttachmentFailed(error_number::kInvalidCall, "Invalid procedure call or argument");
 }
 
 }  // namespace
@@ -140,12 +141,7 @@ void writeSpoolFile(const std::filesystem::path& file, const MailFields& mail, c
   out.line(mail.Message);
   out.line();
   for (std::size_t i = 0; i < mail.attachmentPaths.size(); ++i) {
-    const std::string& name = i < mail.attachmentNames.size() ? mail.attachmentNames[i] : mail.attachmentPaths[i];
-    if (mail.encodeType == EncodeType::Mime) {
-      writeMimeAttachment(out, boundary, mail.attachmentPaths[i], name);
-    } else {
-      writeUUEncodedAttachment(out, name);
-    }
+    writeAttachment(out, boundary, mail.attachmentPaths[i], mail.attachmentNames[i], mail.encodeType);
   }
   if (mail.encodeType == EncodeType::Mime && !mail.attachmentPaths.empty()) {
     out.line("--" + boundary + "--" + std::string(kCrLf));
