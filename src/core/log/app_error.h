@@ -9,6 +9,7 @@ namespace vonel {
 
 namespace error_number {
 inline constexpr int kInvalidCall = 5;
+inline constexpr int kOverflow = 6;
 inline constexpr int kOutOfMemory = 7;
 inline constexpr int kSubscriptOutOfRange = 9;
 inline constexpr int kTypeMismatch = 13;

@@ -12,7 +12,6 @@ namespace {
 
 constexpr std::string_view kModule = "clsMessage";
 constexpr std::string_view kParseProcedure = "createfromtext";
-constexpr int kOverflow = 6;
 // Positions were held in 16-bit signed integers.
 constexpr std::size_t kLargestPosition = 32767;
 
@@ -59,7 +58,7 @@ void clsMessage::CreateFromText(std::string text, bool headerOnly) {
 
     std::size_t blankLine = raw_->find("\r\n\r\n");
     if (blankLine != std::string::npos && blankLine + 1 > kLargestPosition) {
-      logFailure(AppError(kOverflow, "Overflow"), kParseProcedure);
+      logFailure(AppError(error_number::kOverflow, "Overflow"), kParseProcedure);
       blankLine = std::string::npos;
     }
     if (blankLine == std::string::npos) {

@@ -14,8 +14,6 @@
 namespace vonel::message {
 namespace {
 
-constexpr int kOverflow = 6;
-
 struct DateParts {
   std::vector<int> numbers;  // day, month and year numbers in the order met
   std::vector<bool> longNumber;  // written with more than two digits
@@ -129,7 +127,7 @@ int zoneMinutes(std::string_view zone) {
   if (zone.size() < 2) throw AppError(error_number::kInvalidCall, "Invalid procedure call or argument");
   // Hours and minutes were 16-bit numbers; beyond that the time can't be formed.
   const double hours = text::roundHalfEven(text::val(text::left(zone, zone.size() - 2)));
-  if (std::fabs(hours) > 32767 || std::fabs(*minutes) > 32767) throw AppError(kOverflow, "Overflow");
+  if (std::fabs(hours) > 32767 || std::fabs(*minutes) > 32767) throw AppError(error_number::kOverflow, "Overflow");
   return static_cast<int>(hours) * 60 + text::toWhole<int>(*minutes);
 }
 

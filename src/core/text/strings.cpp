@@ -54,11 +54,19 @@ std::string replaceWith(std::string_view s, std::string_view findText, std::stri
 }
 
 std::size_t findNoCaseOffset(std::string_view haystack, std::string_view needle, std::size_t from) {
+  if (needle.empty()) return from <= haystack.size() ? from : std::string_view::npos;
   if (needle.size() > haystack.size()) return std::string_view::npos;
-  const auto it = std::search(haystack.begin() + static_cast<std::ptrdiff_t>(from), haystack.end(), needle.begin(),
-                              needle.end(), bytesEqualNoCase);
-  return it == haystack.end() && !needle.empty() ? std::string_view::npos
-                                                 : static_cast<std::size_t>(it - haystack.begin());
+  const auto& up = caseTables().up;
+  auto fold = [&up](char c) { return up[static_cast<unsigned char>(c)]; };
+  const char first = fold(needle[0]);
+  const std::size_t last = haystack.size() - needle.size();
+  for (std::size_t i = from; i <= last; ++i) {
+    if (fold(haystack[i]) != first) continue;
+    std::size_t k = 1;
+    while (k < needle.size() && fold(haystack[i + k]) == fold(needle[k])) ++k;
+    if (k == needle.size()) return i;
+  }
+  return std::string_view::npos;
 }
 
 }  // namespace
