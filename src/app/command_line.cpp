@@ -18,6 +18,8 @@ CommandLine parseCommandLine(const QStringList& arguments) {
       line.headless = true;
     } else if (argument == "--scan") {
       line.headless = line.scan = true;
+    } else if (argument == "--score") {
+      line.headless = line.score = true;
     } else if (argument == "--delete") {
       line.deleteOnServer = true;
     } else if (argument == "--account") {
@@ -34,16 +36,18 @@ CommandLine parseCommandLine(const QStringList& arguments) {
       line.passOn << argument;
     }
   }
+  if (line.score && line.passOn.isEmpty()) line.error = "--score needs message files";
   return line;
 }
 
 QString commandLineHelp() {
-  return "usage: vonel [--home DIR] [--headless | --scan [--account N] [--delete]]\n"
+  return "usage: vonel [--home DIR] [--headless | --scan [--account N] [--delete] | --score FILE...]\n"
          "  --home DIR     keep settings, logs and mail in DIR\n"
          "  --headless     start up and shut down without windows\n"
          "  --scan         judge the headers waiting on every account, print one line each\n"
          "  --account N    only account N (0 to 19)\n"
-         "  --delete       delete failing messages on the server\n";
+         "  --delete       delete failing messages on the server\n"
+         "  --score FILE   print the spam score and verdict of each message file\n";
 }
 
 }  // namespace vonel

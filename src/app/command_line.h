@@ -12,6 +12,7 @@ struct CommandLine {
   bool scan = false;          // one pass over the servers, headers only
   bool deleteOnServer = false;
   int account = -1;           // the one account of the pass, or all
+  bool score = false;         // print the Bayes score of each message file in passOn
   QStringList passOn;  // the rest, for the command handler of a running copy
   QString error;       // set when the line can't be understood
 };

@@ -83,6 +83,8 @@ StartupResult frmMain::Startup() {
     stage("Loading Filters");
     action("Loading Sendmail");
     action("Loading Bayes form");
+    bayesForm_ = std::make_unique<bayes::frmBayesFilter>(ctx_);
+    bayesForm_->LoadWordHash();
     action("Loading filters form");
     action("Loading server filters");
     action("Loading local filters");

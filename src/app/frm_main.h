@@ -8,6 +8,7 @@
 
 #include "app/main_window_port.h"
 #include "app/pop3/pop3_connection.h"
+#include "core/bayes/bayes_filter.h"
 #include "core/message/messages.h"
 #include "core/services/app_context.h"
 
@@ -31,6 +32,9 @@ class frmMain : public QObject, private pop3::GetMailEvents {
   void ProcessMail(bool deleteSpam, bool oneAccount, int account, bool retrieve, bool clear);
   void CheckNextAccount(bool force);
   void DoNextAccount();
+
+  // The Bayes filter, made and loaded at start.
+  bayes::frmBayesFilter* BayesForm() { return bayesForm_.get(); }
 
   // State of the mail cycle that start-up and shutdown read.
   bool CheckingMail = false;
@@ -88,6 +92,7 @@ class frmMain : public QObject, private pop3::GetMailEvents {
   rules::PassEverything serverFilters_;
   rules::PassEverything localFilters_;
   std::unique_ptr<Pop3Connection> getMail_;
+  std::unique_ptr<bayes::frmBayesFilter> bayesForm_;
 };
 
 }  // namespace vonel

@@ -8,6 +8,7 @@
 #include "app/platform.h"
 #include "app/qtext.h"
 #include "app/terminal_password.h"
+#include "core/bayes/message_file_score.h"
 #include "core/rules/status_word.h"
 #include "core/text/cp1252.h"
 #include "core/text/numbers.h"
@@ -44,6 +45,21 @@ void scan(frmMain& controller, HeadlessWindows& windows, const CommandLine& line
   std::fflush(stdout);
 }
 
+// One line a file, "<score> <verdict>"; an unreadable file is named on the error stream.
+bool score(frmMain& controller, AppContext& context, const CommandLine& line) {
+  bool allRead = true;
+  for (const QString& file : line.passOn) {
+    try {
+      std::printf("%s\n", bayes::ScoreLine(*controller.BayesForm(), context, file.toStdU16String()).c_str());
+    } catch (const AppError& e) {
+      std::fprintf(stderr, "vonel: %s: %s\n", qPrintable(file), e.description().c_str());
+      allRead = false;
+    }
+  }
+  std::fflush(stdout);
+  return allRead;
+}
+
 }  // namespace
 
 int runHeadless(const CommandLine& line) {
@@ -61,7 +77,8 @@ int runHeadless(const CommandLine& line) {
     return 2;
   }
   if (line.scan) scan(controller, windows, line);
-  return controller.ExitProg() ? 0 : 1;
+  const bool scored = !line.score || score(controller, context, line);
+  return controller.ExitProg() && scored ? 0 : 1;
 }
 
 }  // namespace vonel
