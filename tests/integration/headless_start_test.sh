@@ -45,6 +45,12 @@ before=$(cat "$home/old/Paths.ini")
 [ "$(grep -c 'Log file created' "$log")" -eq 1 ] || fail "log not started anew"
 [ "$before" = "$(cat "$home/old/Paths.ini")" ] || fail "Paths.ini changed"
 
+# Scores of message files, one line each; an unreadable file fails the run.
+printf 'From: a@example.org\r\nSubject: hello\r\n\r\nHi\r\n' >"$home/one.eml"
+scores=$("$vonel" --home "$home/old" --score "$home/one.eml")
+grep -qE '^0?\.[0-9]+ (PASS|SPAM\?|FAIL)$' <<<"$scores" || fail "score line: $scores"
+! "$vonel" --home "$home/old" --score "$home/absent.eml" 2>/dev/null || fail "a missing file must fail the run"
+
 # The home from the environment.
 mkdir -p "$home/env"
 printf 'REPLYADDRESS0,me@example.org\r\n' >"$home/env/Vonel.ini"
