@@ -76,6 +76,7 @@ void frmGetMail::GetSpecificMessage(int account, int number) {
   if (!tablesRead_) ReadSettings();
   ++session_;
   pending_.clear();
+  scanned_ = 0;
   account_ = account;
   mode_ = Mode::OneMessage;
   specificNumber_ = number;
@@ -91,6 +92,7 @@ void frmGetMail::GetSpecificMessage(int account, int number) {
 void frmGetMail::Begintransfer(int account, bool deleteSpam, bool force) {
   ++session_;
   pending_.clear();
+  scanned_ = 0;
   ReadSettings();
   Account& a = accounts_[static_cast<std::size_t>(account)];
   if (a.Server.empty() && a.Check) {
@@ -149,25 +151,30 @@ void frmGetMail::onData(std::string_view bytes) {
 // download goes on as it comes, straight to its file.
 bool frmGetMail::takeUnit(std::string& unit) {
   if (pending_.empty()) return false;
+  // Bytes before `scanned_` are known to hold no line end: a long line is searched once, not per chunk.
   std::size_t length = 0;
   if (state_ == 7) {
     length = pending_.size();
   } else if (isMultiLineState(state_)) {
     std::size_t lineStart = 0;
-    for (std::size_t lineEnd; (lineEnd = pending_.find('\n', lineStart)) != std::string::npos;) {
+    for (std::size_t lineEnd; (lineEnd = pending_.find('\n', std::max(lineStart, scanned_))) != std::string::npos;) {
       const bool terminator = pending_.compare(lineStart, lineEnd + 1 - lineStart, ".\r\n") == 0;
       lineStart = lineEnd + 1;
       if (terminator) break;
     }
     length = lineStart;
   } else {
-    const std::size_t lineEnd = pending_.find('\n');
+    const std::size_t lineEnd = pending_.find('\n', scanned_);
     length = lineEnd == std::string::npos ? 0 : lineEnd + 1;
   }
   if (length == 0 && pending_.size() >= kLongestLine) length = pending_.size();
-  if (length == 0) return false;
+  if (length == 0) {
+    scanned_ = pending_.size();
+    return false;
+  }
   unit.assign(pending_, 0, length);
   pending_.erase(0, length);
+  scanned_ = 0;
   return true;
 }
 
@@ -533,6 +540,7 @@ void frmGetMail::errorPath(const std::string& packet) {
 void frmGetMail::CleanupAndExit() {
   ++session_;
   pending_.clear();
+  scanned_ = 0;
   link_.setTimer(false);
   link_.close();
   sizeList_.clear();

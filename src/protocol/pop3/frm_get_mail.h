@@ -101,6 +101,7 @@ class frmGetMail {
   ReplyRecord reply_;
 
   std::string pending_;       // received bytes not yet handed to DataArrival
+  std::size_t scanned_ = 0;   // how much of pending_ is known to hold no line end
   std::uint64_t session_ = 0;  // changes with every new session
   std::ofstream tempFile_;
 };

@@ -40,7 +40,12 @@ class ScriptedServer : public protocol::Link {
     const auto it = replies.find(command);
     outgoing += it != replies.end() ? it->second : defaultReply(command);
   }
-  void close() override { outgoing.clear(); }  // nothing more arrives on a closed connection
+  // Nothing more arrives on a closed connection.
+  void close() override {
+    outgoing.clear();
+    closed = true;
+  }
+  bool closed = false;
   void setTimer(bool on) override { timerOn = on; }
 
   std::string greeting = "+OK ready\r\n";
@@ -157,9 +162,14 @@ class Pop3Session : public ::testing::TestWithParam<std::size_t> {
   void run() {
     const std::size_t chunk = GetParam();
     while (!server.outgoing.empty()) {
-      const std::string piece = server.outgoing.substr(0, chunk);
-      server.outgoing.erase(0, piece.size());
-      session.onData(piece);
+      // Hand over what is queued now; replies to commands it provokes queue behind it.
+      const std::string batch = std::move(server.outgoing);
+      server.outgoing.clear();
+      server.closed = false;
+      for (std::size_t at = 0; at < batch.size(); at += chunk) {
+        session.onData(std::string_view(batch).substr(at, chunk));
+        if (server.closed) break;
+      }
     }
   }
 
