@@ -104,6 +104,8 @@ struct SubjectCheck : rules::MessageCheck {
       m.Deleted = true;
       m.FilterReason = "subject";
     }
+    if (text::findNoCase(m.Subject, "ignore")) m.Ignored = true;
+    if (text::findNoCase(m.Subject, "filed")) m.DestFolder = "\\Lists";
   }
 };
 
@@ -240,6 +242,19 @@ TEST_P(Pop3Session, WalkingPastTheEndStopsAtTheServersRefusal) {
   EXPECT_EQ(events.log.back(), "Finished Home 0");
   EXPECT_EQ(std::count_if(events.log.begin(), events.log.end(), [](auto& e) { return e.starts_with("POPError"); }),
             0);
+}
+
+TEST_P(Pop3Session, IgnoredHeadersAreListedAndFiledDownloadsNamed) {
+  mailbox({"please ignore", "filed one"});
+  server.replies["RETR 2"] = retrReply("filed one", "x\r\n");
+  session.GetMessages(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|TOP 2 1|RETR 2|QUIT|");
+  EXPECT_EQ(events.headers.size(), 1u);
+  EXPECT_NE(std::find(events.progress.begin(), events.progress.end(), "Ignoring message 1 of 2"),
+            events.progress.end());
+  EXPECT_NE(std::find(events.progress.begin(), events.progress.end(), "Downloaded Message 2 of 2 to \\Lists"),
+            events.progress.end());
 }
 
 TEST_P(Pop3Session, AListShorterThanTheMailboxLeavesSizesUnset) {
