@@ -201,7 +201,7 @@ void frmMain::applyWindowSize() {
 std::string frmMain::trayTip() const {
   const int first = FirstAccount(ctx_.Settings);
   if (first < 0) return "Vonel by Tessarine Software";
-  return "Vonel - " + readAccount(ctx_.Settings, first, AccountReader::Session).Title;
+  return "Vonel - " + AccountTitle(ctx_.Settings, first);
 }
 
 bool frmMain::outboxHoldsMail() const {
@@ -329,22 +329,14 @@ void frmMain::HeaderReceived(message::clsMessage& received) {
       message->MessageID = std::to_string(MessagesListed) + "." +
                            std::to_string(now.hour * 3600 + now.minute * 60 + now.second) + "." + message->Sender;
     }
-    while (true) {
-      try {
-        Messages.Item(message->MessageID);
-        message->MessageID += "1";
-      } catch (const AppError&) {
-        break;
-      }
-    }
+    while (Messages.Contains(message->MessageID)) message->MessageID += "1";
     Messages.Add(message, message->MessageID);
   }
   ++MessagesListed;
   if (!message->Deleted && !message->Ignored && message->Bayes < ctx_.SaveToSpamThreshold) ++GoodMessages;
   if (goingAway) return;
   if (!message->Deleted && !message->Ignored) PassedMail = true;
-  const Account account = readAccount(ctx_.Settings, message->FromAccount, AccountReader::Session);
-  windows_.addServerMessage(*message, MessagesListed, account.Title);
+  windows_.addServerMessage(*message, MessagesListed, AccountTitle(ctx_.Settings, message->FromAccount));
 }
 
 void frmMain::Progress(const std::string& text) { windows_.setStatusText(text); }

@@ -22,6 +22,7 @@ class clsMessages {
   const MessagePtr& Item(std::size_t index) const;
   const MessagePtr& Item(std::string_view key) const;
   std::size_t Count() const { return items_.size(); }
+  bool Contains(std::string_view key) const { return items_.contains(key); }
   void Remove(std::size_t index);
   void Remove(std::string_view key);
 

@@ -23,7 +23,7 @@ Account readAccount(const cSHAREDSettings& settings, int n, AccountReader reader
 
   Account a;
   a.index = n;
-  a.Title = settings.RetrieveSetting(accountKey("TITLE", n), Value("Account " + std::to_string(n + 1))).text();
+  a.Title = AccountTitle(settings, n);
   a.Server = text("SERVER");
   a.UserName = text("UNAME");
   a.Password = Decrypt(text("PWD"));
@@ -60,6 +60,10 @@ void writeAccount(cSHAREDSettings& settings, const Account& a) {
   settings.StoreSetting(accountKey("DISPLAYNAME", n), Value(a.DisplayName));
   settings.StoreSetting("EXCLUSIVE0_" + std::to_string(n), Value(a.Exclusive0));
   settings.StoreSetting("EXCLUSIVE1_" + std::to_string(n), Value(a.Exclusive1));
+}
+
+std::string AccountTitle(const cSHAREDSettings& settings, int n) {
+  return settings.RetrieveSetting(accountKey("TITLE", n), Value("Account " + std::to_string(n + 1))).text();
 }
 
 int FirstAccount(const cSHAREDSettings& settings) {

@@ -44,6 +44,9 @@ struct Account {
 Account readAccount(const cSHAREDSettings& settings, int account, AccountReader reader);
 void writeAccount(cSHAREDSettings& settings, const Account& account);
 
+// The name shown for an account: TITLE<n>, or "Account " + (n+1).
+std::string AccountTitle(const cSHAREDSettings& settings, int account);
+
 // The lowest account in use, or -1 when there is none.
 int FirstAccount(const cSHAREDSettings& settings);
 

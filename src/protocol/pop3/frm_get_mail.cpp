@@ -23,7 +23,7 @@ bool isMultiLineState(int state) { return state == 3 || state == 6 || state == 7
 // Everything up to and including the first CR LF goes; without one, the first character.
 std::string withoutFirstLine(const std::string& text) {
   const std::size_t lineEnd = text::find(text, "\r\n");
-  return text::mid(text, lineEnd + 2 == 2 ? 2 : lineEnd + 2);
+  return text::mid(text, lineEnd + 2);
 }
 
 }  // namespace
