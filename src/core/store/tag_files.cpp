@@ -1,0 +1,133 @@
+#include "core/store/tag_files.h"
+
+#include <cmath>
+#include <limits>
+
+#include "core/log/app_error.h"
+#include "core/services/file_subs.h"
+#include "core/text/numbers.h"
+#include "core/text/strings.h"
+
+namespace vonel::store {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kModule = "modMailSubs";
+constexpr std::string_view kUnreadTag = "Unread.Tag";
+constexpr std::string_view kLastMessageTag = "LastMsg.Tag";
+constexpr std::string_view kShowUnreadOnly = "ShowUnreadOnly.tag";
+constexpr std::string_view kShowUnreadHighOnly = "ShowUnreadHighOnly.tag";
+
+// The tag names have always been written in one spelling and read in
+// another; on a case-sensitive disk both must reach the one file there is.
+fs::path tagFile(const fs::path& folder, std::string_view name) { return files::ResolveAnyCase(folder, name); }
+
+std::string loadTag(const fs::path& folder, std::string_view name) {
+  const fs::path file = tagFile(folder, name);
+  if (!files::FileExists(file)) return {};
+  try {
+    return files::LoadTextFile(file);
+  } catch (const AppError&) {
+    return {};  // an unreadable aid counts as an empty one
+  }
+}
+
+void changeUnreadCount(cSharedLogging& log, const fs::path& folder, long change, std::string_view procedure) {
+  guardedStep(log, procedure, kModule, [&] {
+    const long total = UnreadTagCount(folder) + change;
+    if (total < std::numeric_limits<std::int16_t>::min() || total > std::numeric_limits<std::int16_t>::max()) {
+      throw AppError(error_number::kOverflow, "Overflow");
+    }
+    files::WriteTextFile(tagFile(folder, kUnreadTag), std::to_string(total));
+  });
+}
+
+long dayNumber(const text::DateTime& moment) { return static_cast<long>(std::floor(moment.serial())); }
+
+// The tag holds a day count; a date text of an older writer is read too.
+long readTagDay(std::string text) {
+  text = text::replaceAll(text, "\r\n", "");
+  if (text.find('\\') != std::string::npos) return 0;
+  if (const auto number = text::toNumber(text)) return static_cast<long>(std::floor(*number));
+  if (const auto moment = text::parseStoreDate(text::trim(text))) return dayNumber(*moment);
+  return 0;
+}
+
+}  // namespace
+
+std::int16_t UnreadTagCount(const fs::path& folder) {
+  return text::toWhole<std::int16_t>(std::trunc(text::val(loadTag(folder, kUnreadTag))));
+}
+
+long LastMessageTagDay(const fs::path& folder) { return readTagDay(loadTag(folder, kLastMessageTag)); }
+
+void AddToUnreadTag(cSharedLogging& log, const fs::path& folder, int count) {
+  changeUnreadCount(log, folder, count == 0 ? 1 : count, "AddToUnreadTag");
+}
+
+void RemoveFromUnreadTag(cSharedLogging& log, const fs::path& folder, int count) {
+  changeUnreadCount(log, folder, count == 0 ? -1 : -static_cast<long>(count), "RemoveFromUnreadTag");
+}
+
+void CreateUnreadTag(cSharedLogging& log, const fs::path& folder, int count) {
+  guardedStep(log, "CreateUnreadTag", kModule, [&] {
+    files::WriteTextFile(tagFile(folder, kUnreadTag), std::to_string(count == 0 ? 1 : count));
+  });
+}
+
+void RemoveUnreadTag(cSharedLogging& log, const fs::path& folder) {
+  guardedStep(log, "RemoveUnreadTag", kModule, [&] {
+    if (!files::EraseFile(tagFile(folder, kUnreadTag))) throw AppError(error_number::kPermissionDenied, "Permission denied");
+  });
+}
+
+void AddToLastMessageTag(cSharedLogging& log, const Clock& clock, const fs::path& folder,
+                         const message::clsMessage& message) {
+  if (message.Read) return;
+  guardedStep(log, "AddToLastMessageTag", kModule, [&] {
+    const long oldDay = LastMessageTagDay(folder);
+    long newDay = dayNumber(clock.now());
+    if (!message.ReceiveDate.empty()) {
+      const auto received = text::parseStoreDate(message.ReceiveDate);
+      if (!received) throw AppError(error_number::kTypeMismatch, "Type mismatch");
+      newDay = dayNumber(*received);
+      if (newDay <= oldDay) return;
+    }
+    files::WriteTextFile(tagFile(folder, kLastMessageTag), std::to_string(newDay));
+  });
+}
+
+ShowFilter FolderShowFilter(const fs::path& folder) {
+  if (files::FileExists(tagFile(folder, kShowUnreadOnly))) return ShowFilter::UnreadOnly;
+  if (files::FileExists(tagFile(folder, kShowUnreadHighOnly))) return ShowFilter::UnreadHighOnly;
+  return ShowFilter::All;
+}
+
+void SetFolderShowFilter(cSharedLogging& log, const fs::path& folder, ShowFilter filter) {
+  guardedStep(log, "SetFolderShowFilter", kModule, [&] {
+    const auto set = [&](std::string_view name, bool on) {
+      const fs::path file = tagFile(folder, name);
+      if (on) {
+        if (!files::FileExists(file)) files::WriteTextFile(file, "");
+      } else if (!files::EraseFile(file)) {
+        throw AppError(error_number::kPermissionDenied, "Permission denied");
+      }
+    };
+    set(kShowUnreadOnly, filter == ShowFilter::UnreadOnly);
+    set(kShowUnreadHighOnly, filter == ShowFilter::UnreadHighOnly);
+  });
+}
+
+std::string RemoveCount(std::string_view text) {
+  std::string result(text);
+  for (auto open = result.find(" ("); open != std::string::npos; open = result.find(" (")) {
+    // The ")" is looked for after the " (", so that a stray ")" before it can't make the cut run backwards.
+    const auto close = result.find(')', open);
+    result.erase(open, close == std::string::npos ? std::string::npos : close - open + 1);
+  }
+  return result;
+}
+
+}  // namespace vonel::store
