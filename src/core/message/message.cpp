@@ -103,15 +103,16 @@ void clsMessage::AddAttachment(std::string name) { mime_.attachmentNames.push_ba
 
 void clsMessage::ReplaceRawMessage(std::string text) { raw_ = std::make_shared<const std::string>(std::move(text)); }
 
-std::string clsMessage::Filename() const {
+std::string PathInReadCase(std::string path, bool read) {
   // Only the name itself carries the read state; the folders keep their case.
-  const std::size_t nameStart = filename_.find_last_of("\\/") + 1;  // npos + 1 is 0
-  std::string path = filename_;
-  const auto fold = Read ? text::lowerByte : text::upperByte;
+  const std::size_t nameStart = path.find_last_of("\\/") + 1;  // npos + 1 is 0
+  const auto fold = read ? text::lowerByte : text::upperByte;
   std::transform(path.begin() + static_cast<std::ptrdiff_t>(nameStart), path.end(),
                  path.begin() + static_cast<std::ptrdiff_t>(nameStart), fold);
   return path;
 }
+
+std::string clsMessage::Filename() const { return PathInReadCase(filename_, Read); }
 
 std::string_view clsMessage::MessageBody() const {
   return std::string_view(*bodySource_).substr(std::min(bodyOffset_, bodySource_->size()));

@@ -150,4 +150,8 @@ class clsMessage {
   MimeContent mime_;
 };
 
+// The path with its file name in the case that tells the read state:
+// lower case when read, upper case when not.
+std::string PathInReadCase(std::string path, bool read);
+
 }  // namespace vonel::message

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace vonel::text {
 namespace {
@@ -59,9 +60,17 @@ std::size_t findNoCaseOffset(std::string_view haystack, std::string_view needle,
   const auto& up = caseTables().up;
   auto fold = [&up](char c) { return up[static_cast<unsigned char>(c)]; };
   const char first = fold(needle[0]);
+  // A first byte with no other case (a mark, a digit) can be jumped to with memchr.
+  const bool caseless = caseTables().down[static_cast<unsigned char>(first)] == first;
   const std::size_t last = haystack.size() - needle.size();
   for (std::size_t i = from; i <= last; ++i) {
-    if (fold(haystack[i]) != first) continue;
+    if (caseless) {
+      const void* hit = std::memchr(haystack.data() + i, first, last - i + 1);
+      if (hit == nullptr) return std::string_view::npos;
+      i = static_cast<std::size_t>(static_cast<const char*>(hit) - haystack.data());
+    } else if (fold(haystack[i]) != first) {
+      continue;
+    }
     std::size_t k = 1;
     while (k < needle.size() && fold(haystack[i + k]) == fold(needle[k])) ++k;
     if (k == needle.size()) return i;
