@@ -181,8 +181,12 @@ std::optional<text::DateTime> FileDate(const fs::path& file) {
   std::error_code ec;
   const auto written = fs::last_write_time(file, ec);
   if (ec) return std::nullopt;
-  const auto system = std::chrono::time_point_cast<std::chrono::seconds>(
-      written - fs::file_time_type::clock::now() + std::chrono::system_clock::now());
+  return LocalFileTime(written);
+}
+
+text::DateTime LocalFileTime(fs::file_time_type written) {
+  // An exact conversion: times of one file must compare equal from one look to the next.
+  const auto system = std::chrono::floor<std::chrono::seconds>(fs::file_time_type::clock::to_sys(written));
   return localDateTime(std::chrono::system_clock::to_time_t(system));
 }
 

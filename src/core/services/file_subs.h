@@ -64,6 +64,8 @@ bool MakeReadWrite(const fs::path& file);
 
 std::optional<std::uintmax_t> FileSize(const fs::path& file);
 std::optional<text::DateTime> FileDate(const fs::path& file);
+// A file time as local time in whole seconds.
+text::DateTime LocalFileTime(fs::file_time_type written);
 
 // The existing file in the folder whose name equals `name` ignoring case;
 // the exact spelling wins. Only the name is folded, never the folder.

@@ -64,6 +64,14 @@ class KeyedCollection {
     }
   }
 
+  // Removes every entry whose value passes the test, in one pass.
+  template <typename Test>
+  void removeIf(Test test) {
+    std::erase_if(entries_, [&](const Entry& entry) { return test(entry.value); });
+    index_.clear();
+    for (std::size_t at = 0; at < entries_.size(); ++at) index_.emplace(upper(entries_[at].key), at);
+  }
+
   void clear() {
     entries_.clear();
     index_.clear();

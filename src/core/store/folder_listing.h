@@ -1,0 +1,21 @@
+#pragma once
+// The fast scan of a folder: its message files by name with their times, from
+// the directory alone, without opening any file.
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "core/text/dates.h"
+
+namespace vonel::store {
+
+struct ListedFile {
+  std::string name;
+  text::DateTime modified;  // local time, whole seconds
+};
+
+// The files whose name ends in ".eml" in any case, sorted by name ignoring
+// case. A folder that can't be read gives none.
+std::vector<ListedFile> ListMessageFiles(const std::filesystem::path& folder);
+
+}  // namespace vonel::store

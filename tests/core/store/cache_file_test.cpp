@@ -1,0 +1,119 @@
+#include "core/store/cache_file.h"
+
+#include <gtest/gtest.h>
+
+#include "core/services/file_subs.h"
+#include "core/store/cache_text.h"
+#include "core/text/strings.h"
+
+namespace vonel::store {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string golden() { return files::LoadTextFile(fs::path(VONEL_TEST_DATA) / "store" / "cache.xml"); }
+
+const FileExistsTest kEverythingExists = [](const fs::path&) { return true; };
+
+TEST(CacheTextTest, EscapingKeepsOnlyLettersDigitsAndFourMarks) {
+  EXPECT_EQ(HtmlEncode("a.b,c:d?Z9"), "a.b,c:d?Z9");
+  EXPECT_EQ(HtmlEncode("a b\n<&>%\xE9"), "a%20b%0A%3C%26%3E%25%E9");
+  std::string every;
+  for (int c = 0; c < 256; ++c) every += static_cast<char>(c);
+  EXPECT_EQ(HtmlDecode(HtmlEncode(every)), every);
+}
+
+TEST(CacheTextTest, DecodingForgivesWhatTheWriterNeverWrites) {
+  EXPECT_EQ(HtmlDecode("plain <text>"), "plain <text>");
+  EXPECT_EQ(HtmlDecode("50%"), "50%");
+  EXPECT_EQ(HtmlDecode("x%4"), "x%4");
+  EXPECT_EQ(HtmlDecode("%zzA"), std::string("\0A", 2));
+  EXPECT_EQ(HtmlDecode("%41%4a"), "AJ");
+}
+
+TEST(CacheTextTest, ExtractionIgnoresCaseAndRunsToTheEndWithoutACloseTag) {
+  EXPECT_EQ(ExtractBetweenTags("<a><Size>5</SIZE>", "<SIZE>", "</SIZE>"), "5");
+  EXPECT_EQ(ExtractBetweenTags("<x>1<x>2", "<X>", "</X>"), "12");
+  EXPECT_EQ(ExtractBetweenTags("nothing", "<X>", "</X>"), "");
+  EXPECT_TRUE(ExtractBool("<R>-1</R>", "<R>", "</R>"));
+  EXPECT_FALSE(ExtractBool("<R>1</R>", "<R>", "</R>"));
+  // The version element has never been closed; its number still reads.
+  EXPECT_EQ(CacheFileVersion("\t<CACHEVER>3<CACHEVER>\r\n\t<MESSAGES>7"), 3);
+  EXPECT_EQ(CacheFileVersion("<cachever>2</cachever>"), 2);
+  EXPECT_EQ(CacheFileVersion("<VONELCACHE></VONELCACHE>"), 0);
+}
+
+TEST(CacheFileTest, AHandWrittenFileReadsWithItsPathsRebasedOntoThisStore) {
+  const fs::path root = "/data/Messages";
+  std::vector<fs::path> asked;
+  const auto messages = ReadCacheText(golden(), root, [&](const fs::path& file) {
+    asked.push_back(file);
+    return true;
+  });
+  ASSERT_TRUE(messages);
+  ASSERT_EQ(messages->size(), 2u);
+  const CachedMessage& first = (*messages)[0];
+  EXPECT_EQ(asked[0], root / "Inbox" / "HELLO THERE (093015-231126).EML");
+  EXPECT_EQ(first.Filename, (root / "Inbox" / "hello there (093015-231126).eml").string());
+  EXPECT_EQ(first.Size, 3.0f);
+  EXPECT_EQ(first.Bayes, 0.0f);
+  EXPECT_EQ(first.FileDate, (text::DateTime{2026, 11, 23, 9, 30, 15}));
+  EXPECT_EQ(first.SendDate, "Mon, 23 Nov 2026 09:00:00 +0100");
+  EXPECT_EQ(first.From, "Ann \xC9mile <ann@example.com>");
+  EXPECT_EQ(first.Subject, "Hello & <there> 100%");
+  EXPECT_FALSE(first.Read);
+  EXPECT_TRUE(first.HasAttachment);
+  EXPECT_EQ(first.Tags, "");
+  const CachedMessage& second = (*messages)[1];
+  EXPECT_EQ(second.Filename, (root / "Inbox" / "Work" / "re report (101500-201126).eml").string());
+  EXPECT_EQ(second.Bayes, 0.25f);
+  EXPECT_TRUE(second.Read && second.Replied && second.HighPriority);
+  EXPECT_EQ(second.Tags, "work,urgent");
+}
+
+TEST(CacheFileTest, TheWriterLaysOutTheFileByteForByte) {
+  const auto messages = ReadCacheText(golden(), "/nowhere", kEverythingExists);
+  ASSERT_TRUE(messages);
+  std::string written(CacheFileHead());
+  const text::DateTime dates[] = {{2026, 11, 23, 9, 30, 15}, {2026, 11, 20, 10, 15, 0}};
+  const std::string paths[] = {R"(C:\Mail\Messages\Inbox\hello there (093015-231126).eml)",
+                               R"(C:\Mail\Messages\Inbox\Work\re report (101500-201126).eml)"};
+  for (std::size_t i = 0; i < 2; ++i) {
+    CachedMessage m = (*messages)[i];
+    m.Filename = paths[i];  // as a store on the old system would hold it
+    AppendCacheElement(written, m, dates[i]);
+  }
+  written.append(CacheFileTail());
+  EXPECT_EQ(written, golden());
+}
+
+TEST(CacheFileTest, TheReaderTakesTheSpellingsItAsksFor) {
+  const std::string upper = text::upper(golden());
+  const auto messages = ReadCacheText(upper, "/data/Messages", kEverythingExists);
+  ASSERT_TRUE(messages);
+  ASSERT_EQ(messages->size(), 2u);
+  EXPECT_EQ((*messages)[1].Tags, "WORK,URGENT");
+}
+
+TEST(CacheFileTest, OldVersionsAndBrokenFilesGiveWhatCanBeRead) {
+  EXPECT_FALSE(ReadCacheText(text::replaceAll(golden(), "<CACHEVER>3", "<CACHEVER>2"), "/r", kEverythingExists));
+  EXPECT_FALSE(ReadCacheText("", "/r", kEverythingExists));
+  // Cut in the middle of the second message: the first is whole, the second keeps what it has.
+  const std::string cut = golden().substr(0, golden().find("<Bayes>"));
+  const auto messages = ReadCacheText(cut, "/r", kEverythingExists);
+  ASSERT_TRUE(messages);
+  EXPECT_EQ(messages->size(), 2u);
+  // A listed file that is gone is left out.
+  const auto present = ReadCacheText(golden(), "/r", [](const fs::path& f) { return f.string().find("Work") == std::string::npos; });
+  EXPECT_EQ(present->size(), 1u);
+}
+
+TEST(CacheFileTest, PathsAreRebasedThroughTheRootOrTheMessagesFolder) {
+  EXPECT_EQ(RebaseCachedPath("/old/home/Messages/Inbox/A.EML", "/new/store"), fs::path("/new/store/Inbox/A.EML"));
+  EXPECT_EQ(RebaseCachedPath("/new/STORE/Inbox/A.EML", "/new/store"), fs::path("/new/store/Inbox/A.EML"));
+  EXPECT_EQ(RebaseCachedPath(R"(D:\x\MESSAGES\Sent Items\B.EML)", "/s"), fs::path("/s/Sent Items/B.EML"));
+  EXPECT_EQ(RebaseCachedPath("/elsewhere/C.EML", "/s"), fs::path("/elsewhere/C.EML"));
+}
+
+}  // namespace
+}  // namespace vonel::store
