@@ -1,0 +1,101 @@
+#include "core/store/folder_lists.h"
+
+#include <algorithm>
+
+#include "core/services/file_subs.h"
+#include "core/text/shared_text.h"
+#include "core/text/strings.h"
+
+namespace vonel::store {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kModule = "modMailSubs";
+
+// Relative paths of every folder below the root, "\" after each piece.
+std::vector<std::string> listFolders(const fs::path& root) {
+  std::vector<std::string> paths;
+  std::error_code ec;
+  for (fs::recursive_directory_iterator it(root, fs::directory_options::skip_permission_denied, ec), end;
+       !ec && it != end; it.increment(ec)) {
+    std::error_code typeError;
+    if (!it->is_directory(typeError)) continue;
+    std::string relative;
+    for (const auto& piece : it->path().lexically_relative(root)) relative += piece.string() + "\\";
+    paths.push_back(std::move(relative));
+  }
+  return paths;
+}
+
+std::string folderNamesText(const std::vector<std::string>& paths) {
+  std::string out;
+  for (const std::string& path : paths) {
+    auto pieces = text::split(path, "\\");
+    if (pieces.size() == 2) {
+      out += pieces[0] + "\r\nFolders\r\n";
+    } else {
+      // Only the last two names are kept, so same-named folders under different parents look alike.
+      out += pieces[pieces.size() - 2] + "\r\n" + pieces[pieces.size() - 3] + "\r\n";
+    }
+  }
+  return out;
+}
+
+}  // namespace
+
+void GenerateFolderIni(cSharedLogging& log, const DataFolders& folders) {
+  guardedStep(log, "GenerateFolderIni", kModule, [&] {
+    auto paths = listFolders(folders.MessageFolderPath);
+    // The same order the old neighbour-exchange sort gave: ascending by byte.
+    std::sort(paths.begin(), paths.end());
+    std::string list;
+    for (const std::string& path : paths) list += path + "\r\n";
+    files::WriteTextFile(folders.FolderNamesIni, folderNamesText(paths));
+    files::WriteTextFile(folders.FolderListIni, list);
+  });
+}
+
+std::vector<std::string> FillMailFolders(cSharedLogging& log, const DataFolders& folders) {
+  std::vector<std::string> result;
+  guardedStep(log, "FillMailFolders", kModule, [&] {
+    if (!files::FileExists(folders.FolderListIni)) GenerateFolderIni(log, folders);
+    for (std::string& line : text::split(files::LoadTextFile(folders.FolderListIni), "\r\n")) {
+      if (!text::trim(line).empty()) result.push_back(std::move(line));
+    }
+  });
+  return result;
+}
+
+FolderChoices FillFolderCombo(cSharedLogging& log, const DataFolders& folders) {
+  FolderChoices choices;
+  for (const std::string& folder : FillMailFolders(log, folders)) {
+    if (folder == "Outbox\\") continue;
+    choices.items.push_back("\\" + folder);
+    if (choices.items.back() == "\\Inbox\\") choices.selected = static_cast<int>(choices.items.size()) - 1;
+  }
+  return choices;
+}
+
+fs::path StoreFolder(const fs::path& root, std::string_view relative) {
+  fs::path folder = root;
+  for (const std::string& piece : text::split(relative, "\\")) {
+    if (!piece.empty()) folder /= piece;
+  }
+  return folder;
+}
+
+std::string MakeNewFolder(cSharedLogging& log, const DataFolders& folders, std::string_view parent, std::string& name) {
+  text::RemoveNonAlphaNumeric(name);
+  if (name.empty()) return "Please enter a folder name";
+  const fs::path parentFolder = StoreFolder(folders.MessageFolderPath, parent);
+  if (files::FindAnyCase(parentFolder, name)) return "There's already a folder called " + name + ".  Please try again.";
+  if (!files::MkMissingDir(parentFolder / name)) {
+    log.AddAction("Can't make folder " + (parentFolder / name).string(), "MakeNewFolder", kModule);
+    return "Can't make the folder " + (parentFolder / name).string() + ".";
+  }
+  return {};
+}
+
+}  // namespace vonel::store

@@ -1,0 +1,37 @@
+#pragma once
+// The two lists of the store's folders in the data folder: "foldernames.ini"
+// (each folder's name and its parent's, for the tree) and "folderlist.ini"
+// (each folder's path under the store root, for the folder choosers). Paths in
+// them use "\" and end in it, whatever the system's separator.
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/log/logging.h"
+#include "core/settings/data_folders.h"
+
+namespace vonel::store {
+
+// Lists every folder under the store root and writes both files.
+void GenerateFolderIni(cSharedLogging& log, const DataFolders& folders);
+
+// The relative paths of "folderlist.ini" ("Inbox\", "Inbox\Work\"), made first if missing.
+std::vector<std::string> FillMailFolders(cSharedLogging& log, const DataFolders& folders);
+
+struct FolderChoices {
+  std::vector<std::string> items;  // "\Inbox\", "\Sent Items\", ...
+  int selected = -1;               // the Inbox when listed
+};
+// The folders a message can be filed into: all but the outbox.
+FolderChoices FillFolderCombo(cSharedLogging& log, const DataFolders& folders);
+
+// The folder on disk for a relative store path in the lists' form.
+std::filesystem::path StoreFolder(const std::filesystem::path& root, std::string_view relative);
+
+// Makes a folder under `parent` (a store path as the chooser shows it) from
+// the name's letters, digits and blanks. Gives the message to show, or
+// nothing when the folder was made; the caller then regenerates the lists.
+std::string MakeNewFolder(cSharedLogging& log, const DataFolders& folders, std::string_view parent, std::string& name);
+
+}  // namespace vonel::store
