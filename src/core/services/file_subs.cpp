@@ -184,6 +184,21 @@ std::optional<text::DateTime> FileDate(const fs::path& file) {
   return LocalFileTime(written);
 }
 
+std::optional<FileFacts> FileFactsOf(const fs::path& file) {
+#ifdef _WIN32
+  std::error_code ec;
+  const auto size = fs::file_size(file, ec);
+  if (ec) return std::nullopt;
+  const auto written = fs::last_write_time(file, ec);
+  if (ec) return std::nullopt;
+  return FileFacts{size, LocalFileTime(written)};
+#else
+  struct stat facts {};
+  if (::stat(file.c_str(), &facts) != 0 || !S_ISREG(facts.st_mode)) return std::nullopt;
+  return FileFacts{static_cast<std::uintmax_t>(facts.st_size), localDateTime(facts.st_mtime)};
+#endif
+}
+
 text::DateTime LocalFileTime(fs::file_time_type written) {
   // An exact conversion: times of one file must compare equal from one look to the next.
   const auto system = std::chrono::floor<std::chrono::seconds>(fs::file_time_type::clock::to_sys(written));

@@ -63,6 +63,12 @@ bool IsReadOnly(const fs::path& file);
 bool MakeReadWrite(const fs::path& file);
 
 std::optional<std::uintmax_t> FileSize(const fs::path& file);
+// Size and time of a file from one look at it; nothing when it isn't a file.
+struct FileFacts {
+  std::uintmax_t size = 0;
+  text::DateTime modified;
+};
+std::optional<FileFacts> FileFactsOf(const fs::path& file);
 std::optional<text::DateTime> FileDate(const fs::path& file);
 // A file time as local time in whole seconds.
 text::DateTime LocalFileTime(fs::file_time_type written);

@@ -102,15 +102,14 @@ std::optional<std::vector<CachedMessage>> ReadCacheText(std::string_view text, c
   const std::string_view all(messages);
   constexpr std::string_view kEnd = "</MESSAGE>";
   std::vector<CachedMessage> result;
-  for (std::size_t start = 0; start <= all.size();) {
-    const std::size_t end = findNoCaseAt(all, kEnd, start);
-    const std::string_view piece = all.substr(start, end == std::string_view::npos ? std::string_view::npos : end - start);
-    if (findNoCaseAt(piece, "<MESSAGE>", 0) != std::string_view::npos) {
-      const fs::path file = RebaseCachedPath(ExtractString(piece, "<FILENAME>", "</FILENAME>"), storeRoot);
-      if (exists(file)) result.push_back(readPiece(piece, file));
-    }
-    if (end == std::string_view::npos) break;
-    start = end + kEnd.size();
+  // A piece without its closing tag is a file cut short: what it lists is read
+  // again from the message file rather than trusted half-told.
+  for (std::size_t start = 0, end = findNoCaseAt(all, kEnd, 0); end != std::string_view::npos;
+       start = end + kEnd.size(), end = findNoCaseAt(all, kEnd, start)) {
+    const std::string_view piece = all.substr(start, end - start);
+    if (findNoCaseAt(piece, "<MESSAGE>", 0) == std::string_view::npos) continue;
+    const fs::path file = RebaseCachedPath(ExtractString(piece, "<FILENAME>", "</FILENAME>"), storeRoot);
+    if (exists(file)) result.push_back(readPiece(piece, file));
   }
   return result;
 }

@@ -1,5 +1,8 @@
 #pragma once
 // A program home with its store made, for the store's tests.
+#include <filesystem>
+#include <string>
+
 #include "core/services/app_context.h"
 #include "core/services/file_subs.h"
 #include "../test_home.h"
@@ -17,6 +20,15 @@ struct StoreHome {
     context.folders.ReadDataFolder();
   }
   const std::filesystem::path& root() const { return context.folders.MessageFolderPath; }
+  // A message file with the given header lines, its time set to `modified`.
+  std::filesystem::path writeMessage(const std::filesystem::path& folder, const std::string& name,
+                                     const std::string& headers,
+                                     std::filesystem::file_time_type modified = std::filesystem::file_time_type::clock::now()) {
+    const auto file = folder / name;
+    files::WriteTextFile(file, "From: ann@example.com\r\nTo: bob@example.com\r\n" + headers + "\r\n\r\nBody text\r\n");
+    std::filesystem::last_write_time(file, modified);
+    return file;
+  }
   std::string logText() {
     context.log.WriteActionsToLog();
     return files::LoadTextFile(context.log.CurrentLogFilename());

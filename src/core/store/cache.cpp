@@ -1,0 +1,215 @@
+#include "core/store/cache.h"
+
+#include <unordered_map>
+
+#include "core/log/app_error.h"
+#include "core/message/message_file.h"
+#include "core/services/file_subs.h"
+#include "core/store/cache_file.h"
+#include "core/store/folder_listing.h"
+#include "core/text/strings.h"
+
+namespace vonel::store {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kModule = "CLSCACHE";
+constexpr std::size_t kWriteBuffer = 1 << 16;
+
+}  // namespace
+
+// The folder's message files by name, ignoring case, each marked once the
+// cache is found to know it unchanged.
+class clsCache::Listing {
+ public:
+  explicit Listing(const fs::path& folder) : files_(ListMessageFiles(folder)), known_(files_.size(), false) {
+    index_.reserve(files_.size());
+    for (std::size_t at = 0; at < files_.size(); ++at) index_.emplace(text::upper(files_[at].name), at);
+  }
+
+  std::size_t size() const { return files_.size(); }
+  const ListedFile* find(std::string_view name) const {
+    const auto it = index_.find(text::upper(name));
+    return it == index_.end() ? nullptr : &files_[it->second];
+  }
+  void markKnown(const ListedFile& file) { known_[static_cast<std::size_t>(&file - files_.data())] = true; }
+  std::vector<const ListedFile*> unknown() const {
+    std::vector<const ListedFile*> result;
+    for (std::size_t at = 0; at < files_.size(); ++at) {
+      if (!known_[at]) result.push_back(&files_[at]);
+    }
+    return result;
+  }
+
+ private:
+  std::vector<ListedFile> files_;
+  std::vector<bool> known_;
+  std::unordered_map<std::string, std::size_t> index_;
+};
+
+clsCache::clsCache(AppContext& context, Progress& events) : context_(context), events_(events) {}
+
+void clsCache::FillCache(Progress& form, const fs::path& path, std::string mailFolderName) {
+  guardedStep(context_.log, "FillCache", kModule, [&] {
+    filling_ = true;
+    path_ = path.has_filename() ? path : path.parent_path();
+    mailFolderName_ = std::move(mailFolderName);
+    form.status("Reading mail files");
+    dirty_ = false;
+    Listing listing(path_);
+    if (listing.size() > 100) form.status("Found " + std::to_string(listing.size()) + " messages");
+    if (Messages.empty() && files::FileExists(cacheFile())) readCache(&listing);
+
+    if (!Messages.empty()) {
+      // A cached message stays only if its file is listed with the time the cache knew.
+      const std::size_t total = Messages.size();
+      std::size_t scanned = 0;
+      std::size_t stale = 0;
+      Messages.removeIf([&](const CachedMessage& cached) {
+        const ListedFile* file = listing.find(MessageKey(cached.Filename));
+        const bool unchanged = file != nullptr && file->modified == cached.FileDate;
+        if (unchanged) listing.markKnown(*file);
+        if (++scanned % 10 == 0) {
+          form.status("Scanned " + std::to_string(scanned) + "/" + std::to_string(total) + " messages");
+          form.letEventsRun();
+        }
+        stale += unchanged ? 0 : 1;
+        return !unchanged;
+      });
+      if (stale > 0) dirty_ = true;
+    }
+
+    const auto unknown = listing.unknown();
+    if (!unknown.empty()) {
+      dirty_ = true;
+      // A fill from nothing counts every file as it goes; a top-up names the number first.
+      if (!Messages.empty()) form.status("Adding " + std::to_string(unknown.size()) + " new messages");
+    }
+    for (std::size_t i = 0; i < unknown.size(); ++i) addHeadersOf(form, path_ / unknown[i]->name, i + 1, unknown.size());
+
+    form.status("Tidying up");
+    filling_ = false;
+    filled_ = true;
+  });
+  filling_ = false;
+}
+
+void clsCache::addHeadersOf(Progress& form, const fs::path& file, std::size_t done, std::size_t total) {
+  ++headersRead_;
+  const message::clsMessage header = message::ReadMessageHeader(file, context_.log);
+  // An empty or vanished file yields a message without a path; it is no message.
+  if (!header.Filename().empty()) AddNewMsg(header);
+  if (done % 50 == 0) {
+    form.status("Adding " + std::to_string(done) + "/" + std::to_string(total) + " new messages");
+    form.letEventsRun();
+  }
+}
+
+void clsCache::ReadCache() {
+  guardedStep(context_.log, "ReadCache", kModule, [&] { readCache(nullptr); });
+}
+
+void clsCache::readCache(const Listing* listing) {
+  Messages.clear();
+  const std::string text = files::LoadTextFile(cacheFile());
+  const auto exists = [&](const fs::path& file) {
+    if (listing != nullptr && file.parent_path() == path_) return listing->find(file.filename().string()) != nullptr;
+    return files::FindAnyCase(file.parent_path(), file.filename().string()).has_value();
+  };
+  auto messages = ReadCacheText(text, context_.folders.MessageFolderPath, exists);
+  if (!messages) {
+    files::EraseFile(cacheFile());
+    return;
+  }
+  for (CachedMessage& message : *messages) {
+    std::string key = MessageKey(message.Filename);
+    Messages.add(std::move(key), std::move(message));
+  }
+}
+
+void clsCache::WriteCache(bool force) {
+  if (!dirty_ && !force) return;
+  if (path_.empty() || context_.NoCacheMode) return;
+  guardedStep(context_.log, "WriteCache", kModule, [&] { writeCache(); });
+}
+
+void clsCache::writeCache() {
+  dirty_ = false;
+  files::EraseFile(path_ / "cache.csv");
+  files::AtomicFileWriter out(cacheFile());
+  std::string buffer(CacheFileHead());
+  std::size_t sinceEvents = 0;
+  for (const auto& entry : Messages) {
+    const CachedMessage& message = entry.value;
+    // The time on disk now, not the one read: a rewrite of the file by the
+    // program itself (a change of read state) must not make it look stale.
+    const fs::path file(message.PathInReadCase());
+    auto date = files::FileDate(file);
+    if (!date) date = files::FileDate(files::ResolveAnyCase(file.parent_path(), file.filename().string()));
+    AppendCacheElement(buffer, message, date);
+    if (buffer.size() >= kWriteBuffer) {
+      out.write(buffer);
+      buffer.clear();
+    }
+    if (++sinceEvents == 300) {
+      events_.letEventsRun();
+      sinceEvents = 0;
+    }
+  }
+  buffer.append(CacheFileTail());
+  out.write(buffer);
+  out.commit();
+}
+
+void clsCache::Clear(bool deleteDiskCache) {
+  if (deleteDiskCache) {
+    if (!path_.empty()) files::EraseFile(cacheFile());
+  } else {
+    WriteCache(false);
+  }
+  Messages.clear();
+  path_.clear();
+  mailFolderName_.clear();
+  filled_ = false;
+  dirty_ = false;
+}
+
+message::clsMessage clsCache::Item(std::size_t index) const {
+  if (index == 0 || index > Messages.size()) return message::clsMessage();
+  return Messages.at(index - 1).value.toMessage();
+}
+
+void clsCache::AddNewMsg(const message::clsMessage& message, bool /*flag*/) {
+  CachedMessage cached = CachedMessage::from(message);
+  std::string key = MessageKey(cached.Filename);
+  // A message saved again under its name replaces the one the cache knew.
+  if (CachedMessage* known = Messages.find(key)) {
+    *known = std::move(cached);
+  } else {
+    Messages.add(std::move(key), std::move(cached));
+  }
+  dirty_ = true;
+}
+
+void clsCache::RemoveMsg(const message::clsMessage& message) { RemoveByFilename(message.Filename()); }
+
+void clsCache::RemoveByFilename(std::string_view path) {
+  Messages.remove(MessageKey(path));
+  dirty_ = true;
+}
+
+CachedMessage& clsCache::item(std::string_view path) {
+  CachedMessage* found = Messages.find(MessageKey(path));
+  if (found == nullptr) throw AppError(error_number::kInvalidCall, "Invalid procedure call or argument");
+  dirty_ = true;
+  return *found;
+}
+
+void clsCache::MarkMsgReadUnread(std::string_view path, bool read) { item(path).Read = read; }
+void clsCache::MarkMsgPriority(std::string_view path, bool high) { item(path).HighPriority = high; }
+void clsCache::MarkMsgRepliedOrNot(std::string_view path, bool replied) { item(path).Replied = replied; }
+void clsCache::ChangeTags(std::string_view path, std::string_view tags) { item(path).Tags = std::string(tags); }
+
+}  // namespace vonel::store
