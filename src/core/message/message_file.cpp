@@ -1,8 +1,5 @@
 #include "core/message/message_file.h"
 
-#include <cstdio>
-#include <memory>
-
 #include "core/log/app_error.h"
 #include "core/services/file_subs.h"
 #include "core/text/dates.h"
@@ -18,28 +15,6 @@ namespace {
 
 constexpr std::string_view kModule = "modLoadSaveMsg";
 constexpr std::size_t kHeaderReadLimit = 10000;
-
-struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-// The first `limit` bytes of the file (all of it for npos), with one open.
-std::string readStart(const fs::path& path, std::size_t limit) {
-  std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
-  if (!file) throw AppError::fromErrno(errno, path.string());
-  std::string text;
-  std::size_t wanted = limit == std::string::npos ? (1 << 16) : limit;
-  for (;;) {
-    const std::size_t had = text.size();
-    text.resize(had + wanted);
-    const std::size_t got = std::fread(text.data() + had, 1, wanted, file.get());
-    text.resize(had + got);
-    if (got < wanted || text.size() >= limit) break;
-    wanted = text.size();  // doubles what is asked for, so a big file costs few reads
-  }
-  if (std::ferror(file.get())) throw AppError(error_number::kDeviceIo, "Device I/O error");
-  return text;
-}
 
 // A header block cut off by the read limit, or without a blank line, made whole.
 std::string repairHeaderBlock(std::string text) {
@@ -67,7 +42,7 @@ clsMessage ReadMessage(const fs::path& path, bool headerOnly, cSharedLogging& lo
   guardedStep(log, headerOnly ? "ReadMessageHeader" : "ReadMessageFull", kModule, [&] {
     const auto facts = files::FileFactsOf(path);
     if (!facts || facts->size == 0) return;
-    std::string text = readStart(path, headerOnly ? kHeaderReadLimit : std::string::npos);
+    std::string text = files::ReadFileStart(path, headerOnly ? kHeaderReadLimit : std::string::npos);
     if (headerOnly) text = repairHeaderBlock(std::move(text));
     message.CreateFromText(std::move(text), headerOnly);
     message.setFilename(path.string());

@@ -67,12 +67,24 @@ bool MkMissingDir(const fs::path& folder) {
   return fs::is_directory(folder, ec);
 }
 
-std::string LoadTextFile(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
+std::string LoadTextFile(const fs::path& file) { return ReadFileStart(file, std::string::npos); }
+
+std::string ReadFileStart(const fs::path& file, std::size_t limit) {
+  std::ifstream in(file, std::ios::binary | std::ios::ate);
   if (!in) throw AppError::fromErrno(errno ? errno : ENOENT, pathText(file));
+  // The size known up front makes one allocation and one read; a file that
+  // grows meanwhile, or tells no size, is read on in pieces.
+  const auto told = in.tellg();
+  in.seekg(0);
   std::string bytes;
+  const std::size_t expected = told > 0 ? static_cast<std::size_t>(told) : 0;
+  bytes.resize(std::min(expected, limit));
+  in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  bytes.resize(static_cast<std::size_t>(in.gcount()));
   char buffer[1 << 16];
-  while (in.read(buffer, sizeof buffer) || in.gcount() > 0) bytes.append(buffer, static_cast<std::size_t>(in.gcount()));
+  while (bytes.size() < limit && in && (in.read(buffer, sizeof buffer), in.gcount() > 0)) {
+    bytes.append(buffer, std::min(static_cast<std::size_t>(in.gcount()), limit - bytes.size()));
+  }
   if (in.bad()) throw AppError(error_number::kDeviceIo, "Device I/O error: " + pathText(file));
   return bytes;
 }

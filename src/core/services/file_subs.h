@@ -24,6 +24,8 @@ bool MkMissingDir(const fs::path& folder);
 
 // The whole file as bytes. Throws when it can't be read.
 std::string LoadTextFile(const fs::path& file);
+// The first `limit` bytes of the file. Throws when it can't be read.
+std::string ReadFileStart(const fs::path& file, std::size_t limit);
 
 // Replaces the file with the bytes, through a temporary file and a rename.
 void WriteTextFile(const fs::path& file, std::string_view bytes);

@@ -26,7 +26,7 @@ class clsCache::Listing {
  public:
   explicit Listing(const fs::path& folder) : files_(ListMessageFiles(folder)), known_(files_.size(), false) {
     index_.reserve(files_.size());
-    for (std::size_t at = 0; at < files_.size(); ++at) index_.emplace(text::upper(files_[at].name), at);
+    for (std::size_t at = 0; at < files_.size(); ++at) index_.emplace(files_[at].key, at);
   }
 
   std::size_t size() const { return files_.size(); }
@@ -118,15 +118,12 @@ void clsCache::readCache(const Listing* listing) {
     if (listing != nullptr && file.parent_path() == path_) return listing->find(file.filename().string()) != nullptr;
     return files::FindAnyCase(file.parent_path(), file.filename().string()).has_value();
   };
-  auto messages = ReadCacheText(text, context_.folders.MessageFolderPath, exists);
-  if (!messages) {
-    files::EraseFile(cacheFile());
-    return;
-  }
-  for (CachedMessage& message : *messages) {
-    std::string key = MessageKey(message.Filename);
+  if (listing != nullptr) Messages.reserve(listing->size());
+  const bool current = ReadCacheText(text, context_.folders.MessageFolderPath, exists, [&](CachedMessage&& message) {
+    std::string key = MessageKey(message.Filename);  // before the message is moved away
     Messages.add(std::move(key), std::move(message));
-  }
+  });
+  if (!current) files::EraseFile(cacheFile());
 }
 
 void clsCache::WriteCache(bool force) {

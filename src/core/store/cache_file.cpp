@@ -57,6 +57,21 @@ CachedMessage readPiece(std::string_view piece, fs::path file) {
   return m;
 }
 
+// The text between "<MESSAGES>" and "</MESSAGES>", as the tag extraction gives it.
+std::string messagesSection(std::string_view text) {
+  constexpr std::string_view kOpen = "<MESSAGES>";
+  constexpr std::string_view kClose = "</MESSAGES>";
+  const std::size_t start = findNoCaseAt(text, kOpen, 0);
+  if (start == std::string_view::npos) return {};
+  const std::size_t end = findNoCaseAt(text, kClose, start);
+  const std::string_view inner =
+      text.substr(start + kOpen.size(), end == std::string_view::npos ? std::string_view::npos : end - start - kOpen.size());
+  // The extraction deletes the tags inside too; a file of the writer has none,
+  // and then the section is taken as it stands, without two passes over it.
+  if (findNoCaseAt(inner, kOpen, 0) == std::string_view::npos) return std::string(inner);
+  return ExtractBetweenTags(text, kOpen, kClose);
+}
+
 }  // namespace
 
 double CacheFileVersion(std::string_view text) {
@@ -95,13 +110,12 @@ fs::path RebaseCachedPath(std::string_view listed, const fs::path& storeRoot) {
   return storeRoot / fs::path(portable);
 }
 
-std::optional<std::vector<CachedMessage>> ReadCacheText(std::string_view text, const fs::path& storeRoot,
-                                                        const FileExistsTest& exists) {
-  if (CacheFileVersion(text) < kCacheVersion) return std::nullopt;
-  const std::string messages = ExtractBetweenTags(text, "<MESSAGES>", "</MESSAGES>");
+bool ReadCacheText(std::string_view text, const fs::path& storeRoot, const FileExistsTest& exists,
+                   const CachedMessageSink& add) {
+  if (CacheFileVersion(text) < kCacheVersion) return false;
+  const std::string messages = messagesSection(text);
   const std::string_view all(messages);
   constexpr std::string_view kEnd = "</MESSAGE>";
-  std::vector<CachedMessage> result;
   // A piece without its closing tag is a file cut short: what it lists is read
   // again from the message file rather than trusted half-told.
   for (std::size_t start = 0, end = findNoCaseAt(all, kEnd, 0); end != std::string_view::npos;
@@ -109,9 +123,9 @@ std::optional<std::vector<CachedMessage>> ReadCacheText(std::string_view text, c
     const std::string_view piece = all.substr(start, end - start);
     if (findNoCaseAt(piece, "<MESSAGE>", 0) == std::string_view::npos) continue;
     const fs::path file = RebaseCachedPath(ExtractString(piece, "<FILENAME>", "</FILENAME>"), storeRoot);
-    if (exists(file)) result.push_back(readPiece(piece, file));
+    if (exists(file)) add(readPiece(piece, file));
   }
-  return result;
+  return true;
 }
 
 std::string_view CacheFileHead() {

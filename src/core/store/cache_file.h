@@ -23,10 +23,12 @@ double CacheFileVersion(std::string_view text);
 // lower case. `exists` decides whether it is kept.
 using FileExistsTest = std::function<bool(const std::filesystem::path&)>;
 
-// The messages a cache file lists, in its order; nothing when its version is
-// too old. Pieces that can't be read are skipped.
-std::optional<std::vector<CachedMessage>> ReadCacheText(std::string_view text, const std::filesystem::path& storeRoot,
-                                                        const FileExistsTest& exists);
+// Hands each message a cache file lists to `add`, in its order; false, and
+// nothing handed, when the file's version is too old. Pieces that can't be
+// read are skipped.
+using CachedMessageSink = std::function<void(CachedMessage&&)>;
+bool ReadCacheText(std::string_view text, const std::filesystem::path& storeRoot, const FileExistsTest& exists,
+                   const CachedMessageSink& add);
 
 // The path of a listed file on this store: the store root joined with what
 // follows the old root or the "messages" folder in it.

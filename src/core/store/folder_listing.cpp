@@ -2,6 +2,13 @@
 
 #include <algorithm>
 
+#ifndef _WIN32
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#endif
+
+#include "core/services/clock.h"
 #include "core/services/file_subs.h"
 #include "core/text/strings.h"
 
@@ -18,24 +25,38 @@ bool isMessageName(std::string_view name) {
 
 }  // namespace
 
+#ifdef _WIN32
 std::vector<ListedFile> ListMessageFiles(const fs::path& folder) {
+  // The directory entries of this system carry the times, so no file is looked at.
   std::vector<ListedFile> files;
   std::error_code ec;
   for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
     std::string name = it->path().filename().string();
-    if (!isMessageName(name)) continue;
     std::error_code statError;
-    if (!it->is_regular_file(statError)) continue;
+    if (!isMessageName(name) || !it->is_regular_file(statError)) continue;
     const auto written = it->last_write_time(statError);
     if (statError) continue;  // gone between the listing and the look
-    files.push_back({std::move(name), files::LocalFileTime(written)});
+    std::string key = text::upper(name);
+    files.push_back({std::move(name), std::move(key), files::LocalFileTime(written)});
   }
+#else
+std::vector<ListedFile> ListMessageFiles(const fs::path& folder) {
+  std::vector<ListedFile> files;
+  DIR* directory = ::opendir(folder.c_str());
+  if (directory == nullptr) return files;
+  const int directoryFd = ::dirfd(directory);
+  while (const dirent* entry = ::readdir(directory)) {
+    const std::string_view name(entry->d_name);
+    if (!isMessageName(name)) continue;
+    // A look relative to the open folder walks one name, not the whole path.
+    struct stat facts {};
+    if (::fstatat(directoryFd, entry->d_name, &facts, 0) != 0 || !S_ISREG(facts.st_mode)) continue;
+    files.push_back({std::string(name), text::upper(name), localDateTime(facts.st_mtime)});
+  }
+  ::closedir(directory);
+#endif
   std::sort(files.begin(), files.end(), [](const ListedFile& a, const ListedFile& b) {
-    return std::lexicographical_compare(a.name.begin(), a.name.end(), b.name.begin(), b.name.end(),
-                                        [](char x, char y) {
-                                          return static_cast<unsigned char>(text::upperByte(x)) <
-                                                 static_cast<unsigned char>(text::upperByte(y));
-                                        });
+    return std::string_view(a.key) < std::string_view(b.key);
   });
   return files;
 }

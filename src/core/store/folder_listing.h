@@ -11,6 +11,7 @@ namespace vonel::store {
 
 struct ListedFile {
   std::string name;
+  std::string key;          // the name in upper case, for look-ups that ignore case
   text::DateTime modified;  // local time, whole seconds
 };
 

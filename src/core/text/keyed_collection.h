@@ -21,6 +21,10 @@ class KeyedCollection {
   };
 
   std::size_t size() const { return entries_.size(); }
+  void reserve(std::size_t count) {
+    entries_.reserve(count);
+    index_.reserve(count);
+  }
   bool empty() const { return entries_.empty(); }
 
   bool contains(std::string_view key) const { return index_.count(upper(key)) != 0; }

@@ -10,12 +10,8 @@ namespace {
 struct CaseTables {
   std::array<char, 256> up{};
   std::array<char, 256> down{};
-  CaseTables() {
+  constexpr CaseTables() {
     for (int i = 0; i < 256; ++i) up[i] = down[i] = static_cast<char>(i);
-    auto pair = [this](int upper, int lower) {
-      up[lower] = static_cast<char>(upper);
-      down[upper] = static_cast<char>(lower);
-    };
     for (int c = 'A'; c <= 'Z'; ++c) pair(c, c + 32);
     for (int c = 0xC0; c <= 0xDE; ++c) {
       if (c != 0xD7) pair(c, c + 32);  // 0xD7 and 0xF7 are the multiply and divide signs
@@ -25,12 +21,16 @@ struct CaseTables {
     pair(0x8E, 0x9E);  // Z caron
     pair(0x9F, 0xFF);  // Y diaeresis
   }
+  constexpr void pair(int upper, int lower) {
+    up[lower] = static_cast<char>(upper);
+    down[upper] = static_cast<char>(lower);
+  }
 };
 
-const CaseTables& caseTables() {
-  static const CaseTables tables;
-  return tables;
-}
+// Built by the compiler, so that the hot case-blind searches pay no start-up check.
+constexpr CaseTables kCaseTables;
+
+constexpr const CaseTables& caseTables() { return kCaseTables; }
 
 bool bytesEqualNoCase(char a, char b) {
   const auto& t = caseTables();

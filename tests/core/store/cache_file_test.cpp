@@ -15,6 +15,14 @@ std::string golden() { return files::LoadTextFile(fs::path(VONEL_TEST_DATA) / "s
 
 const FileExistsTest kEverythingExists = [](const fs::path&) { return true; };
 
+// The messages read, or nothing when the file's version is refused.
+std::optional<std::vector<CachedMessage>> read(std::string_view text, const fs::path& root,
+                                               const FileExistsTest& exists = kEverythingExists) {
+  std::vector<CachedMessage> messages;
+  if (!ReadCacheText(text, root, exists, [&](CachedMessage&& m) { messages.push_back(std::move(m)); })) return {};
+  return messages;
+}
+
 TEST(CacheTextTest, EscapingKeepsOnlyLettersDigitsAndFourMarks) {
   EXPECT_EQ(HtmlEncode("a.b,c:d?Z9"), "a.b,c:d?Z9");
   EXPECT_EQ(HtmlEncode("a b\n<&>%\xE9"), "a%20b%0A%3C%26%3E%25%E9");
@@ -46,7 +54,7 @@ TEST(CacheTextTest, ExtractionIgnoresCaseAndRunsToTheEndWithoutACloseTag) {
 TEST(CacheFileTest, AHandWrittenFileReadsWithItsPathsRebasedOntoThisStore) {
   const fs::path root = "/data/Messages";
   std::vector<fs::path> asked;
-  const auto messages = ReadCacheText(golden(), root, [&](const fs::path& file) {
+  const auto messages = read(golden(), root, [&](const fs::path& file) {
     asked.push_back(file);
     return true;
   });
@@ -72,7 +80,7 @@ TEST(CacheFileTest, AHandWrittenFileReadsWithItsPathsRebasedOntoThisStore) {
 }
 
 TEST(CacheFileTest, TheWriterLaysOutTheFileByteForByte) {
-  const auto messages = ReadCacheText(golden(), "/nowhere", kEverythingExists);
+  const auto messages = read(golden(), "/nowhere");
   ASSERT_TRUE(messages);
   std::string written(CacheFileHead());
   const text::DateTime dates[] = {{2026, 11, 23, 9, 30, 15}, {2026, 11, 20, 10, 15, 0}};
@@ -89,22 +97,22 @@ TEST(CacheFileTest, TheWriterLaysOutTheFileByteForByte) {
 
 TEST(CacheFileTest, TheReaderTakesTheSpellingsItAsksFor) {
   const std::string upper = text::upper(golden());
-  const auto messages = ReadCacheText(upper, "/data/Messages", kEverythingExists);
+  const auto messages = read(upper, "/data/Messages");
   ASSERT_TRUE(messages);
   ASSERT_EQ(messages->size(), 2u);
   EXPECT_EQ((*messages)[1].Tags, "WORK,URGENT");
 }
 
 TEST(CacheFileTest, OldVersionsAndBrokenFilesGiveWhatCanBeRead) {
-  EXPECT_FALSE(ReadCacheText(text::replaceAll(golden(), "<CACHEVER>3", "<CACHEVER>2"), "/r", kEverythingExists));
-  EXPECT_FALSE(ReadCacheText("", "/r", kEverythingExists));
+  EXPECT_FALSE(read(text::replaceAll(golden(), "<CACHEVER>3", "<CACHEVER>2"), "/r"));
+  EXPECT_FALSE(read("", "/r"));
   // Cut in the middle of the second message: only the first, whole one is read.
   const std::string cut = golden().substr(0, golden().find("<Bayes>"));
-  const auto messages = ReadCacheText(cut, "/r", kEverythingExists);
+  const auto messages = read(cut, "/r");
   ASSERT_TRUE(messages);
   EXPECT_EQ(messages->size(), 1u);
   // A listed file that is gone is left out.
-  const auto present = ReadCacheText(golden(), "/r", [](const fs::path& f) { return f.string().find("Work") == std::string::npos; });
+  const auto present = read(golden(), "/r", [](const fs::path& f) { return f.string().find("Work") == std::string::npos; });
   EXPECT_EQ(present->size(), 1u);
 }
 
