@@ -10,6 +10,7 @@
 #include <process.h>
 #else
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -87,6 +88,32 @@ std::string ReadFileStart(const fs::path& file, std::size_t limit) {
   }
   if (in.bad()) throw AppError(error_number::kDeviceIo, "Device I/O error: " + pathText(file));
   return bytes;
+}
+
+FileView::FileView(const fs::path& file) {
+#ifndef _WIN32
+  const int fd = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) throw AppError::fromErrno(errno, pathText(file));
+  struct stat facts {};
+  if (::fstat(fd, &facts) == 0 && S_ISREG(facts.st_mode) && facts.st_size > 0) {
+    void* mapped = ::mmap(nullptr, static_cast<std::size_t>(facts.st_size), PROT_READ, MAP_PRIVATE, fd, 0);
+    if (mapped != MAP_FAILED) {
+      mapped_ = mapped;
+      mappedSize_ = static_cast<std::size_t>(facts.st_size);
+      text_ = std::string_view(static_cast<const char*>(mapped), mappedSize_);
+    }
+  }
+  ::close(fd);
+  if (mapped_ != nullptr) return;
+#endif
+  copy_ = LoadTextFile(file);
+  text_ = copy_;
+}
+
+FileView::~FileView() {
+#ifndef _WIN32
+  if (mapped_ != nullptr) ::munmap(mapped_, mappedSize_);
+#endif
 }
 
 void WriteTextFile(const fs::path& file, std::string_view bytes) {

@@ -27,6 +27,24 @@ std::string LoadTextFile(const fs::path& file);
 // The first `limit` bytes of the file. Throws when it can't be read.
 std::string ReadFileStart(const fs::path& file, std::size_t limit);
 
+// A whole file to read through, mapped into memory where the system can, so
+// that a large file costs no copy. Throws when the file can't be read.
+class FileView {
+ public:
+  explicit FileView(const fs::path& file);
+  ~FileView();
+  FileView(const FileView&) = delete;
+  FileView& operator=(const FileView&) = delete;
+
+  std::string_view text() const { return text_; }
+
+ private:
+  std::string copy_;  // where mapping isn't possible
+  void* mapped_ = nullptr;
+  std::size_t mappedSize_ = 0;
+  std::string_view text_;
+};
+
 // Replaces the file with the bytes, through a temporary file and a rename.
 void WriteTextFile(const fs::path& file, std::string_view bytes);
 

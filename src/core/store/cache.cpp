@@ -46,7 +46,7 @@ class clsCache::Listing {
  private:
   std::vector<ListedFile> files_;
   std::vector<bool> known_;
-  std::unordered_map<std::string, std::size_t> index_;
+  std::unordered_map<std::string_view, std::size_t> index_;  // views of the keys in files_
 };
 
 clsCache::clsCache(AppContext& context, Progress& events) : context_(context), events_(events) {}
@@ -113,16 +113,25 @@ void clsCache::ReadCache() {
 
 void clsCache::readCache(const Listing* listing) {
   Messages.clear();
-  const std::string text = files::LoadTextFile(cacheFile());
   const auto exists = [&](const fs::path& file) {
-    if (listing != nullptr && file.parent_path() == path_) return listing->find(file.filename().string()) != nullptr;
+    // A file of this folder is looked up in its listing; only others cost a look at the disk.
+    const std::string_view whole = file.native();
+    const std::string_view folder = path_.native();
+    const bool here = whole.size() > folder.size() + 1 && whole.substr(0, folder.size()) == folder &&
+                      fs::path::preferred_separator == whole[folder.size()] &&
+                      whole.find(fs::path::preferred_separator, folder.size() + 1) == std::string_view::npos;
+    if (listing != nullptr && here) return listing->find(whole.substr(folder.size() + 1)) != nullptr;
     return files::FindAnyCase(file.parent_path(), file.filename().string()).has_value();
   };
   if (listing != nullptr) Messages.reserve(listing->size());
-  const bool current = ReadCacheText(text, context_.folders.MessageFolderPath, exists, [&](CachedMessage&& message) {
-    std::string key = MessageKey(message.Filename);  // before the message is moved away
-    Messages.add(std::move(key), std::move(message));
-  });
+  bool current = false;
+  {
+    const files::FileView cache(cacheFile());
+    current = ReadCacheText(cache.text(), context_.folders.MessageFolderPath, exists, [&](CachedMessage&& message) {
+      std::string key = MessageKey(message.Filename);  // before the message is moved away
+      Messages.add(std::move(key), std::move(message));
+    });
+  }
   if (!current) files::EraseFile(cacheFile());
 }
 

@@ -33,32 +33,94 @@ void appendFlag(std::string& out, std::string_view name, bool on) {
   if (on) appendElement(out, name, "-1");
 }
 
-CachedMessage readPiece(std::string_view piece, fs::path file) {
-  CachedMessage m;
-  std::string name = file.filename().string();
-  file.replace_filename(text::lower(name));
-  m.Filename = file.string();
-  m.Bayes = static_cast<float>(ExtractFloat(piece, "<BAYES>", "</BAYES>"));
-  m.ReceiveDate = ExtractString(piece, "<RECEIVEDATE>", "</RECEIVEDATE>");
-  m.SendDate = ExtractString(piece, "<SENDDATE>", "</SENDDATE>");
-  m.Size = static_cast<float>(ExtractFloat(piece, "<SIZE>", "</SIZE>"));
-  if (findNoCaseAt(piece, "<FILEDATE>", 0) != std::string_view::npos) {
-    if (const auto date = text::parseStoreDate(ExtractString(piece, "<FILEDATE>", "</FILEDATE>"))) m.FileDate = *date;
+// The elements a message piece may hold, as the reader asks for them.
+enum Field { kFilename, kBayes, kReceiveDate, kSendDate, kSize, kFiledate, kRead, kReplied, kHighPriority,
+             kHasAttachment, kFrom, kSubject, kTo, kMessageId, kTags, kFieldCount };
+constexpr std::string_view kFieldNames[kFieldCount] = {
+    "FILENAME", "BAYES", "RECEIVEDATE",   "SENDDATE", "SIZE",    "FILEDATE",  "READ", "REPLIED",
+    "HIGHPRIORITY", "HASATTACHMENT", "FROM", "SUBJECT", "TO", "MESSAGEID", "TAGS"};
+
+// The elements of one piece, found in a single pass over it. Where a value
+// stands plainly between its tags (as the writer puts every value, escaped
+// so that it holds no "<"), it is taken from there, which is exactly what
+// the tag extraction gives; any other shape goes through the extraction.
+class PieceFields {
+ public:
+  explicit PieceFields(std::string_view piece) : piece_(piece) {
+    for (std::size_t open = piece.find('<'); open != std::string_view::npos; open = piece.find('<', open + 1)) {
+      const std::size_t close = piece.find('>', open + 1);
+      if (close == std::string_view::npos) break;
+      const int field = fieldNamed(piece.substr(open + 1, close - open - 1));
+      if (field < 0 || state_[field] != State::Absent) continue;
+      const std::size_t valueStart = close + 1;
+      const std::size_t next = piece.find('<', valueStart);
+      const std::string_view rest = next == std::string_view::npos ? std::string_view() : piece.substr(next);
+      const std::string_view name = kFieldNames[field];
+      const bool closedAtOnce = rest.size() >= name.size() + 3 && rest.substr(0, 2) == "</" &&
+                                text::equalsNoCase(rest.substr(2, name.size()), name) && rest[name.size() + 2] == '>';
+      state_[field] = closedAtOnce ? State::Plain : State::Other;
+      if (closedAtOnce) value_[field] = piece.substr(valueStart, next - valueStart);
+    }
   }
-  m.Read = ExtractBool(piece, "<READ>", "</READ>");
-  m.Replied = ExtractBool(piece, "<REPLIED>", "</REPLIED>");
-  m.HighPriority = ExtractBool(piece, "<HIGHPRIORITY>", "</HIGHPRIORITY>");
-  m.HasAttachment = ExtractBool(piece, "<HASATTACHMENT>", "</HASATTACHMENT>");
-  m.From = ExtractString(piece, "<FROM>", "</FROM>");
-  m.Subject = ExtractString(piece, "<SUBJECT>", "</SUBJECT>");
-  m.To_Email = ExtractString(piece, "<TO>", "</TO>");
-  m.MessageID = ExtractString(piece, "<MESSAGEID>", "</MESSAGEID>");
-  m.Tags = ExtractString(piece, "<TAGS>", "</TAGS>");
+
+  bool present(Field field) const { return state_[field] != State::Absent; }
+  std::string text(Field field) const {
+    return state_[field] == State::Plain ? HtmlDecode(value_[field]) : HtmlDecode(extracted(field));
+  }
+  double number(Field field) const {
+    return state_[field] == State::Plain ? text::val(value_[field]) : text::val(extracted(field));
+  }
+  bool flag(Field field) const {
+    return state_[field] == State::Plain ? value_[field] == "-1" : extracted(field) == "-1";
+  }
+
+ private:
+  enum class State { Absent, Plain, Other };
+
+  static int fieldNamed(std::string_view name) {
+    for (int field = 0; field < kFieldCount; ++field) {
+      if (name.size() == kFieldNames[field].size() && text::equalsNoCase(name, kFieldNames[field])) return field;
+    }
+    return -1;
+  }
+
+  std::string extracted(Field field) const {
+    if (state_[field] == State::Absent) return {};
+    const std::string name(kFieldNames[field]);
+    return ExtractBetweenTags(piece_, "<" + name + ">", "</" + name + ">");
+  }
+
+  std::string_view piece_;
+  State state_[kFieldCount] = {};
+  std::string_view value_[kFieldCount];
+};
+
+CachedMessage readPiece(const PieceFields& fields, const fs::path& file) {
+  CachedMessage m;
+  m.Filename = message::PathInReadCase(file.string(), true);
+  m.Bayes = static_cast<float>(fields.number(kBayes));
+  m.ReceiveDate = fields.text(kReceiveDate);
+  m.SendDate = fields.text(kSendDate);
+  m.Size = static_cast<float>(fields.number(kSize));
+  if (fields.present(kFiledate)) {
+    if (const auto date = text::parseStoreDate(fields.text(kFiledate))) m.FileDate = *date;
+  }
+  m.Read = fields.flag(kRead);
+  m.Replied = fields.flag(kReplied);
+  m.HighPriority = fields.flag(kHighPriority);
+  m.HasAttachment = fields.flag(kHasAttachment);
+  m.From = fields.text(kFrom);
+  m.Subject = fields.text(kSubject);
+  m.To_Email = fields.text(kTo);
+  m.MessageID = fields.text(kMessageId);
+  m.Tags = fields.text(kTags);
   return m;
 }
 
-// The text between "<MESSAGES>" and "</MESSAGES>", as the tag extraction gives it.
-std::string messagesSection(std::string_view text) {
+// The text between "<MESSAGES>" and "</MESSAGES>", as the tag extraction
+// gives it. The extraction deletes the tags inside too; a file of the writer
+// has none, and then the section is a view of the file, not a copy of it.
+std::string_view messagesSection(std::string_view text, std::string& edited) {
   constexpr std::string_view kOpen = "<MESSAGES>";
   constexpr std::string_view kClose = "</MESSAGES>";
   const std::size_t start = findNoCaseAt(text, kOpen, 0);
@@ -66,10 +128,9 @@ std::string messagesSection(std::string_view text) {
   const std::size_t end = findNoCaseAt(text, kClose, start);
   const std::string_view inner =
       text.substr(start + kOpen.size(), end == std::string_view::npos ? std::string_view::npos : end - start - kOpen.size());
-  // The extraction deletes the tags inside too; a file of the writer has none,
-  // and then the section is taken as it stands, without two passes over it.
-  if (findNoCaseAt(inner, kOpen, 0) == std::string_view::npos) return std::string(inner);
-  return ExtractBetweenTags(text, kOpen, kClose);
+  if (findNoCaseAt(inner, kOpen, 0) == std::string_view::npos) return inner;
+  edited = ExtractBetweenTags(text, kOpen, kClose);
+  return edited;
 }
 
 }  // namespace
@@ -113,8 +174,8 @@ fs::path RebaseCachedPath(std::string_view listed, const fs::path& storeRoot) {
 bool ReadCacheText(std::string_view text, const fs::path& storeRoot, const FileExistsTest& exists,
                    const CachedMessageSink& add) {
   if (CacheFileVersion(text) < kCacheVersion) return false;
-  const std::string messages = messagesSection(text);
-  const std::string_view all(messages);
+  std::string edited;
+  const std::string_view all = messagesSection(text, edited);
   constexpr std::string_view kEnd = "</MESSAGE>";
   // A piece without its closing tag is a file cut short: what it lists is read
   // again from the message file rather than trusted half-told.
@@ -122,8 +183,9 @@ bool ReadCacheText(std::string_view text, const fs::path& storeRoot, const FileE
        start = end + kEnd.size(), end = findNoCaseAt(all, kEnd, start)) {
     const std::string_view piece = all.substr(start, end - start);
     if (findNoCaseAt(piece, "<MESSAGE>", 0) == std::string_view::npos) continue;
-    const fs::path file = RebaseCachedPath(ExtractString(piece, "<FILENAME>", "</FILENAME>"), storeRoot);
-    if (exists(file)) add(readPiece(piece, file));
+    const PieceFields fields(piece);
+    const fs::path file = RebaseCachedPath(fields.text(kFilename), storeRoot);
+    if (exists(file)) add(readPiece(fields, file));
   }
   return true;
 }

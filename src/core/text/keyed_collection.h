@@ -71,7 +71,7 @@ class KeyedCollection {
   // Removes every entry whose value passes the test, in one pass.
   template <typename Test>
   void removeIf(Test test) {
-    std::erase_if(entries_, [&](const Entry& entry) { return test(entry.value); });
+    if (std::erase_if(entries_, [&](const Entry& entry) { return test(entry.value); }) == 0) return;
     index_.clear();
     for (std::size_t at = 0; at < entries_.size(); ++at) index_.emplace(upper(entries_[at].key), at);
   }
