@@ -29,6 +29,17 @@ std::vector<std::string> listFolders(const fs::path& root) {
   return paths;
 }
 
+}  // namespace
+
+std::vector<std::string> ListStoreFolders(const fs::path& root) {
+  auto paths = listFolders(root);
+  // The same order the old neighbour-exchange sort gave: ascending by byte.
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+namespace {
+
 std::string folderNamesText(const std::vector<std::string>& paths) {
   std::string out;
   for (const std::string& path : paths) {
@@ -47,9 +58,7 @@ std::string folderNamesText(const std::vector<std::string>& paths) {
 
 void GenerateFolderIni(cSharedLogging& log, const DataFolders& folders) {
   guardedStep(log, "GenerateFolderIni", kModule, [&] {
-    auto paths = listFolders(folders.MessageFolderPath);
-    // The same order the old neighbour-exchange sort gave: ascending by byte.
-    std::sort(paths.begin(), paths.end());
+    const auto paths = ListStoreFolders(folders.MessageFolderPath);
     std::string list;
     for (const std::string& path : paths) list += path + "\r\n";
     files::WriteTextFile(folders.FolderNamesIni, folderNamesText(paths));

@@ -13,6 +13,10 @@
 
 namespace vonel::store {
 
+// Every folder below the root as a relative path in the lists' form, in
+// ascending byte order.
+std::vector<std::string> ListStoreFolders(const std::filesystem::path& root);
+
 // Lists every folder under the store root and writes both files.
 void GenerateFolderIni(cSharedLogging& log, const DataFolders& folders);
 

@@ -46,22 +46,22 @@ void changeUnreadCount(cSharedLogging& log, const fs::path& folder, long change,
 
 long dayNumber(const text::DateTime& moment) { return static_cast<long>(std::floor(moment.serial())); }
 
+}  // namespace
+
 // The tag holds a day count; a date text of an older writer is read too.
-long readTagDay(std::string text) {
-  text = text::replaceAll(text, "\r\n", "");
+long DayFromTagText(std::string_view tag) {
+  const std::string text = text::replaceAll(tag, "\r\n", "");
   if (text.find('\\') != std::string::npos) return 0;
-  if (const auto number = text::toNumber(text)) return static_cast<long>(std::floor(*number));
+  if (const auto number = text::toNumber(text)) return text::toWhole<long>(std::floor(*number));
   if (const auto moment = text::parseStoreDate(text::trim(text))) return dayNumber(*moment);
   return 0;
 }
 
-}  // namespace
+std::int16_t UnreadCountFromText(std::string_view text) { return text::toWhole<std::int16_t>(std::trunc(text::val(text))); }
 
-std::int16_t UnreadTagCount(const fs::path& folder) {
-  return text::toWhole<std::int16_t>(std::trunc(text::val(loadTag(folder, kUnreadTag))));
-}
+std::int16_t UnreadTagCount(const fs::path& folder) { return UnreadCountFromText(loadTag(folder, kUnreadTag)); }
 
-long LastMessageTagDay(const fs::path& folder) { return readTagDay(loadTag(folder, kLastMessageTag)); }
+long LastMessageTagDay(const fs::path& folder) { return DayFromTagText(loadTag(folder, kLastMessageTag)); }
 
 void AddToUnreadTag(cSharedLogging& log, const fs::path& folder, int count) {
   changeUnreadCount(log, folder, count == 0 ? 1 : count, "AddToUnreadTag");

@@ -14,6 +14,11 @@
 
 namespace vonel::store {
 
+// What the two tag files' texts hold: a count (0 without a number, held
+// within 16 bits) and a day number (0 when empty or unreadable).
+std::int16_t UnreadCountFromText(std::string_view text);
+long DayFromTagText(std::string_view text);
+
 // The number in "Unread.Tag"; 0 when it is missing or holds no number.
 std::int16_t UnreadTagCount(const std::filesystem::path& folder);
 // The day number in "LastMsg.Tag"; 0 when it is missing or empty.

@@ -57,8 +57,7 @@ std::string replaceWith(std::string_view s, std::string_view findText, std::stri
 std::size_t findNoCaseOffset(std::string_view haystack, std::string_view needle, std::size_t from) {
   if (needle.empty()) return from <= haystack.size() ? from : std::string_view::npos;
   if (needle.size() > haystack.size()) return std::string_view::npos;
-  const auto& up = caseTables().up;
-  auto fold = [&up](char c) { return up[static_cast<unsigned char>(c)]; };
+  auto fold = [](char c) { return kCaseTables.up[static_cast<unsigned char>(c)]; };
   const char first = fold(needle[0]);
   // A first byte with no other case (a mark, a digit) can be jumped to with memchr.
   const bool caseless = caseTables().down[static_cast<unsigned char>(first)] == first;

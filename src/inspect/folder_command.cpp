@@ -1,0 +1,78 @@
+// vonel-inspect folder DIR [--root ROOT]
+//   Fills the cache of a store folder as the mail window does on opening it,
+//   writes "cache.xml", prints one line per message (file name, read state,
+//   size in KB, From, Subject) and how many message files it had to open.
+//   ROOT (default: the folder above DIR) is the store root cached paths are
+//   rebased onto.
+// vonel-inspect folder --list-folders ROOT
+//   Prints the store's folder tree with the unread counts of the tag files.
+#include <ostream>
+
+#include "core/services/app_context.h"
+#include "core/services/file_subs.h"
+#include "core/services/progress.h"
+#include "core/store/cache.h"
+#include "core/store/folder_lists.h"
+#include "core/store/tag_files.h"
+#include "core/text/cp1252.h"
+#include "core/text/numbers.h"
+#include "core/text/strings.h"
+#include "inspect/command.h"
+
+namespace vonel::inspect {
+namespace {
+
+namespace fs = std::filesystem;
+
+int listFolders(const fs::path& root, std::ostream& out, std::ostream& err) {
+  if (!files::FolderExists(root)) {
+    err << "no such folder: " << root.string() << "\n";
+    return 2;
+  }
+  for (const std::string& relative : store::ListStoreFolders(root)) {
+    const auto pieces = text::split(relative, "\\");
+    const int unread = store::UnreadTagCount(store::StoreFolder(root, relative));
+    out << std::string(2 * (pieces.size() - 2), ' ') << text::cp1252ToUtf8(pieces[pieces.size() - 2]);
+    if (unread > 0) out << " (" << unread << ")";
+    out << "\n";
+  }
+  return 0;
+}
+
+int showFolder(const fs::path& folder, const fs::path& root, std::ostream& out, std::ostream& err) {
+  if (!files::FolderExists(folder)) {
+    err << "no such folder: " << folder.string() << "\n";
+    return 2;
+  }
+  SystemClock clock;
+  ScriptedPrompt prompt;
+  AppContext context(clock, prompt, AppInfo{"Vonel", "inspect", "", folder, folder});
+  context.log.NOLOGGING = true;
+  context.folders.MessageFolderPath = root;
+  SilentProgress quiet;
+  store::clsCache cache(context, quiet);
+  cache.FillCache(quiet, folder, folder.filename().string());
+  for (const auto& entry : cache.Messages) {
+    const store::CachedMessage& m = entry.value;
+    out << text::cp1252ToUtf8(fs::path(m.PathInReadCase()).filename().string()) << "\t"
+        << (m.Read ? "read" : "unread") << "\t" << text::plainText(m.Size) << "\t" << text::cp1252ToUtf8(m.From)
+        << "\t" << text::cp1252ToUtf8(m.Subject) << "\n";
+  }
+  out << cache.Count() << " messages, " << cache.HeadersRead() << " message files opened\n";
+  cache.Clear(false);
+  return 0;
+}
+
+int run(const Arguments& args, std::ostream& out, std::ostream& err) {
+  if (args.size() == 2 && args[0] == "--list-folders") return listFolders(args[1], out, err);
+  if (args.size() == 1) return showFolder(args[0], fs::path(args[0]).parent_path(), out, err);
+  if (args.size() == 3 && args[1] == "--root") return showFolder(args[0], args[2], out, err);
+  err << "usage: vonel-inspect folder DIR [--root ROOT] | folder --list-folders ROOT\n";
+  return 2;
+}
+
+const bool registered = registerCommand(
+    {"folder", "folder DIR [--root ROOT] | folder --list-folders ROOT: a store folder as its cache lists it", run});
+
+}  // namespace
+}  // namespace vonel::inspect
