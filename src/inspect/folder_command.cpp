@@ -72,7 +72,7 @@ int run(const Arguments& args, std::ostream& out, std::ostream& err) {
 }
 
 const bool registered = registerCommand(
-    {"folder", "folder DIR [--root ROOT] | folder --list-folders ROOT: a store folder as its cache lists it", run});
+    {"folder", "DIR [--root ROOT] | --list-folders ROOT", run});
 
 }  // namespace
 }  // namespace vonel::inspect
