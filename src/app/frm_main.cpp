@@ -16,7 +16,7 @@ constexpr int kShutdownWaitMs = 3000;
 }  // namespace
 
 frmMain::frmMain(AppContext& context, MainWindowPort& windows, PasswordPrompt& passwords)
-    : ctx_(context), windows_(windows), passwords_(passwords) {
+    : ctx_(context), windows_(windows), passwords_(passwords), serverFilters_(context), localFilters_(context) {
   TimerAutoScan.setInterval(1000);
   TimerDelayedStart.setInterval(1500);
   TimerDelayedStart.setSingleShot(true);
@@ -87,7 +87,11 @@ StartupResult frmMain::Startup() {
     bayesForm_->LoadWordHash();
     action("Loading filters form");
     action("Loading server filters");
+    serverFilters_.setScorer(bayesForm_.get());
+    serverFilters_.ReloadFilters(false);
     action("Loading local filters");
+    localFilters_.setScorer(bayesForm_.get());
+    localFilters_.ReloadFilters(true);
 
     stage("Applying Settings");
     action("Applying settings");

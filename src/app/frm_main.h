@@ -10,6 +10,7 @@
 #include "app/pop3/pop3_connection.h"
 #include "core/bayes/bayes_filter.h"
 #include "core/message/messages.h"
+#include "core/rules/frm_filters.h"
 #include "core/services/app_context.h"
 
 namespace vonel {
@@ -88,9 +89,8 @@ class frmMain : public QObject, private pop3::GetMailEvents {
   AppContext& ctx_;
   MainWindowPort& windows_;
   PasswordPrompt& passwords_;
-  // Until rule files exist every message passes both checks.
-  rules::PassEverything serverFilters_;
-  rules::PassEverything localFilters_;
+  rules::frmFilters serverFilters_;
+  rules::frmFilters localFilters_;
   std::unique_ptr<Pop3Connection> getMail_;
   std::unique_ptr<bayes::frmBayesFilter> bayesForm_;
 };

@@ -9,11 +9,12 @@
 #include "core/bayes/contact_lookup.h"
 #include "core/bayes/hash_table.h"
 #include "core/message/message.h"
+#include "core/rules/spam_scorer.h"
 #include "core/services/app_context.h"
 
 namespace vonel::bayes {
 
-class frmBayesFilter {
+class frmBayesFilter final : public rules::SpamScorer {
  public:
   static constexpr float kBlacklistScore = 0.99f;
   static constexpr float kHighest = 0.99f;
@@ -31,7 +32,7 @@ class frmBayesFilter {
   // From 0.01 to 0.99 into `score`; the message gets FilterReason (blacklist)
   // or SpamSplit (the token breakdown). A failure is logged and leaves
   // `score` as it stood.
-  void Spamminess(message::clsMessage& message, bool headersOnly, float& score);
+  void Spamminess(message::clsMessage& message, bool headersOnly, float& score) override;
 
   void LoadWordHash();
   // The word table is read again at the next score, on top of what it holds.

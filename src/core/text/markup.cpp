@@ -152,4 +152,31 @@ void HTMLConstToChar(std::string& text) {
   resolveDecimalReferences(text);
 }
 
+std::string CleanWord(std::string_view text) {
+  std::string kept;
+  kept.reserve(text.size());
+  for (const char c : text) {
+    if (c != '.' && c != ':' && c != '^' && c != '\'' && c != ',') kept += c;
+  }
+  std::string out;
+  out.reserve(kept.size());
+  for (std::size_t i = 0; i < kept.size(); ++i) {
+    switch (const char c = kept[i]) {
+      case '@': out += 'a'; break;
+      case '1': out += 'i'; break;
+      case '0': out += 'o'; break;
+      case '_': out += ' '; break;
+      case '(':
+        if (i + 1 < kept.size() && kept[i + 1] == ')') {
+          out += 'o';
+          ++i;
+        }
+        break;
+      case ')': case '-': case '~': case '{': case '}': break;
+      default: out += c;
+    }
+  }
+  return out;
+}
+
 }  // namespace vonel::text

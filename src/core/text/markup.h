@@ -29,4 +29,8 @@ void StripHtml(std::string& text);
 // reference below 255 as its byte (others, hexadecimal ones included, are deleted).
 void HTMLConstToChar(std::string& text);
 
+// Undoes the usual disguises of spam subjects ("V1.AGRA", "fr_ee"): drops
+// . : ^ ' , then reads @ 1 () 0 _ as a i o o and a blank, then drops - ~ ( ) { }.
+std::string CleanWord(std::string_view text);
+
 }  // namespace vonel::text

@@ -131,5 +131,12 @@ TEST(UnderlineLinks, AMarkerInsideAnEarlierLinkStopsThatMarkersScan) {
   EXPECT_EQ(links(std::string(100000, '@')), std::vector<std::string>{});
 }
 
+TEST(CleanWord, UndoesTheDisguisesInTheirOrder) {
+  EXPECT_EQ(CleanWord("V1.AGRA"), "ViAGRA");
+  EXPECT_EQ(CleanWord("fr__ee: c()()l 0ff3r"), "fr  ee cool off3r");
+  EXPECT_EQ(CleanWord("(.)-{~}"), "o");  // the dropped point joins the brackets first
+  EXPECT_EQ(CleanWord("m@il's, ((x)"), "mails x");
+}
+
 }  // namespace
 }  // namespace vonel::text

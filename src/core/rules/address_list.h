@@ -1,0 +1,46 @@
+#pragma once
+// One of the plain address lists the check consults (blocked senders,
+// ignored recipients, ...): a file of one entry a line, held in memory with
+// the entry as its own case-blind key, and read again only when the file's
+// time has changed since the last read.
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/log/logging.h"
+#include "core/text/keyed_collection.h"
+
+namespace vonel::rules {
+
+// The part of an address after the first "@" of its e-mail address,
+// trimmed; an address with no "@" is taken whole, as given.
+std::string DomainOf(std::string_view address);
+
+class AddressList {
+ public:
+  AddressList(std::filesystem::path file, cSharedLogging& log) : file_(std::move(file)), log_(log) {}
+
+  // Reads the file again when its time differs from the last read.
+  void Refresh();
+  // Never touches the disk.
+  bool Contains(std::string_view entry) const { return entries_.contains(entry); }
+  // Each brings the list up to date first and writes the file after.
+  void Add(std::string entry);
+  void Remove(std::string_view entry);
+
+  std::size_t size() const { return entries_.size(); }
+  const std::filesystem::path& file() const { return file_; }
+
+ private:
+  void load();
+  void save();
+
+  std::filesystem::path file_;
+  cSharedLogging& log_;
+  text::KeyedCollection<bool> entries_;
+  std::optional<std::filesystem::file_time_type> stamp_;
+  bool stamped_ = false;  // a missing file has no time, which is itself a stamp
+};
+
+}  // namespace vonel::rules

@@ -1,0 +1,76 @@
+#pragma once
+// One rule of a rule set: up to four conditions on message fields, one
+// action with its argument, and whether later rules are still looked at.
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace vonel::rules {
+
+// The action codes as stored; older files hold "0" to "4" instead of the first five.
+namespace action {
+inline constexpr std::string_view kDelete = "100";
+inline constexpr std::string_view kSuspicious = "200";
+inline constexpr std::string_view kMoveToFolder = "300";
+inline constexpr std::string_view kAllow = "400";
+inline constexpr std::string_view kSaveAttachments = "500";
+inline constexpr std::string_view kRunFile = "600";
+inline constexpr std::string_view kTag = "700";
+}  // namespace action
+
+// The old single-digit code as its current one; any other text unchanged.
+std::string CurrentActionCode(std::string_view code);
+
+// The field names a condition can read, as stored and shown.
+namespace field {
+inline constexpr std::string_view kTo = "To:";
+inline constexpr std::string_view kCC = "CC:";
+inline constexpr std::string_view kBCC = "BCC:";
+inline constexpr std::string_view kSubject = "Subject:";
+inline constexpr std::string_view kFrom = "From:";
+inline constexpr std::string_view kReturnPath = "Return-Path:";
+inline constexpr std::string_view kSpamTestsFailed = "X-Spam-Tests-Failed:";
+inline constexpr std::string_view kEnvelopeTo = "X-Envelope-To:";
+inline constexpr std::string_view kAllHeaders = "All Headers";
+inline constexpr std::string_view kAttachmentNames = "Attachment Filenames";
+inline constexpr std::string_view kBody = "Message Body";
+}  // namespace field
+
+inline constexpr std::string_view kContains = "cnt";
+inline constexpr std::string_view kDoesNotContain = "!cnt";
+
+class clsFilterNew {
+ public:
+  static constexpr int kMaxConditions = 4;
+
+  std::string FilterName;
+  std::int16_t Category = 0;  // 0 shared, 1 private
+  bool StopProcessing = false;
+  std::int16_t RuleCount = 0;
+  std::string Action;
+  std::string DestFolder;
+
+  // Conditions are numbered 1 to 4. Reading any of them, or setting a
+  // comparison or text, outside that range throws; setting a field there is
+  // ignored, as it always was.
+  const std::string& Fields(int n) const { return at(fields_, n); }
+  const std::string& Comparisons(int n) const { return at(comparisons_, n); }
+  const std::string& Strings(int n) const { return at(strings_, n); }
+  void setFields(int n, std::string value);
+  void setComparisons(int n, std::string value) { at(comparisons_, n) = std::move(value); }
+  void setStrings(int n, std::string value) { at(strings_, n) = std::move(value); }
+
+  bool operator==(const clsFilterNew&) const = default;
+
+ private:
+  using Column = std::array<std::string, kMaxConditions>;
+  static std::string& at(Column& column, int n);
+  static const std::string& at(const Column& column, int n) { return at(const_cast<Column&>(column), n); }
+
+  Column fields_;
+  Column comparisons_;
+  Column strings_;
+};
+
+}  // namespace vonel::rules

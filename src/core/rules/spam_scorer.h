@@ -1,0 +1,14 @@
+#pragma once
+// What the check asks of the Bayes filter: the spam score of a message.
+#include "core/message/message.h"
+
+namespace vonel::rules {
+
+class SpamScorer {
+ public:
+  virtual ~SpamScorer() = default;
+  // From 0.01 to 0.99 into `score`; a failure leaves `score` as it stood.
+  virtual void Spamminess(message::clsMessage& message, bool headersOnly, float& score) = 0;
+};
+
+}  // namespace vonel::rules

@@ -1,0 +1,163 @@
+#include "core/rules/rule_file.h"
+
+#include <gtest/gtest.h>
+
+#include "core/services/file_subs.h"
+#include "../test_home.h"
+
+namespace vonel::rules {
+namespace {
+
+constexpr std::string_view kTwoRules =
+    "Filtername, Cheap pills\r\n"
+    "FilterField, Subject:\r\n"
+    "FilterComparison, cnt\r\n"
+    "FilterString, viagra\r\n"
+    "FilterField, From:\r\n"
+    "FilterComparison, !cnt\r\n"
+    "FilterString, friend@example.com\r\n"
+    "FilterAction, 100\r\n"
+    "FilterDest, \r\n"
+    "FilterStop, -1\r\n"
+    "Filter_Category,  0 \r\n"
+    "Filtername, Lists\r\n"
+    "FilterField, To:\r\n"
+    "FilterComparison, cnt\r\n"
+    "FilterString, list@\r\n"
+    "FilterAction, 300\r\n"
+    "FilterDest, \\Lists\r\n"
+    "FilterStop, 0\r\n"
+    "Filter_Category,  1 \r\n";
+
+class RuleFileTest : public ::testing::Test {
+ protected:
+  RuleSet read(std::string_view text, bool clear = true) {
+    RuleSet rules;
+    ReadRules(text, rules, clear, home.log);
+    return rules;
+  }
+  std::string logText() {
+    home.log.WriteActionsToLog();
+    return files::FileExists(home.log.CurrentLogFilename()) ? files::LoadTextFile(home.log.CurrentLogFilename()) : "";
+  }
+  testing::TestHome home;
+};
+
+TEST_F(RuleFileTest, WrittenTextReadsBackAndIsWrittenAgainByteForByte) {
+  const RuleSet rules = read(kTwoRules);
+  ASSERT_EQ(rules.size(), 2u);
+  const clsFilterNew& first = rules[0];
+  EXPECT_EQ(first.FilterName, "Cheap pills");
+  EXPECT_EQ(first.RuleCount, 2);
+  EXPECT_EQ(first.Fields(2), "From:");
+  EXPECT_EQ(first.Comparisons(2), "!cnt");
+  EXPECT_EQ(first.Strings(1), "viagra");
+  EXPECT_TRUE(first.StopProcessing);
+  EXPECT_EQ(first.DestFolder, "");
+  EXPECT_EQ(rules[1].Category, 1);
+  EXPECT_EQ(rules[1].DestFolder, "\\Lists");
+  EXPECT_EQ(RuleFileText(rules, false), kTwoRules);
+
+  const std::string sharedOnly = RuleFileText(rules, true);
+  EXPECT_EQ(sharedOnly.find("Lists"), std::string::npos);
+  EXPECT_EQ(read(sharedOnly).size(), 1u);
+}
+
+TEST_F(RuleFileTest, OddLinesReadAsTheyAlwaysHave) {
+  // A name alone: one rule, no conditions, no action.
+  RuleSet rules = read("Filtername, a");
+  ASSERT_EQ(rules.size(), 1u);
+  EXPECT_EQ(rules[0].RuleCount, 0);
+  EXPECT_EQ(rules[0].Action, "");
+
+  // Old action codes are rewritten; a value is cut at its second ", ";
+  // comparison and text may come in either order; keys ignore case.
+  rules = read("FILTERNAME, b\nfilterfield, Subject:\nFilterString, a, b\nFilterComparison, cnt\n"
+               "FilterAction,  2 \nFilterStop, True\nSomething, else\n");
+  ASSERT_EQ(rules.size(), 1u);
+  EXPECT_EQ(rules[0].Action, "300");
+  EXPECT_EQ(rules[0].Strings(1), "a");
+  EXPECT_EQ(rules[0].Comparisons(1), "cnt");
+  EXPECT_TRUE(rules[0].StopProcessing);
+  EXPECT_NE(RuleFileText(rules, false).find("FilterAction, 300\r\n"), std::string::npos);
+
+  for (const auto& [old, current] : {std::pair{"0", "100"}, {"1", "200"}, {"3", "400"}, {"4", "500"}, {"600", "600"}}) {
+    EXPECT_EQ(read(std::string("Filtername, x\nFilterAction, ") + old)[0].Action, current);
+  }
+}
+
+TEST_F(RuleFileTest, AFifthConditionEndsTheReadKeepingEarlierRules) {
+  std::string text = "Filtername, kept\r\nFilterAction, 100\r\nFiltername, five\r\n";
+  for (int i = 0; i < 5; ++i) text += "FilterField, Subject:\r\nFilterComparison, cnt\r\nFilterString, x\r\n";
+  text += "Filtername, after\r\n";
+  const RuleSet rules = read(text);
+  ASSERT_EQ(rules.size(), 1u);
+  EXPECT_EQ(rules[0].FilterName, "kept");
+  EXPECT_NE(logText().find("LoadFilters"), std::string::npos);
+
+  // A fifth field alone is dropped, though it is counted.
+  const RuleSet counted = read("Filtername, f\nFilterField, a\nFilterField, b\nFilterField, c\nFilterField, d\nFilterField, e\n");
+  ASSERT_EQ(counted.size(), 1u);
+  EXPECT_EQ(counted[0].RuleCount, 5);
+  EXPECT_EQ(counted[0].Fields(4), "d");
+  EXPECT_THROW(counted[0].Fields(5), AppError);
+}
+
+TEST_F(RuleFileTest, BadStopFlagSkipsOnlyThatRule) {
+  const RuleSet rules = read("Filtername, a\nFilterStop, maybe\nFiltername, b\nFilterStop, 0\n");
+  ASSERT_EQ(rules.size(), 1u);
+  EXPECT_EQ(rules[0].FilterName, "b");
+  EXPECT_NE(logText().find("Rule \"a\" skipped"), std::string::npos);
+}
+
+TEST_F(RuleFileTest, AddingLoadDropsRepeatedNamesButNotInTheLastRule) {
+  RuleSet rules = read("Filtername, one\nFilterAction, 100\n");
+  ReadRules("Filtername, one\nFilterAction, 200\nFiltername, two\nFiltername, two\nFilterAction, 400\n", rules,
+            false, home.log);
+  ASSERT_EQ(rules.size(), 3u);
+  EXPECT_EQ(rules[0].Action, "100");
+  EXPECT_EQ(rules[1].FilterName, "two");
+  EXPECT_EQ(rules[2].FilterName, "two");
+  EXPECT_EQ(rules[2].Action, "400");
+}
+
+TEST_F(RuleFileTest, MergeKeepsExistingRulesAndEmptiesTheSource) {
+  RuleSet destination = read("Filtername, abc\nFilterAction, 100\n");
+  RuleSet source = read("Filtername,  ABC \nFilterAction, 400\nFiltername, new\nFiltername, NEW\n");
+  MergeFilters(source, destination);
+  EXPECT_TRUE(source.empty());
+  ASSERT_EQ(destination.size(), 2u);
+  EXPECT_EQ(destination[0].Action, "100");
+  EXPECT_EQ(destination[1].FilterName, "new");
+}
+
+TEST_F(RuleFileTest, SaveReplacesTheFileWholeAndAFailedSaveKeepsIt) {
+  const auto file = home.dir.path() / "Rules.txt";
+  const RuleSet rules = read(kTwoRules);
+  ASSERT_TRUE(SaveFilters(file, rules, false, home.log));
+  EXPECT_EQ(files::LoadTextFile(file), kTwoRules);
+
+  RuleSet loaded = read("Filtername, stale\n");
+  LoadFilters(loaded, file, true, home.log);
+  EXPECT_EQ(loaded, rules);
+
+  EXPECT_FALSE(SaveFilters(home.dir.path() / "missing" / "Rules.txt", rules, false, home.log));
+  EXPECT_EQ(files::LoadTextFile(file), kTwoRules);
+}
+
+TEST_F(RuleFileTest, JunkAndHugeFilesNeverStopTheProgram) {
+  std::string junk;
+  for (int i = 0; i < 256; ++i) junk += static_cast<char>(i);
+  junk += "\nFilterField, before any rule\n";
+  EXPECT_TRUE(read(junk).empty());
+  EXPECT_NE(logText().find("before the first Filtername"), std::string::npos);
+
+  std::string big;
+  for (int i = 0; i < 20000; ++i) big += "Filtername, r" + std::to_string(i % 10000) + "\nFilterAction, 100\n";
+  RuleSet rules = read("Filtername, r0\n");
+  ReadRules(big, rules, false, home.log);
+  EXPECT_EQ(rules.size(), 10001u);  // the repeats are dropped, the last rule kept
+}
+
+}  // namespace
+}  // namespace vonel::rules
