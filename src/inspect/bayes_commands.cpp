@@ -13,6 +13,7 @@
 #include "core/services/file_subs.h"
 #include "core/text/numbers.h"
 #include "inspect/command.h"
+#include "inspect/inspect_home.h"
 
 namespace vonel::inspect {
 namespace {
@@ -59,14 +60,8 @@ int runScore(const Arguments& args, std::ostream& out, std::ostream& err) {
     err << "usage: vonel-inspect score --home DIR FILE...\n";
     return 2;
   }
-  SystemClock clock;
-  ScriptedPrompt prompt;
-  AppContext context(clock, prompt, AppInfo{"Vonel", "", "", {}, files::PathFromText(args[1])});
-  context.log.NOLOGGING = true;
-  context.PathSettings.LoadSettings(context.pathsFile());
-  context.Settings.LoadSettings(context.settingsFile());
-  context.folders.ReadDataFolder();
-  context.ReadBayesSettings();
+  InspectHome home(files::PathFromText(args[1]));
+  AppContext& context = home.context;
   bayes::frmBayesFilter filter(context);
 
   int status = 0;

@@ -31,7 +31,7 @@ settings secret
 output=$("$vonel" --home "$home" --scan </dev/null)
 [ "$(grep -c $'\t' <<<"$output")" -eq 50 ] || fail "expected 50 rows, got: $output"
 first=$(head -1 <<<"$output")
-[ "$first" = $'1\tLoopback\tPASS\t0\tSender 1 <s1@example.org>\tMessage number 1' ] || fail "first row: $first"
+[ "$first" = $'1\tLoopback\tPASS\t0.01\tSender 1 <s1@example.org>\tMessage number 1' ] || fail "first row: $first"
 grep -q $'^50\tLoopback\tPASS\t' <<<"$output" || fail "row 50 missing"
 [ "$(tail -1 <<<"$output")" = "Process complete" ] || fail "final status: $(tail -1 <<<"$output")"
 

@@ -1,5 +1,6 @@
 #pragma once
 // The verdict word of a judged message, derived from its flags and never stored.
+#include <cstdint>
 #include <string>
 
 #include "core/message/message.h"
@@ -8,5 +9,8 @@ namespace vonel::rules {
 
 // "BLOCK" or "FAIL" for a deleted message, then "IGNORE", "SPAM?", "PASS".
 std::string StatusWord(const message::clsMessage& message);
+
+// "green", "red", "grey", "orange" or "purple"; another value as its number.
+std::string ColourName(std::int32_t colour);
 
 }  // namespace vonel::rules
