@@ -1,14 +1,20 @@
 // vonel-inspect message FILE [--headers-only] [--now "YYYY-MM-DD HH:MM:SS"] [--bias MINUTES]
+// vonel-inspect message FILE --parts [--save DIR]
 // Prints what the program reads from a message file. --now and --bias fix
 // the receive-date stamp and the local zone, so that output can be compared.
+// --parts lists the MIME parts instead, one tab-separated line each (number,
+// type, name, encoding still to undo, size in bytes once decoded), and
+// --save writes every attachment into DIR.
 #include <optional>
 #include <ostream>
 
 #include "core/log/app_error.h"
+#include "core/message/attachment_files.h"
 #include "core/message/message.h"
 #include "core/message/message_report.h"
 #include "core/message/send_date.h"
 #include "core/services/file_subs.h"
+#include "core/text/cp1252.h"
 #include "core/text/numbers.h"
 #include "inspect/command.h"
 
@@ -20,6 +26,8 @@ struct MessageOptions {
   bool headersOnly = false;
   std::optional<text::DateTime> now;
   int bias = message::StandardZoneBias();
+  bool parts = false;
+  std::optional<std::string> saveFolder;
 };
 
 std::optional<MessageOptions> readOptions(const Arguments& args, std::ostream& err) {
@@ -29,6 +37,10 @@ std::optional<MessageOptions> readOptions(const Arguments& args, std::ostream& e
     const bool hasValue = i + 1 < args.size();
     if (arg == "--headers-only") {
       options.headersOnly = true;
+    } else if (arg == "--parts") {
+      options.parts = true;
+    } else if (arg == "--save" && hasValue) {
+      options.saveFolder = args[++i];
     } else if (arg == "--now" && hasValue) {
       options.now = text::parseStoreDate(args[++i]);
       if (!options.now) {
@@ -53,7 +65,44 @@ std::optional<MessageOptions> readOptions(const Arguments& args, std::ostream& e
     err << "which message file?\n";
     return std::nullopt;
   }
+  if (options.saveFolder && !options.parts) {
+    err << "--save goes with --parts\n";
+    return std::nullopt;
+  }
+  if (options.parts && options.headersOnly) {
+    err << "--parts needs the whole message, not --headers-only\n";
+    return std::nullopt;
+  }
   return options;
+}
+
+int listParts(const message::clsMessage& parsed, const std::optional<std::string>& saveFolder, std::ostream& out,
+              std::ostream& err) {
+  for (std::size_t i = 1; i <= parsed.MimePartCount(); ++i) {
+    const message::clsMimeType& part = parsed.MimePart(i);
+    out << i << '\t' << text::cp1252ToUtf8(part.ContentType) << '\t' << text::cp1252ToUtf8(part.Filename) << '\t'
+        << part.Encoding << '\t' << message::DecodedPartBytes(part.Data, part.Encoding).size() << '\n';
+  }
+  if (!saveFolder) return 0;
+  const auto folder = files::PathFromText(*saveFolder);
+  if (!files::MkMissingDir(folder)) {
+    err << *saveFolder << ": can't make the folder\n";
+    return 1;
+  }
+  int status = 0;
+  for (std::size_t i = 1; i <= parsed.MimePartCount(); ++i) {
+    const message::clsMimeType& part = parsed.MimePart(i);
+    if (part.Filename.empty()) continue;
+    const auto file = message::AttachmentPath(folder, part.Filename);
+    try {
+      message::WriteFile(file, part.Data, part.Encoding);
+      out << "saved\t" << file.string() << '\n';
+    } catch (const AppError& error) {
+      err << file.string() << ": " << error.description() << '\n';
+      status = 1;
+    }
+  }
+  return status;
 }
 
 int runMessage(const Arguments& args, std::ostream& out, std::ostream& err) {
@@ -72,12 +121,14 @@ int runMessage(const Arguments& args, std::ostream& out, std::ostream& err) {
   const Clock& clock = fixedClock ? static_cast<const Clock&>(*fixedClock) : systemClock;
   message::clsMessage parsed(nullptr, &clock);
   parsed.CreateFromText(std::move(text), options->headersOnly);
+  if (options->parts) return listParts(parsed, options->saveFolder, out, err);
   out << message::DescribeMessage(parsed, options->bias);
   return 0;
 }
 
 const bool registered = registerCommand(
-    {"message", "FILE [--headers-only] [--now \"YYYY-MM-DD HH:MM:SS\"] [--bias MINUTES]", runMessage});
+    {"message", "FILE [--headers-only] [--now \"YYYY-MM-DD HH:MM:SS\"] [--bias MINUTES] | FILE --parts [--save DIR]",
+     runMessage});
 
 }  // namespace
 }  // namespace vonel::inspect

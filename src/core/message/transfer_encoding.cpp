@@ -34,21 +34,26 @@ bool isCleanlySoftWrapped(std::string_view text) {
   return text::find(text, "=\r\n") == 76 && text::find(text, "=\r\n", 77) == 154;
 }
 
+// The byte written as two hex digits after the "=" at `at`, or -1.
+int hexPairAfter(std::string_view text, std::size_t at) {
+  if (at + 2 >= text.size()) return -1;
+  const int high = hexValue(text::upperByte(text[at + 1]));
+  const int low = hexValue(text::upperByte(text[at + 2]));
+  return high >= 0 && low >= 0 ? high * 16 + low : -1;
+}
+
 // Hex pairs after "=" become their bytes; any other "=" stays.
 std::string decodeHexPairs(std::string_view text) {
   std::string out;
   out.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '=' && i + 2 < text.size()) {
-      const int high = hexValue(text::upperByte(text[i + 1]));
-      const int low = hexValue(text::upperByte(text[i + 2]));
-      if (high >= 0 && low >= 0) {
-        out += static_cast<char>(high * 16 + low);
-        i += 2;
-        continue;
-      }
+    const int byte = text[i] == '=' ? hexPairAfter(text, i) : -1;
+    if (byte >= 0) {
+      out += static_cast<char>(byte);
+      i += 2;
+    } else {
+      out += text[i];
     }
-    out += text[i];
   }
   return out;
 }
@@ -92,12 +97,9 @@ std::string QuotedPrintableDecode(std::string_view input) {
   return text;
 }
 
-std::string DecodeMime64(std::string_view input) {
-  std::string text = text::replaceAll(input, "\r\n", "");
-  if (text.empty()) return {};
-  const auto bufferSize = text::toWhole<long long>(3.0 * (static_cast<double>(text.size()) / 4.0) + 2.0);
-  std::string out;
-  out.reserve(static_cast<std::size_t>(bufferSize));
+std::string DecodeBase64Bytes(std::string_view text) {
+  std::string out(text.size() / 4 * 3 + 3, '\0');
+  char* written = out.data();
   const auto& values = base64Values();
   unsigned bits = 0;
   int bitCount = 0;
@@ -109,10 +111,49 @@ std::string DecodeMime64(std::string_view input) {
     bitCount += 6;
     if (bitCount >= 8) {
       bitCount -= 8;
-      out += static_cast<char>((bits >> bitCount) & 0xFF);
+      *written++ = static_cast<char>((bits >> bitCount) & 0xFF);
     }
   }
-  if (static_cast<long long>(out.size()) < bufferSize) out.resize(static_cast<std::size_t>(bufferSize), ' ');
+  out.resize(static_cast<std::size_t>(written - out.data()));
+  return out;
+}
+
+std::string DecodeMime64(std::string_view text) {
+  // The fill is measured without line ends; the decoder skips them anyway.
+  std::size_t lineEnds = 0;
+  for (std::size_t at = text.find("\r\n"); at != std::string_view::npos; at = text.find("\r\n", at + 2)) ++lineEnds;
+  const std::size_t length = text.size() - 2 * lineEnds;
+  if (length == 0) return {};
+  const auto bufferSize = text::toWhole<std::size_t>(3.0 * (static_cast<double>(length) / 4.0) + 2.0);
+  std::string out = DecodeBase64Bytes(text);
+  if (out.size() < bufferSize) out.resize(bufferSize, ' ');
+  return out;
+}
+
+std::string DecodeQuotedPrintableBytes(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '=') {
+      out += text[i];
+      continue;
+    }
+    // A soft line break: "=", blanks or tabs an encoder may have left, and the line end.
+    std::size_t next = text.find_first_not_of(" \t", i + 1);
+    if (next == std::string_view::npos) break;
+    if (text[next] == '\r' || text[next] == '\n') {
+      if (text[next] == '\r' && next + 1 < text.size() && text[next + 1] == '\n') ++next;
+      i = next;
+      continue;
+    }
+    const int byte = hexPairAfter(text, i);
+    if (byte >= 0) {
+      out += static_cast<char>(byte);
+      i += 2;
+    } else {
+      out += '=';
+    }
+  }
   return out;
 }
 

@@ -15,6 +15,14 @@ std::string QuotedPrintableDecode(std::string_view text);
 // decoded into (3 n / 4 + 2 bytes, n the encoded length less line ends).
 std::string DecodeMime64(std::string_view text);
 
+// The exact bytes of standard base64, for files that must open: characters
+// outside the alphabet are skipped, the first "=" ends the data, no fill.
+std::string DecodeBase64Bytes(std::string_view text);
+
+// Standard quoted-printable, for files that must open: soft line breaks go,
+// hex pairs (either case) become bytes, any other "=" stays, nothing is trimmed.
+std::string DecodeQuotedPrintableBytes(std::string_view text);
+
 // Base64 without line breaks.
 std::string EncodeMime64String(std::string_view text);
 
