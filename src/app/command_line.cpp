@@ -20,6 +20,16 @@ CommandLine parseCommandLine(const QStringList& arguments) {
       line.headless = line.scan = true;
     } else if (argument == "--score") {
       line.headless = line.score = true;
+    } else if (argument == "--send") {
+      line.headless = line.send = true;
+    } else if (argument == "--merge") {
+      if (i + 2 >= arguments.size()) {
+        line.error = "--merge needs a data file and a template file";
+        return line;
+      }
+      line.headless = line.merge = true;
+      line.mergeData = arguments[++i];
+      line.mergeTemplate = arguments[++i];
     } else if (argument == "--delete") {
       line.deleteOnServer = true;
     } else if (argument == "--account") {
@@ -42,12 +52,15 @@ CommandLine parseCommandLine(const QStringList& arguments) {
 
 QString commandLineHelp() {
   return "usage: vonel [--home DIR] [--headless | --scan [--account N] [--delete] | --score FILE...]\n"
+         "             [--merge DATAFILE TEMPLATE] [--send]\n"
          "  --home DIR     keep settings, logs and mail in DIR\n"
          "  --headless     start up and shut down without windows\n"
          "  --scan         judge the headers waiting on every account, print one line each\n"
          "  --account N    only account N (0 to 19)\n"
          "  --delete       delete failing messages on the server\n"
-         "  --score FILE   print the spam score and verdict of each message file\n";
+         "  --score FILE   print the spam score and verdict of each message file\n"
+         "  --merge DATAFILE TEMPLATE  save one outbox message per row of the data file\n"
+         "  --send         send the outbox, one line per step; after --scan, beside the pass\n";
 }
 
 }  // namespace vonel

@@ -13,6 +13,10 @@ struct CommandLine {
   bool deleteOnServer = false;
   int account = -1;           // the one account of the pass, or all
   bool score = false;         // print the Bayes score of each message file in passOn
+  bool send = false;          // send the outbox, beside the pass if there is one
+  bool merge = false;         // spool a mail merge of mergeData and mergeTemplate
+  QString mergeData;
+  QString mergeTemplate;
   QStringList passOn;  // the rest, for the command handler of a running copy
   QString error;       // set when the line can't be understood
 };

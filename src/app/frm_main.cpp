@@ -82,6 +82,8 @@ StartupResult frmMain::Startup() {
     action("Loading mailer");
     stage("Loading Filters");
     action("Loading Sendmail");
+    SendMailWrapperEvents& sendEvents = *this;
+    sendMail_ = std::make_unique<frmSendMailWrapperNew>(ctx_, sendEvents);
     action("Loading Bayes form");
     bayesForm_ = std::make_unique<bayes::frmBayesFilter>(ctx_);
     bayesForm_->LoadWordHash();
@@ -227,6 +229,7 @@ bool frmMain::ExitProg() {
     if (SendingMail) {
       action("Still sending mail, stopping transfer.");
       SendingMail = false;
+      if (sendMail_) sendMail_->CancelSend();
       waitWhileEventsRun(kShutdownWaitMs);
     }
     if (CheckingMail) {
@@ -371,5 +374,34 @@ void frmMain::NoMailServer() { DoNextAccount(); }
 void frmMain::NoConnection() { windows_.setStatusText("No Internet Connection"); }
 
 void frmMain::Finished(const std::string&, long) { DoNextAccount(); }
+
+void frmMain::UploadMail() {
+  if (!sendMail_) return;
+  SendingMail = true;
+  sendMail_->UploadSpooledMail();
+}
+
+void frmMain::fSendMail_Progress(const std::string& text) {
+  windows_.setStatusText(text);
+  emit sendProgress(toQString(text));
+}
+
+void frmMain::fSendMail_Failed(const std::string& text) {
+  std::string shown = text;
+  std::erase_if(shown, [](char c) { return c == '\r' || c == '\n'; });
+  emit sendFailed(toQString(shown));
+  // A missing server is reported while the walk still goes on to its end.
+  if (!sendMail_->sending()) sendingStopped(shown);
+}
+
+void frmMain::fSendmail_NoMailToSend() { sendingStopped("No mail to send"); }
+
+void frmMain::fSendmail_SendingFinished() { sendingStopped("Finished sending mail"); }
+
+void frmMain::sendingStopped(const std::string& text) {
+  SendingMail = false;
+  windows_.setStatusText(text);
+  emit sendEnded();
+}
 
 }  // namespace vonel

@@ -8,6 +8,7 @@
 
 #include "app/main_window_port.h"
 #include "app/pop3/pop3_connection.h"
+#include "app/smtp/frm_send_mail_wrapper_new.h"
 #include "core/bayes/bayes_filter.h"
 #include "core/message/messages.h"
 #include "core/rules/frm_filters.h"
@@ -17,7 +18,7 @@ namespace vonel {
 
 enum class StartupResult { Started, NoAccount };
 
-class frmMain : public QObject, private pop3::GetMailEvents {
+class frmMain : public QObject, private pop3::GetMailEvents, private SendMailWrapperEvents {
   Q_OBJECT
 
  public:
@@ -33,6 +34,11 @@ class frmMain : public QObject, private pop3::GetMailEvents {
   void ProcessMail(bool deleteSpam, bool oneAccount, int account, bool retrieve, bool clear);
   void CheckNextAccount(bool force);
   void DoNextAccount();
+
+  // Sets SendingMail and starts sending the outbox.
+  void UploadMail();
+  // The outbox writer and sender, made at start.
+  frmSendMailWrapperNew* SendMailWrapper() { return sendMail_.get(); }
 
   // The Bayes filter, made and loaded at start.
   bayes::frmBayesFilter* BayesForm() { return bayesForm_.get(); }
@@ -62,6 +68,12 @@ class frmMain : public QObject, private pop3::GetMailEvents {
  signals:
   // A pass over the servers has ended, with the text that says how.
   void passEnded(const QString& text);
+  // A step of sending the outbox, for display.
+  void sendProgress(const QString& text);
+  // Sending stopped on an error.
+  void sendFailed(const QString& text);
+  // SendingMail has gone back to false.
+  void sendEnded();
 
  private:
   // What the POP3 session reports.
@@ -76,6 +88,13 @@ class frmMain : public QObject, private pop3::GetMailEvents {
   void Finished(const std::string& title, long count) override;
 
   void NotifyFinishedGettingMail(const std::string& text);
+
+  // What the outbox sender reports.
+  void fSendMail_Progress(const std::string& text) override;
+  void fSendMail_Failed(const std::string& text) override;
+  void fSendmail_NoMailToSend() override;
+  void fSendmail_SendingFinished() override;
+  void sendingStopped(const std::string& text);
 
   void stage(std::string_view text);
   void action(std::string_view text);
@@ -92,6 +111,7 @@ class frmMain : public QObject, private pop3::GetMailEvents {
   rules::frmFilters serverFilters_;
   rules::frmFilters localFilters_;
   std::unique_ptr<Pop3Connection> getMail_;
+  std::unique_ptr<frmSendMailWrapperNew> sendMail_;
   std::unique_ptr<bayes::frmBayesFilter> bayesForm_;
 };
 

@@ -10,6 +10,7 @@
 #include "app/terminal_password.h"
 #include "core/bayes/message_file_score.h"
 #include "core/rules/status_word.h"
+#include "core/send/mail_merge.h"
 #include "core/text/cp1252.h"
 #include "core/text/numbers.h"
 
@@ -40,6 +41,8 @@ void scan(frmMain& controller, HeadlessWindows& windows, const CommandLine& line
   controller.TimerAutoScan.stop();
   const bool oneAccount = line.account >= 0;
   controller.ProcessMail(line.deleteOnServer, oneAccount, oneAccount ? line.account : 0, false, false);
+  // As Send/Receive does: the upload starts right after the pass and runs beside it.
+  if (line.send) controller.UploadMail();
   if (!ended) loop.exec();
   std::printf("%s\n", qPrintable(outcome.isEmpty() ? toQString(windows.statusText) : outcome));
   std::fflush(stdout);
@@ -60,6 +63,43 @@ bool score(frmMain& controller, AppContext& context, const CommandLine& line) {
   return allRead;
 }
 
+// Prints each step of sending as a line and its errors on the error stream,
+// from spooling on, and waits for an upload to end.
+class UploadWatch {
+ public:
+  explicit UploadWatch(frmMain& controller) : controller_(controller) {
+    QObject::connect(&controller, &frmMain::sendProgress, &loop_, [](const QString& text) {
+      std::printf("%s\n", qPrintable(text));
+      std::fflush(stdout);
+    });
+    QObject::connect(&controller, &frmMain::sendFailed, &loop_, [this](const QString& text) {
+      std::fprintf(stderr, "vonel: %s\n", qPrintable(text));
+      failed_ = true;
+    });
+    QObject::connect(&controller, &frmMain::sendEnded, &loop_, &QEventLoop::quit);
+  }
+  // False when spooling or sending failed.
+  bool wait() {
+    if (controller_.SendingMail) loop_.exec();
+    return !failed_;
+  }
+
+ private:
+  frmMain& controller_;
+  QEventLoop loop_;
+  bool failed_ = false;
+};
+
+// Spools a mail merge into the outbox; its boxes go to the error stream.
+bool merge(frmMain& controller, AppContext& context, const CommandLine& line) {
+  const std::filesystem::path data = line.mergeData.toStdU16String();
+  const std::filesystem::path templateFile = line.mergeTemplate.toStdU16String();
+  if (!send::AcceptMergeFiles(context, data, templateFile)) return false;
+  SilentProgress progress;
+  send::DoMailMerge(context, *controller.SendMailWrapper(), progress, data, templateFile);
+  return true;
+}
+
 }  // namespace
 
 int runHeadless(const CommandLine& line) {
@@ -76,9 +116,13 @@ int runHeadless(const CommandLine& line) {
                  home.string().c_str());
     return 2;
   }
+  UploadWatch upload(controller);
+  const bool merged = !line.merge || merge(controller, context, line);
   if (line.scan) scan(controller, windows, line);
+  else if (line.send) controller.UploadMail();
+  const bool sent = !line.send || upload.wait();
   const bool scored = !line.score || score(controller, context, line);
-  return controller.ExitProg() && scored ? 0 : 1;
+  return controller.ExitProg() && scored && merged && sent ? 0 : 1;
 }
 
 }  // namespace vonel

@@ -1,0 +1,131 @@
+#include "core/send/outbox.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+
+#include "core/message/message_file.h"
+#include "core/services/file_subs.h"
+#include "core/store/tag_files.h"
+#include "core/text/dates.h"
+#include "core/text/numbers.h"
+#include "core/text/strings.h"
+
+namespace vonel::send {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kModule = "frmSendMailWrapper";
+
+bool isDigit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; }
+
+// Digit runs compare by value, so "00_outbound_10" follows "00_outbound_9".
+bool spooledBefore(std::string_view a, std::string_view b) {
+  std::size_t i = 0;
+  std::size_t j = 0;
+  while (i < a.size() && j < b.size()) {
+    if (isDigit(a[i]) && isDigit(b[j])) {
+      const std::size_t runA = std::find_if_not(a.begin() + i, a.end(), isDigit) - a.begin();
+      const std::size_t runB = std::find_if_not(b.begin() + j, b.end(), isDigit) - b.begin();
+      std::string_view digitsA = a.substr(i, runA - i);
+      std::string_view digitsB = b.substr(j, runB - j);
+      digitsA.remove_prefix(std::min(digitsA.find_first_not_of('0'), digitsA.size()));
+      digitsB.remove_prefix(std::min(digitsB.find_first_not_of('0'), digitsB.size()));
+      if (digitsA.size() != digitsB.size()) return digitsA.size() < digitsB.size();
+      if (digitsA != digitsB) return digitsA < digitsB;
+      i = runA;
+      j = runB;
+      continue;
+    }
+    if (a[i] != b[j]) return a[i] < b[j];
+    ++i;
+    ++j;
+  }
+  if (a.size() - i != b.size() - j) return a.size() - i < b.size() - j;
+  return a < b;
+}
+
+}  // namespace
+
+std::string AccountDigits(int account) {
+  char digits[16];
+  std::snprintf(digits, sizeof digits, "%02d", account);
+  return digits;
+}
+
+std::string OutboxFileName(int account, int counter) {
+  return AccountDigits(account) + "_outbound_" + std::to_string(counter) + ".eml";
+}
+
+int FreeOutboxCounter(const fs::path& outbox, int account, int from) {
+  int counter = from;
+  while (files::FileExists(outbox / OutboxFileName(account, counter))) ++counter;
+  return counter;
+}
+
+std::vector<std::string> ListOutboxFiles(const fs::path& outbox) {
+  std::vector<std::string> names;
+  std::error_code ec;
+  for (fs::directory_iterator it(outbox, ec), end; !ec && it != end; it.increment(ec)) {
+    const std::string name = it->path().filename().string();
+    if (name.size() > 4 && text::equalsNoCase(text::right(name, 4), ".eml") && it->is_regular_file(ec)) {
+      names.push_back(name);
+    }
+  }
+  std::sort(names.begin(), names.end(), spooledBefore);
+  return names;
+}
+
+bool AccountHasMail(const std::vector<std::string>& names, int account) {
+  const std::string digits = AccountDigits(account);
+  return std::any_of(names.begin(), names.end(), [&](const std::string& name) { return text::left(name, 2) == digits; });
+}
+
+std::size_t FirstFileOfAccount(const std::vector<std::string>& names, int account) {
+  const auto found = std::find_if(names.begin(), names.end(), [&](const std::string& name) {
+    return text::val(text::left(name, 2)) == account;
+  });
+  return static_cast<std::size_t>(found - names.begin());
+}
+
+std::string Fileroot(std::string_view name) {
+  const std::size_t dot = name.rfind('.');
+  return std::string(dot == std::string_view::npos ? name : name.substr(0, dot));
+}
+
+std::string WithSentDate(const std::string& raw, const text::DateTime& now) {
+  const std::size_t blankLine = text::find(raw, "\r\n\r\n");
+  if (blankLine == 0) return raw;
+  const std::size_t dateLine = text::findNoCase(raw, "\rDate:");
+  if (dateLine != 0 && dateLine < blankLine) return raw;
+  return text::left(raw, blankLine - 1) + "\r\nDate: " + text::formatStoreDate(now) + "\r\n\r\n" +
+         text::mid(raw, blankLine + 4);
+}
+
+SentMessage MoveToSentItems(const fs::path& outbox, const fs::path& sentItems, const std::string& name,
+                            cSharedLogging& log, const Clock& clock) {
+  const fs::path spooled = outbox / name;
+  message::clsMessage message = message::ReadMessageFull(spooled, log);
+  SentMessage sent{false, message.Subject, message.To_Email()};
+  const text::DateTime now = clock.now();
+  message.SendDate = text::formatStoreDate(now);
+  message.ReplaceRawMessage(WithSentDate(message.RawMessage(), now));
+  message.setFilename(message::GetUnusedFilename(true, sentItems, Fileroot(name), ".eml", clock).string());
+  message.Read = true;
+  message::SaveMessage(message, log);
+  // SaveMessage logs its own failure; the copy is checked before the original goes.
+  if (!files::FileExists(message.Filename())) {
+    log.AddAction("Unable to file " + name + " in Sent Items; it stays in the outbox", "MoveToSentItems", kModule);
+    return sent;
+  }
+  if (!files::EraseFile(spooled)) {
+    log.AddAction("Unable to delete " + name + " from the outbox after filing it", "MoveToSentItems", kModule);
+  }
+  store::RemoveFromUnreadTag(log, outbox);
+  sent.filed = true;
+  return sent;
+}
+
+}  // namespace vonel::send

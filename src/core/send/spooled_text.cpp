@@ -1,0 +1,64 @@
+#include "core/send/spooled_text.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "core/message/address.h"
+#include "core/send/format_mail.h"
+#include "core/text/strings.h"
+
+namespace vonel::send {
+
+namespace {
+
+void RemoveCRLFFromEnd(std::string& text) {
+  while (!text.empty() && (text.back() == '\r' || text.back() == '\n')) text.pop_back();
+}
+
+std::string joined(const std::vector<std::string>& items) {
+  std::string list;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    if (i > 0) list += ';';
+    list += items[i];
+  }
+  return list;
+}
+
+}  // namespace
+
+AddressList SplitAddressList(std::string_view list) {
+  if (list.empty()) return {};
+  std::vector<std::string> addresses;
+  std::vector<std::string> names;
+  for (const std::string& piece : text::split(list, ";")) {
+    addresses.push_back(message::ExtractEmail(piece));
+    const std::string name = message::ExtractName(piece);
+    names.push_back(name.empty() ? joined(addresses) : name);
+  }
+  return {joined(addresses), joined(names)};
+}
+
+std::string AddressesOf(std::string_view list) {
+  if (list.empty()) return {};
+  std::vector<std::string> addresses;
+  for (const std::string& piece : text::split(list, ";")) addresses.push_back(message::ExtractEmail(piece));
+  return joined(addresses);
+}
+
+std::string CutBccHeader(const std::string& text) {
+  const std::size_t bcc = text::findNoCase(text, "Bcc:");
+  if (bcc == 0) return text;
+  const std::size_t nextColon = text::find(text, ":", bcc + 5);
+  if (nextColon == 0) return text;
+  const std::size_t lineEnd = text::findLast(text, "\r\n", nextColon - 1);
+  if (lineEnd == 0 || lineEnd < bcc) return text;
+  return text::left(text, bcc - 1) + text::mid(text, lineEnd + 2);
+}
+
+std::string WireText(std::string text) {
+  RemoveCRLFFromEnd(text);
+  std::erase(text, '\n');
+  return FormatMail(text::replaceAll(text, "\r", "\r\n"));
+}
+
+}  // namespace vonel::send
