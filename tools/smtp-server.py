@@ -4,7 +4,11 @@
 Usage: smtp-server.py DIR
 Writes the port it listens on to DIR/port, then stores every message it
 accepts as DIR/NNNN.eml (the text as received, dots removed) with its
-envelope in DIR/NNNN.env ("MAIL FROM" then one "RCPT TO" per line).
+envelope in DIR/NNNN.env ("MAIL FROM" then one "RCPT TO" per line), and
+the number of connections so far in DIR/connections.
+Two kinds of recipient play faults: one whose address begins with "refused"
+is refused (550), and a message to one beginning with "dropped" has its
+connection closed after the data, without a reply.
 Stops on SIGTERM or SIGINT.
 """
 import asyncio
@@ -19,8 +23,25 @@ class StoreEachMessage:
     def __init__(self, folder):
         self.folder = folder
         self.count = 0
+        self.connections = 0
+
+    def connected(self):
+        self.connections += 1
+        name = os.path.join(self.folder, "connections")
+        with open(name + ".tmp", "w") as out:
+            out.write("%d\n" % self.connections)
+        os.rename(name + ".tmp", name)
+
+    async def handle_RCPT(self, server, session, envelope, address, rcpt_options):
+        if address.lower().startswith("refused"):
+            return "550 5.1.1 <%s>: Recipient address rejected" % address
+        envelope.rcpt_tos.append(address)
+        return "250 OK"
 
     async def handle_DATA(self, server, session, envelope):
+        if any(rcpt.lower().startswith("dropped") for rcpt in envelope.rcpt_tos):
+            server.transport.close()
+            return "421 closing"
         name = os.path.join(self.folder, "%04d" % self.count)
         self.count += 1
         with open(name + ".env.tmp", "w") as env:
@@ -34,11 +55,17 @@ class StoreEachMessage:
         return "250 OK"
 
 
+class CountingSMTP(SMTP):
+    def connection_made(self, transport):
+        super().connection_made(transport)
+        self.event_handler.connected()
+
+
 async def serve(folder):
     loop = asyncio.get_running_loop()
     handler = StoreEachMessage(folder)
     server = await loop.create_server(
-        lambda: SMTP(handler, hostname="vonel-test", data_size_limit=200 * 1024 * 1024),
+        lambda: CountingSMTP(handler, hostname="vonel-test", data_size_limit=200 * 1024 * 1024),
         host="127.0.0.1", port=0)
     port = server.sockets[0].getsockname()[1]
     with open(os.path.join(folder, "port.tmp"), "w") as out:
