@@ -34,9 +34,9 @@ std::size_t FirstFileOfAccount(const std::vector<std::string>& names, int accoun
 // The name without its extension.
 std::string Fileroot(std::string_view name);
 
-// The raw text with a "Date: " line at the end of its header, unless a line
-// before the blank line already starts with "Date:" (any case) or there is no
-// blank line at all.
+// The raw text with a "Date: " line at the end of its header, unless a CR
+// straight followed by "Date:" (any case) stands before the blank line, or
+// there is no blank line at all. A "Date:" line after CR LF doesn't count.
 std::string WithSentDate(const std::string& raw, const text::DateTime& now);
 
 struct SentMessage {
