@@ -5,7 +5,6 @@
 #include "core/message/address.h"
 #include "core/services/file_subs.h"
 #include "core/store/suppress_message.h"
-#include "core/text/markup.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 
@@ -20,77 +19,6 @@ std::string textDigest(std::string_view text) {
   std::uint64_t hash = 14695981039346656037ull;  // FNV-1a
   for (const unsigned char c : text) hash = (hash ^ c) * 1099511628211ull;
   return std::to_string(hash);
-}
-
-// The fields a rule condition can read, with the subject's cleaned form made once a message.
-class ConditionFields {
- public:
-  explicit ConditionFields(const message::clsMessage& message) : m_(message) {}
-
-  // The field's text, and the second text a condition also looks in.
-  std::pair<std::string_view, std::string_view> read(std::string_view name) {
-    using text::equalsNoCase;
-    if (equalsNoCase(name, field::kSubject)) {
-      if (!cleanSubject_) cleanSubject_ = text::CleanWord(m_.Subject);
-      return {m_.Subject, cleanSubject_->empty() ? std::string_view(m_.Subject) : *cleanSubject_};
-    }
-    const std::string_view value = plain(name);
-    return {value, value};
-  }
-
- private:
-  std::string_view plain(std::string_view name) {
-    using text::equalsNoCase;
-    if (equalsNoCase(name, field::kTo)) return m_.To_Email();
-    if (equalsNoCase(name, field::kFrom)) return m_.From.empty() ? m_.Sender : m_.From;
-    if (equalsNoCase(name, field::kEnvelopeTo)) return m_.XEnvelopeTo;
-    if (equalsNoCase(name, field::kReturnPath)) return m_.ReturnPath;
-    if (equalsNoCase(name, field::kAllHeaders)) return m_.Headers;
-    if (equalsNoCase(name, field::kCC)) return m_.CC;
-    if (equalsNoCase(name, field::kBCC)) return m_.BCC;
-    if (equalsNoCase(name, field::kSpamTestsFailed)) return m_.SpamTestsFailed;
-    if (equalsNoCase(name, field::kAttachmentNames)) {
-      if (!attachmentNames_) attachmentNames_ = m_.AttachmentFilenames();
-      return *attachmentNames_;
-    }
-    if (equalsNoCase(name, field::kBody)) return m_.StrippedBody;
-    return {};
-  }
-
-  const message::clsMessage& m_;
-  std::optional<std::string> cleanSubject_;
-  std::optional<std::string> attachmentNames_;
-};
-
-// An empty field holds nothing, not even the empty text.
-bool holds(std::string_view value, std::string_view wanted) {
-  return !value.empty() && text::findNoCase(value, wanted) > 0;
-}
-
-// All conditions must hold. A comparison other than the two known ones
-// leaves the result as it stood: false first, true after a condition that held.
-bool conditionsHold(const clsFilterNew& rule, ConditionFields& fields) {
-  bool matched = false;
-  for (int i = 1; i <= rule.RuleCount; ++i) {
-    const auto [value, value2] = fields.read(rule.Fields(i));
-    const std::string& comparison = rule.Comparisons(i);
-    const std::string& wanted = rule.Strings(i);
-    const bool found = holds(value, wanted) || holds(value2, wanted);
-    if (text::equalsNoCase(comparison, kContains)) {
-      matched = found;
-    } else if (text::equalsNoCase(comparison, kDoesNotContain)) {
-      matched = !found;
-    }
-    if (!matched) break;
-  }
-  return matched;
-}
-
-// The action as a number; the old single-digit codes count as their new ones.
-double actionNumber(const std::string& code) {
-  const auto number = text::toNumber(CurrentActionCode(text::trimView(code)));
-  if (!number) throw AppError(13, "Type mismatch");
-  return *number;
 }
 
 void markSuspicious(message::clsMessage& m, const clsFilterNew& rule) {
@@ -115,6 +43,17 @@ frmFilters::Lists& frmFilters::lists() {
   return *lists_;
 }
 
+void frmFilters::setRules(RuleSet rules) {
+  rules_ = std::move(rules);
+  prepareRules();
+}
+
+void frmFilters::prepareRules() {
+  prepared_.clear();
+  prepared_.reserve(rules_.size());
+  for (const clsFilterNew& rule : rules_) prepared_.emplace_back(rule);
+}
+
 void frmFilters::ReloadFilters(bool local) {
   ruleFile_ = ctx_.folders.DataFolderPath / (local ? "LocalRules.txt" : "Rules.txt");
   if (files::FileExists(ruleFile_)) {
@@ -128,6 +67,7 @@ void frmFilters::ReloadFilters(bool local) {
     rules_.clear();
     changedOutside_ = false;
   }
+  prepareRules();
   Lists& all = lists();
   for (AddressList* list : {&all.senders, &all.domains, &all.recipientDomains, &all.recipients, &all.ignored}) {
     list->Refresh();
@@ -149,6 +89,7 @@ void frmFilters::ImportFilters(const std::filesystem::path& file) {
   RuleSet imported;
   LoadFilters(imported, file, false, ctx_.log);
   MergeFilters(imported, rules_);
+  prepareRules();
   SaveFilters();
 }
 
@@ -218,12 +159,13 @@ frmFilters::Outcome frmFilters::checkLists(message::clsMessage& m, const std::st
 // writer winning. The first four actions turn the score off whether or not
 // they stop; allow, suspicious and delete only when they stop.
 bool frmFilters::applyRules(message::clsMessage& m, bool& useBayes) const {
-  ConditionFields fields(m);
+  FoldedFields fields(m);
   bool matched = false;
-  for (const clsFilterNew& rule : rules_) {
-    matched = conditionsHold(rule, fields);
+  for (const PreparedRule& prepared : prepared_) {
+    matched = prepared.Holds(fields);
     if (!matched) continue;
-    const double code = actionNumber(rule.Action);
+    const clsFilterNew& rule = prepared.rule();
+    const double code = prepared.ActionNumber();
     bool known = true;
     if (code == 300) {
       m.DestFolder = rule.DestFolder;

@@ -9,6 +9,7 @@
 
 #include "core/rules/address_list.h"
 #include "core/rules/message_check.h"
+#include "core/rules/prepared_rule.h"
 #include "core/rules/rule_file.h"
 #include "core/rules/spam_scorer.h"
 #include "core/services/app_context.h"
@@ -34,7 +35,9 @@ class frmFilters final : public MessageCheck {
   // Loads "LocalRules.txt" when `local`, else "Rules.txt", from the data
   // folder, and brings the five lists up to date.
   void ReloadFilters(bool local);
-  RuleSet& Rules() { return rules_; }
+  const RuleSet& Rules() const { return rules_; }
+  // In place of the current set, in memory only.
+  void setRules(RuleSet rules);
   const std::filesystem::path& CurrentRuleFile() const { return ruleFile_; }
 
   // The current set to the current rule file, every rule.
@@ -80,6 +83,7 @@ class frmFilters final : public MessageCheck {
 
   Lists& lists();
   const Lists& lists() const { return const_cast<frmFilters*>(this)->lists(); }
+  void prepareRules();
   bool saveRules(const std::filesystem::path& file, bool sharedOnly);
   std::string digestKey() const;
 
@@ -94,6 +98,7 @@ class frmFilters final : public MessageCheck {
   AppContext& ctx_;
   SpamScorer* scorer_ = nullptr;
   RuleSet rules_;
+  std::vector<PreparedRule> prepared_;  // refers into rules_, made again whenever it changes
   std::filesystem::path ruleFile_;
   std::unique_ptr<Lists> lists_;
   bool changedOutside_ = false;  // the rule file differs from the program's last save

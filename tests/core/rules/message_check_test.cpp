@@ -60,7 +60,7 @@ class MessageCheckTest : public ::testing::Test {
 };
 
 TEST_F(MessageCheckTest, ListsDecideBeforeRulesInTheirOrder) {
-  filters.Rules().push_back(rule("never reached", "Subject:", "cnt", "", "400"));
+  filters.setRules({rule("never reached", "Subject:", "cnt", "", "400")});
   filters.BlockSender("ann@example.com");
   filters.BlockSenderDomain("x@spam.example");
   filters.BlockRecipDomain("someone@example.org");
@@ -105,7 +105,7 @@ TEST_F(MessageCheckTest, ListLookUpsUseTheSendersAddressWhenFromIsEmpty) {
   m.Sender = "The Sender <Sender@Example.com>";
   EXPECT_EQ(checked(m).FilterReason, "Sender Blocked");
   filters.UnBlockSender("sender@example.com");
-  filters.Rules().push_back(rule("by sender", "From:", "cnt", "the sender", "100"));
+  filters.setRules({rule("by sender", "From:", "cnt", "the sender", "100")});
   EXPECT_EQ(checked(m).FilterReason, "by sender");
 }
 
@@ -145,7 +145,7 @@ TEST_F(MessageCheckTest, ConditionsReadTheirFieldsAndCompareIgnoringCase) {
       {"Subject:", "mtch", "Cheap", false},       // an old comparison never makes a rule hold
   };
   for (const auto& c : cases) {
-    filters.Rules() = {rule("r", c.field, c.comparison, c.wanted, "100")};
+    filters.setRules({rule("r", c.field, c.comparison, c.wanted, "100")});
     EXPECT_EQ(checked(m).Deleted, c.fires) << c.field << " " << c.comparison << " '" << c.wanted << "'";
   }
   // An old comparison after one that held keeps it holding.
@@ -153,15 +153,15 @@ TEST_F(MessageCheckTest, ConditionsReadTheirFieldsAndCompareIgnoringCase) {
   two.RuleCount = 2;
   two.setFields(2, "Subject:");
   two.setComparisons(2, "mtch");
-  filters.Rules() = {two};
+  filters.setRules({two});
   EXPECT_TRUE(checked(m).Deleted);
   two.setComparisons(2, "!cnt");
-  filters.Rules() = {two};
+  filters.setRules({two});
   EXPECT_FALSE(checked(m).Deleted);  // every condition must hold
 }
 
 TEST_F(MessageCheckTest, SpamSubjectsAreReadThroughTheirDisguises) {
-  filters.Rules() = {rule("pills", "Subject:", "cnt", "viagra", "100")};
+  filters.setRules({rule("pills", "Subject:", "cnt", "viagra", "100")});
   EXPECT_TRUE(checked(header("v.i.a.g.r.a")).Deleted);
   EXPECT_TRUE(checked(header("V1AGRA")).Deleted);
   EXPECT_FALSE(checked(header("vi agra")).Deleted);
@@ -187,18 +187,18 @@ TEST_F(MessageCheckTest, EachActionWritesItsResultAndDecidesOnTheScore) {
       {"999", true, "PASS", colour::kGreen, 0.3f},
   };
   for (const auto& c : cases) {
-    filters.Rules() = {rule("act", "Subject:", "cnt", "offer", c.action, c.stop, "\\Deals")};
+    filters.setRules({rule("act", "Subject:", "cnt", "offer", c.action, c.stop, "\\Deals")});
     const auto m = checked(header("Great offer"));
     const std::string what = std::string(c.action) + (c.stop ? " stop" : "");
     EXPECT_EQ(StatusWord(m), c.status) << what;
     EXPECT_EQ(m.Colour, c.colour) << what;
     EXPECT_EQ(m.Bayes, c.bayes) << what;
   }
-  filters.Rules() = {rule("a", "Subject:", "cnt", "offer", "500", false, "/tmp/att/"),
+  filters.setRules({rule("a", "Subject:", "cnt", "offer", "500", false, "/tmp/att/"),
                      rule("b", "Subject:", "cnt", "offer", "600", false, "/usr/bin/tool"),
                      rule("c", "Subject:", "cnt", "offer", "700", false, ",work"),
                      rule("d", "Subject:", "cnt", "offer", "300", true, "\\Deals"),
-                     rule("never", "Subject:", "cnt", "offer", "100")};
+                     rule("never", "Subject:", "cnt", "offer", "100")});
   const auto m = checked(header("Great offer"));
   EXPECT_EQ(m.AttachmentsFolder, "/tmp/att/");
   EXPECT_EQ(m.RunThisFile, "/usr/bin/tool");
@@ -209,7 +209,7 @@ TEST_F(MessageCheckTest, EachActionWritesItsResultAndDecidesOnTheScore) {
 }
 
 TEST_F(MessageCheckTest, SuspiciousRulesPrefixTheSubjectOnce) {
-  filters.Rules() = {rule("s1", "Subject:", "cnt", "offer", "200"), rule("s2", "Subject:", "cnt", "offer", "1")};
+  filters.setRules({rule("s1", "Subject:", "cnt", "offer", "200"), rule("s2", "Subject:", "cnt", "offer", "1")});
   auto m = header("Great offer");
   m.ReplaceRawMessage("Subject: Great offer\r\n\r\nbody");
   m = checked(m);
@@ -246,12 +246,12 @@ TEST_F(MessageCheckTest, ScoreThresholdsCompareAsSingleFloats) {
   EXPECT_EQ(m.DestFolder, "");
 
   // A rule's reason is kept; a move rule turns the score off altogether.
-  filters.Rules() = {rule("allow", "Subject:", "cnt", "hello", "400")};
+  filters.setRules({rule("allow", "Subject:", "cnt", "hello", "400")});
   scorer.value = 0.99f;
   m = checked(header());
   EXPECT_EQ(m.FilterReason, "allow");
   EXPECT_EQ(StatusWord(m), "FAIL");
-  filters.Rules() = {rule("move", "Subject:", "cnt", "hello", "300", false, "\\Keep")};
+  filters.setRules({rule("move", "Subject:", "cnt", "hello", "300", false, "\\Keep")});
   m = checked(header());
   EXPECT_EQ(m.Bayes, 0.0f);
   EXPECT_EQ(m.DestFolder, "\\Keep");
@@ -273,17 +273,17 @@ TEST_F(MessageCheckTest, SizeLimitAppliesOnlyToUnmatchedMailThatPassedTheScore) 
   EXPECT_EQ(StatusWord(checked(m)), "FAIL");  // spam isn't size-tested
   scorer.value = 0.3f;
 
-  filters.Rules() = {rule("del", "Subject:", "cnt", "hello", "100")};
+  filters.setRules({rule("del", "Subject:", "cnt", "hello", "100")});
   EXPECT_EQ(StatusWord(checked(m)), "FAIL");  // the matched delete rule skips the size test
-  filters.Rules().push_back(rule("miss", "Subject:", "cnt", "nothing", "100"));
+  filters.setRules({rule("del", "Subject:", "cnt", "hello", "100"), rule("miss", "Subject:", "cnt", "nothing", "100")});
   big = checked(m);
   EXPECT_TRUE(big.Deleted && big.Ignored);  // a later rule that didn't fire lets it run
   EXPECT_EQ(big.FilterReason, "Over 100Kb");
 }
 
 TEST_F(MessageCheckTest, AFailingRuleEndsTheCheckKeepingWhatWasWritten) {
-  filters.Rules() = {rule("tag", "Subject:", "cnt", "hello", "700", false, "seen"),
-                     rule("broken", "Subject:", "cnt", "hello", "")};
+  filters.setRules({rule("tag", "Subject:", "cnt", "hello", "700", false, "seen"),
+                     rule("broken", "Subject:", "cnt", "hello", "")});
   const auto m = checked(header());
   EXPECT_EQ(m.Tags(), "seen");
   EXPECT_EQ(scorer.calls, 0);
