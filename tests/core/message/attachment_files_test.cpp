@@ -1,0 +1,124 @@
+#include "core/message/attachment_files.h"
+
+#include <gtest/gtest.h>
+
+#include "core/log/app_error.h"
+#include "core/message/transfer_encoding.h"
+#include "core/services/file_subs.h"
+#include "../test_home.h"
+
+namespace vonel::message {
+namespace {
+
+std::string allBytes() {
+  std::string bytes;
+  for (int round = 0; round < 3; ++round) {
+    for (int c = 0; c < 256; ++c) bytes += static_cast<char>(c);
+  }
+  return bytes;
+}
+
+// Base64 broken into lines of 76, as mail carries it.
+std::string wrapped(std::string_view encoded) {
+  std::string out;
+  for (std::size_t i = 0; i < encoded.size(); i += 76) out.append(encoded.substr(i, 76)).append("\r\n");
+  return out;
+}
+
+TEST(SafeAttachmentName, NamesFromMailCantLeaveTheFolderOrNameADevice) {
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"Report 2024.pdf", "Report 2024.pdf"},
+      {"../../etc/passwd", "passwd"},
+      {"..\\..\\Windows\\evil.dll", "evil.dll"},
+      {"C:evil.exe", "evil.exe"},
+      {"D:\\", "attachment"},
+      {"..", "attachment"},
+      {" . ", "attachment"},
+      {"", "attachment"},
+      {".hidden.", "hidden"},
+      {"a\tb\x01" "c\x7F.txt", "abc.txt"},
+      {"what?<>|*.txt", "what     .txt"},
+      {"CON", "CON1"},
+      {"con.txt", "con1.txt"},
+      {"Com1.log", "Com11.log"},
+      {"LPT9", "LPT91"},
+      {"nul .tar.gz", "nul 1.tar.gz"},
+      {"COM10.txt", "COM10.txt"},
+  };
+  for (const auto& [name, safe] : cases) EXPECT_EQ(SafeAttachmentName(name), safe) << name;
+
+  const std::string longName = SafeAttachmentName(std::string(300, 'x') + ".jpeg");
+  EXPECT_EQ(longName.size(), 80u);
+  EXPECT_TRUE(longName.ends_with("x.jpeg"));
+}
+
+TEST(WriteFile, SavedAttachmentsHoldExactlyTheDecodedBytes) {
+  testing::TempDir dir;
+  const std::string bytes = allBytes();
+  const auto file = dir.path() / "out.bin";
+
+  WriteFile(file, wrapped(EncodeMime64String(bytes)), "base64");
+  EXPECT_EQ(files::LoadTextFile(file), bytes);
+  // One and two bytes of padding: no fill is left behind.
+  WriteFile(file, "YQ==", "base64");
+  EXPECT_EQ(files::LoadTextFile(file), "a");
+  WriteFile(file, "YWI=", "base64");
+  EXPECT_EQ(files::LoadTextFile(file), "ab");
+
+  WriteFile(file, "  lead=20and=\r\n soft=0D=0A=FF=e9 tail  ", "quoted-printable");
+  EXPECT_EQ(files::LoadTextFile(file), "  lead and soft\r\n\xFF\xE9 tail  ");
+  WriteFile(file, "as it =ZZ stands\r\n", "7bit");
+  EXPECT_EQ(files::LoadTextFile(file), "as it =ZZ stands\r\n");
+}
+
+TEST(WriteFile, AFolderThatIsntThereThrows) {
+  testing::TempDir dir;
+  EXPECT_THROW(WriteFile(dir.path() / "missing" / "x.bin", "YQ==", "base64"), AppError);
+}
+
+clsMessage withAttachments(std::string_view name) {
+  clsMessage message;
+  message.CreateFromText(
+      "Subject: s\r\nContent-Type: multipart/mixed; boundary=b\r\n\r\n"
+      "--b\r\nContent-Type: text/plain\r\n\r\nbody\r\n"
+      "--b\r\nContent-Type: text/html\r\nContent-Transfer-Encoding: base64\r\n\r\nPGI+aGk8L2I+\r\n"
+      "--b\r\nContent-Type: application/octet-stream; name=\"" + std::string(name) +
+          "\"\r\nContent-Transfer-Encoding: base64\r\n\r\nAAEC\r\n--b--\r\n",
+      false);
+  return message;
+}
+
+TEST(SaveAttachments, EveryNamedPartGoesInsideTheFolder) {
+  testing::TestHome home;
+  const auto folder = home.dir.path() / "inside";
+  ASSERT_TRUE(files::MkMissingDir(folder));
+  const auto message = withAttachments("../../outside.bin");
+  const auto written = SaveAllAttachmentsNoUserInput(message, folder, &home.log);
+  ASSERT_EQ(written.size(), 2u);
+  EXPECT_EQ(written[0], folder / "View email as web page.html");
+  EXPECT_EQ(files::LoadTextFile(written[0]), "<b>hi</b>");
+  EXPECT_EQ(written[1], folder / "outside.bin");
+  EXPECT_EQ(files::LoadTextFile(written[1]), std::string("\0\1\2", 3));
+  EXPECT_FALSE(files::FileExists(home.dir.path() / "outside.bin"));
+
+  EXPECT_TRUE(SaveAllAttachmentsNoUserInput(message, folder / "gone", &home.log).empty());
+  home.log.WriteActionsToLog();
+  EXPECT_NE(files::LoadTextFile(home.log.CurrentLogFilename()).find("modAttachments"), std::string::npos);
+}
+
+TEST(SaveAttachments, AWebPageToOpenTakesTheOtherPartsAlong) {
+  testing::TempDir dir;
+  auto message = withAttachments("logo.png");
+  EXPECT_EQ(WriteAttachmentToOpen(message, 3, dir.path(), nullptr), dir.path() / "logo.png");
+  EXPECT_FALSE(files::FileExists(dir.path() / "View email as web page.html"));
+
+  const auto page = WriteAttachmentToOpen(message, 2, dir.path(), nullptr);
+  EXPECT_EQ(page, dir.path() / "View email as web page.html");
+  EXPECT_TRUE(files::FileExists(dir.path() / "logo.png"));
+  EXPECT_EQ(message.AttachmentsFolder, dir.path().string());
+  EXPECT_FALSE(WriteAttachmentToOpen(message, 1, dir.path(), nullptr));
+  EXPECT_TRUE(IsAttachedMessage("Attached_Msg 1.EmL"));
+}
+
+}  // namespace
+}  // namespace vonel::message
