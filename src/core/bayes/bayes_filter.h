@@ -37,6 +37,11 @@ class frmBayesFilter final : public rules::SpamScorer {
   void LoadWordHash();
   // The word table is read again at the next score, on top of what it holds.
   void ForceRefresh() { wordTableLoaded_ = false; }
+  // Empties the word table; the next score reads the file afresh.
+  void ClearWordTable() {
+    wordTable_.HashClear();
+    wordTableLoaded_ = false;
+  }
   void LoadBlackList();
 
   // Filled by training; the score only asks it about senders.
