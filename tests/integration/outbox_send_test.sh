@@ -139,6 +139,16 @@ for m in messages:
     assert m["From"].endswith("<zero@example.org>"), m["From"]
 PY
 
+# Send/Receive: the upload runs beside a pass (here over no POP3 server).
+spool 00_outbound_0 zero@example.org beside@x.org
+set +e
+QT_QPA_PLATFORM=offscreen "$vonel" --home "$home" --scan --send >"$work/out" 2>"$work/err"
+code=$?
+set -e
+[ "$code" -eq 0 ] || fail "scan and send: exit $code: $(cat "$work/err")"
+grep -q "Sent 00_outbound_0 to " "$work/out" || fail "scan and send sent nothing: $(cat "$work/out")"
+[ "$(count "$outbox")" -eq 0 ] || fail "scan and send left $(ls "$outbox")"
+
 # Sent Items full: the message went out, but its file stays in the outbox.
 spool 00_outbound_0 zero@example.org full@x.org
 if [ "$(id -u)" -eq 0 ] && mount -t tmpfs -o size=16k tmpfs "$sent" 2>/dev/null; then
