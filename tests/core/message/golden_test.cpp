@@ -21,7 +21,7 @@ struct GoldenCase {
 const GoldenCase kCases[] = {
     {"folding", false},       {"folding", true},       {"encoded_words", false}, {"encoded_words", true},
     {"store_flags", false},   {"store_flags", true},   {"no_blank_line", false}, {"multipart_alternative", false},
-    {"attachments", false},   {"html_only", false},
+    {"attachments", false},   {"html_only", false},    {"nested_parts", false},
 };
 
 // The first line that differs, so a failure says where without a wall of text.
