@@ -2,6 +2,7 @@
 
 #include "app/event_wait.h"
 #include "app/qtext.h"
+#include "core/send/outbox.h"
 #include "core/services/file_subs.h"
 #include "core/settings/accounts.h"
 #include "core/text/strings.h"
@@ -12,6 +13,12 @@ namespace {
 constexpr const char* kModule = "frmMain";
 constexpr int kFirstScanDelayMs = 200;
 constexpr int kShutdownWaitMs = 3000;
+
+// An error text fit for one line of the status bar.
+std::string withoutLineEnds(std::string text) {
+  std::erase_if(text, [](char c) { return c == '\r' || c == '\n'; });
+  return text;
+}
 
 }  // namespace
 
@@ -210,15 +217,7 @@ std::string frmMain::trayTip() const {
   return "Vonel - " + AccountTitle(ctx_.Settings, first);
 }
 
-bool frmMain::outboxHoldsMail() const {
-  std::error_code ec;
-  for (std::filesystem::directory_iterator it(ctx_.folders.OutboxFolderPath, ec), end; !ec && it != end;
-       it.increment(ec)) {
-    const std::string name = it->path().filename().string();
-    if (name.size() > 4 && text::equalsNoCase(text::right(name, 4), ".eml")) return true;
-  }
-  return false;
-}
+bool frmMain::outboxHoldsMail() const { return !send::ListOutboxFiles(ctx_.folders.OutboxFolderPath).empty(); }
 
 bool frmMain::ExitProg() {
   auto& log = ctx_.log;
@@ -353,11 +352,7 @@ void frmMain::DeletedSpam(int count) {
   TotalSpamCount += count;
 }
 
-void frmMain::POPError(const std::string&, const std::string& text) {
-  std::string shown = text;
-  std::erase_if(shown, [](char c) { return c == '\r' || c == '\n'; });
-  windows_.setStatusText(shown);
-}
+void frmMain::POPError(const std::string&, const std::string& text) { windows_.setStatusText(withoutLineEnds(text)); }
 
 void frmMain::Cancelled(const std::string&) {
   CurrentAccount = -1;
@@ -387,8 +382,7 @@ void frmMain::fSendMail_Progress(const std::string& text) {
 }
 
 void frmMain::fSendMail_Failed(const std::string& text) {
-  std::string shown = text;
-  std::erase_if(shown, [](char c) { return c == '\r' || c == '\n'; });
+  const std::string shown = withoutLineEnds(text);
   emit sendFailed(toQString(shown));
   // A missing server is reported while the walk still goes on to its end.
   if (!sendMail_->sending()) sendingStopped(shown);
