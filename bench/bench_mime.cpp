@@ -195,9 +195,12 @@ std::string asDelivered(std::string_view file) {
 
 void timeCorpus(const std::filesystem::path& folder) {
   std::vector<std::filesystem::path> files;
-  // The messages lie in the group folders; files beside them are indexes.
+  // The messages lie in the group folders; files beside them, and the JSON
+  // copies of each message, are the corpus's own indexes.
   for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-    if (entry.is_regular_file() && entry.path().parent_path() != folder) files.push_back(entry.path());
+    if (entry.is_regular_file() && entry.path().parent_path() != folder && entry.path().extension() != ".json") {
+      files.push_back(entry.path());
+    }
   }
   std::size_t bytes = 0;
   std::size_t checksum = 0;
