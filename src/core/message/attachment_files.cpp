@@ -14,6 +14,8 @@ namespace {
 
 constexpr std::string_view kModule = "modAttachments";
 constexpr std::string_view kFallbackName = "attachment";
+constexpr std::string_view kSaveTitle = "Save attachments";
+constexpr std::string_view kTitle = "Vonel";
 // Short enough that the UTF-8 form of any Windows-1252 name fits a file system's 255 bytes.
 constexpr std::size_t kLongestName = 80;
 constexpr std::size_t kLongestExtension = 16;
@@ -41,8 +43,15 @@ std::string cutToLength(std::string name) {
   return text::trimRight(name.substr(0, kLongestName - extensionLength)) + extension;
 }
 
-void logWriteFailure(cSharedLogging* log, std::string_view procedure) {
-  if (log) logFailure(*log, AppError::from(std::current_exception()), procedure, kModule);
+// The part's bytes into the file; a failure is logged, not thrown.
+std::optional<fs::path> writeLogged(const fs::path& file, const clsMimeType& part, cSharedLogging* log) {
+  try {
+    WriteFile(file, part.Data, part.Encoding);
+    return file;
+  } catch (...) {
+    if (log) logFailure(*log, AppError::from(std::current_exception()), "WriteFile", kModule);
+    return std::nullopt;
+  }
 }
 
 }  // namespace
@@ -74,14 +83,7 @@ fs::path AttachmentPath(const fs::path& folder, std::string_view filename) {
 }
 
 std::optional<fs::path> SaveAttachment(const clsMimeType& part, const fs::path& folder, cSharedLogging* log) {
-  try {
-    const fs::path file = AttachmentPath(folder, part.Filename);
-    WriteFile(file, part.Data, part.Encoding);
-    return file;
-  } catch (...) {
-    logWriteFailure(log, "WriteFile");
-    return std::nullopt;
-  }
+  return writeLogged(AttachmentPath(folder, part.Filename), part, log);
 }
 
 std::vector<fs::path> SaveAllAttachmentsNoUserInput(const clsMessage& message, const fs::path& folder,
@@ -92,6 +94,35 @@ std::vector<fs::path> SaveAllAttachmentsNoUserInput(const clsMessage& message, c
     if (part.Filename.empty()) continue;
     if (auto file = SaveAttachment(part, folder, log)) written.push_back(std::move(*file));
   }
+  return written;
+}
+
+std::vector<fs::path> SaveAllAttachments(const clsMessage& message, bool ask, const fs::path& folder,
+                                         SaveFileChooser& chooser, Prompt& prompt, cSharedLogging* log) {
+  std::vector<const clsMimeType*> named;
+  for (std::size_t i = 1; i <= message.MimePartCount(); ++i) {
+    if (!message.MimePart(i).Filename.empty()) named.push_back(&message.MimePart(i));
+  }
+  if (named.empty()) return {};
+  if (named.size() == 1) {
+    const fs::path proposal = AttachmentPath(folder, named.front()->Filename);
+    // The file the user picked is taken as chosen; only names from mail are made safe.
+    const auto chosen = ask ? chooser.chooseSaveFile(kSaveTitle, proposal) : std::optional<fs::path>(proposal);
+    if (!chosen) return {};
+    if (auto file = writeLogged(*chosen, *named.front(), log)) return {std::move(*file)};
+    prompt.ask("The attachment could not be saved to:\r\n" + files::TextFromPath(*chosen), Buttons::Ok, kTitle);
+    return {};
+  }
+  fs::path target = folder;
+  if (ask) {
+    const auto chosen = chooser.chooseSaveFile(kSaveTitle, folder / "Click SAVE to save all files");
+    if (!chosen) return {};
+    target = chosen->parent_path();
+  }
+  const auto written = SaveAllAttachmentsNoUserInput(message, target, log);
+  const std::string_view outcome =
+      written.size() == named.size() ? "All attachments saved to:" : "Some attachments could not be saved to:";
+  prompt.ask(std::string(outcome) + "\r\n" + files::TextFromPath(target), Buttons::Ok, kTitle);
   return written;
 }
 

@@ -11,6 +11,7 @@
 
 #include "core/log/logging.h"
 #include "core/message/message.h"
+#include "core/services/prompt.h"
 
 namespace vonel::message {
 
@@ -41,6 +42,23 @@ std::optional<fs::path> SaveAttachment(const clsMimeType& part, const fs::path& 
 // fails is logged and the others are still written. Returns the files written.
 std::vector<fs::path> SaveAllAttachmentsNoUserInput(const clsMessage& message, const fs::path& folder,
                                                     cSharedLogging* log);
+
+// The save-file dialogue the saving of attachments asks through; the window
+// shows a real one, tests answer it.
+class SaveFileChooser {
+ public:
+  virtual ~SaveFileChooser() = default;
+  // The file chosen, or nothing when the user cancelled.
+  virtual std::optional<fs::path> chooseSaveFile(std::string_view title, const fs::path& proposal) = 0;
+};
+
+// Saves the named parts of a message. With `ask`, a dialogue starting in
+// `folder` proposes the one attachment's name and that part goes to the file
+// chosen, or, for several, takes the folder of the file chosen for all;
+// without, they go into `folder`. Several end in a box telling the folder.
+// Returns the files written; a cancelled dialogue writes nothing.
+std::vector<fs::path> SaveAllAttachments(const clsMessage& message, bool ask, const fs::path& folder,
+                                         SaveFileChooser& chooser, Prompt& prompt, cSharedLogging* log);
 
 // True for an attachment that is itself a message, to be opened as one.
 bool IsAttachedMessage(std::string_view filename);

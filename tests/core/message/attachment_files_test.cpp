@@ -120,5 +120,46 @@ TEST(SaveAttachments, AWebPageToOpenTakesTheOtherPartsAlong) {
   EXPECT_TRUE(IsAttachedMessage("Attached_Msg 1.EmL"));
 }
 
+// Answers the save dialogue with a prepared file, or cancels without one.
+class PreparedChooser : public SaveFileChooser {
+ public:
+  std::optional<fs::path> answer;
+  std::string title;
+  fs::path proposal;
+  std::optional<fs::path> chooseSaveFile(std::string_view dialogTitle, const fs::path& proposed) override {
+    title = dialogTitle;
+    proposal = proposed;
+    return answer;
+  }
+};
+
+TEST(SaveAttachments, OneIsSavedAsChosenSeveralGoToTheChosenFolder) {
+  testing::TestHome home;
+  clsMessage one;
+  one.CreateFromText("Content-Type: image/jpeg; name=\"../me\"\r\nContent-Transfer-Encoding: base64\r\n\r\n/9j/\r\n",
+                     false);
+  PreparedChooser chooser;
+  EXPECT_TRUE(SaveAllAttachments(one, true, home.dir.path(), chooser, home.prompt, &home.log).empty());
+  EXPECT_EQ(chooser.title, "Save attachments");
+  EXPECT_EQ(chooser.proposal, home.dir.path() / "me");  // a dot in the name: no extension added
+
+  chooser.answer = home.dir.path() / "picked.jpg";
+  EXPECT_EQ(SaveAllAttachments(one, true, home.dir.path(), chooser, home.prompt, &home.log),
+            std::vector<fs::path>{home.dir.path() / "picked.jpg"});
+  EXPECT_EQ(files::LoadTextFile(home.dir.path() / "picked.jpg"), "\xFF\xD8\xFF");
+  EXPECT_EQ(home.prompt.questions, 0);
+
+  const auto several = withAttachments("data.bin");
+  ASSERT_TRUE(files::MkMissingDir(home.dir.path() / "sub"));
+  chooser.answer = home.dir.path() / "sub" / "whatever";
+  EXPECT_EQ(SaveAllAttachments(several, true, home.dir.path(), chooser, home.prompt, &home.log).size(), 2u);
+  EXPECT_EQ(chooser.proposal.filename(), "Click SAVE to save all files");
+  EXPECT_TRUE(files::FileExists(home.dir.path() / "sub" / "data.bin"));
+  EXPECT_EQ(home.prompt.lastQuestion, "All attachments saved to:\r\n" + (home.dir.path() / "sub").string());
+
+  EXPECT_TRUE(SaveAllAttachments(several, false, home.dir.path() / "gone", chooser, home.prompt, &home.log).empty());
+  EXPECT_TRUE(home.prompt.lastQuestion.starts_with("Some attachments could not be saved to:"));
+}
+
 }  // namespace
 }  // namespace vonel::message
