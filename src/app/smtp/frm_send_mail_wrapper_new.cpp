@@ -238,7 +238,8 @@ void frmSendMailWrapperNew::poSendMail_Disconnected() {
 
 void frmSendMailWrapperNew::poSendMail_SendSuccessful() {
   guardedStep(ctx_.log, "poSendMail_SendSuccessful", kModule, [&] {
-    if (currentFile_ >= outboxFiles_.size()) return;
+    // Only a message of the upload has an outbox file to move; a direct send has none.
+    if (!sendingOneMessage_ || currentFile_ >= outboxFiles_.size()) return;
     const std::string name = outboxFiles_[currentFile_];
     const send::SentMessage sent = send::MoveToSentItems(ctx_.folders.OutboxFolderPath, ctx_.folders.SentFolderPath,
                                                          name, ctx_.log, ctx_.clock);
