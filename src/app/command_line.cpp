@@ -18,6 +18,12 @@ CommandLine parseCommandLine(const QStringList& arguments) {
       line.headless = true;
     } else if (argument == "--scan") {
       line.headless = line.scan = true;
+    } else if (argument == "--download") {
+      line.headless = line.download = true;
+    } else if (argument == "--daemon") {
+      line.headless = line.daemon = true;
+    } else if (argument == "--train") {
+      line.headless = line.train = true;
     } else if (argument == "--score") {
       line.headless = line.score = true;
     } else if (argument == "--send") {
@@ -47,15 +53,19 @@ CommandLine parseCommandLine(const QStringList& arguments) {
     }
   }
   if (line.score && line.passOn.isEmpty()) line.error = "--score needs message files";
+  if (line.scan + line.download + line.daemon > 1) line.error = "--scan, --download and --daemon each run passes: give one";
   return line;
 }
 
 QString commandLineHelp() {
-  return "usage: vonel [--home DIR] [--headless | --scan [--account N] [--delete] | --score FILE...]\n"
-         "             [--merge DATAFILE TEMPLATE] [--send]\n"
+  return "usage: vonel [--home DIR] [--headless | --scan | --download [--account N] [--delete] | --daemon\n"
+         "             | --train | --score FILE...] [--merge DATAFILE TEMPLATE] [--send]\n"
          "  --home DIR     keep settings, logs and mail in DIR\n"
          "  --headless     start up and shut down without windows\n"
          "  --scan         judge the headers waiting on every account, print one line each\n"
+         "  --download     download what passes into the store, print one line each\n"
+         "  --daemon       scan on the auto-scan timer (ScanOnStart, DELAY) until stopped\n"
+         "  --train        train the Bayes filter on the stored mail\n"
          "  --account N    only account N (0 to 19)\n"
          "  --delete       delete failing messages on the server\n"
          "  --score FILE   print the spam score and verdict of each message file\n"

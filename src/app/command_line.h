@@ -10,6 +10,9 @@ struct CommandLine {
   std::optional<QString> home;
   bool headless = false;
   bool scan = false;          // one pass over the servers, headers only
+  bool download = false;      // one pass that downloads what passes into the store
+  bool daemon = false;        // passes on the auto-scan timer until stopped
+  bool train = false;         // train the Bayes filter on the stored mail
   bool deleteOnServer = false;
   int account = -1;           // the one account of the pass, or all
   bool score = false;         // print the Bayes score of each message file in passOn

@@ -1,7 +1,13 @@
 #include "app/frm_main.h"
 
+#include <QProcess>
+#include <optional>
+
 #include "app/event_wait.h"
 #include "app/qtext.h"
+#include "core/message/message_file.h"
+#include "core/store/received_mail.h"
+#include "core/store/suppress_message.h"
 #include "core/send/outbox.h"
 #include "core/services/file_subs.h"
 #include "core/settings/accounts.h"
@@ -20,15 +26,23 @@ std::string withoutLineEnds(std::string text) {
   return text;
 }
 
+constexpr int kTickMs = 1000;
+constexpr int kMidnightCheckMs = 10000;
+
 }  // namespace
 
 frmMain::frmMain(AppContext& context, MainWindowPort& windows, PasswordPrompt& passwords)
     : ctx_(context), windows_(windows), passwords_(passwords), serverFilters_(context), localFilters_(context) {
-  TimerAutoScan.setInterval(1000);
+  TimerAutoScan.setInterval(kTickMs);
+  TimerMidnight.setInterval(kMidnightCheckMs);
   TimerDelayedStart.setInterval(1500);
   TimerDelayedStart.setSingleShot(true);
   TimerUpdateCheck.setInterval(30000);
   TimerUpdateCheck.setSingleShot(true);
+  connect(&TimerAutoScan, &QTimer::timeout, this, &frmMain::TimerAutoScan_Timer);
+  connect(&TimerMidnight, &QTimer::timeout, this, &frmMain::TimerMidnight_Timer);
+  connect(&TimerDelayedStart, &QTimer::timeout, this, &frmMain::TimerDelayedStart_Timer);
+  // The update check has no updater to ask on this platform; the timer only switches itself off.
 }
 
 void frmMain::stage(std::string_view text) {
@@ -117,11 +131,13 @@ StartupResult frmMain::Startup() {
     windows_.pumpEvents();
 
     // The first pass starts from the timer once the window is up, never from here.
-    if (ctx_.Settings.RetrieveSetting("ScanOnStart", Value(false)).flag()) {
-      RetrieveNext = false;
-      TimerAutoScan.start(kFirstScanDelayMs);
-    } else if (ctx_.Settings.RetrieveSetting("RetrieveOnStart", Value(false)).flag()) {
-      RetrieveNext = true;
+    // One tick to wait, at 200 ms: the pass starts on the second.
+    const bool scanOnStart = ctx_.Settings.RetrieveSetting("ScanOnStart", Value(false)).flag();
+    const bool retrieveOnStart = ctx_.Settings.RetrieveSetting("RetrieveOnStart", Value(false)).flag();
+    if (scanOnStart || retrieveOnStart) {
+      RetrieveNext = !scanOnStart;
+      ScanDelay = 1;
+      ScanTicks = 0;
       TimerAutoScan.start(kFirstScanDelayMs);
     }
 
@@ -154,13 +170,17 @@ StartupResult frmMain::Startup() {
 }
 
 // A download cut off by a cancel or a dropped connection leaves its
-// temporary file in the store root; it never became a message.
+// temporary file in the store root; it never became a message. A source
+// shown in a viewer was left there for the viewer, until now.
 void frmMain::removeUnfinishedDownloads() {
   std::error_code ec;
   for (std::filesystem::directory_iterator it(ctx_.folders.MessageFolderPath, ec), end; !ec && it != end;
        it.increment(ec)) {
     const std::string name = it->path().filename().string();
-    if (name.starts_with("mail_") && name.ends_with(".tmp") && it->is_regular_file()) files::EraseFile(it->path());
+    const bool unfinished = name.starts_with("mail_") && name.ends_with(".tmp");
+    const bool viewedSource = text::startsWithNoCase(name, "temp") && name.size() > 4 &&
+                              text::equalsNoCase(text::right(name, 4), ".eml");
+    if ((unfinished || viewedSource) && it->is_regular_file()) files::EraseFile(it->path());
   }
 }
 
@@ -275,14 +295,31 @@ void frmMain::ProcessMail(bool deleteSpam, bool oneAccount, int account, bool re
   ClearMode = clear;
   RetrieveMode = retrieve;
   DeleteSpamMode = deleteSpam;
+  windows_.showPassRunning(true);
   PassedMail = false;
+  StopMailTimer();
   while (Messages.Count() > 0) Messages.Remove(std::size_t{1});
   MessagesListed = 0;
   GoodMessages = 0;
+  AccountMessages.fill(0);
   windows_.setupListView();
   CurrentAccount = account;
   LastAccount = oneAccount ? account : kAccountCount - 1;
   CheckNextAccount(oneAccount);
+}
+
+void frmMain::DownloadMail(bool deleteSpam) {
+  if (!CheckingMail) ProcessMail(deleteSpam, false, 0, true, false);
+}
+
+void frmMain::DownloadFromAccount(bool deleteSpam, int account) {
+  if (!CheckingMail) ProcessMail(deleteSpam, true, account, true, false);
+}
+
+void frmMain::FetchSpecificMessage(FetchPurpose purpose, int account, int number) {
+  if (CheckingMail || !getMail_) return;
+  fetchPurpose_ = purpose;
+  getMail_->session().GetSpecificMessage(account, number);
 }
 
 void frmMain::CheckNextAccount(bool force) {
@@ -299,14 +336,16 @@ void frmMain::CheckNextAccount(bool force) {
   });
 }
 
+// Safe to run again with CurrentAccount -1: a time-out reports more than once.
 void frmMain::DoNextAccount() {
   CheckingMail = false;
-  if (CurrentAccount == -1) {
-    NotifyFinishedGettingMail("Finished getting mail");
-    return;
-  }
-  if (LastAccount < kAccountCount - 1) {
-    NotifyFinishedGettingMail("Finished getting mail");
+  const auto passOver = [this](const std::string& text) {
+    windows_.setStatusText("Done");
+    StartMailTimer();
+    NotifyFinishedGettingMail(text);
+  };
+  if (CurrentAccount == -1 || LastAccount < kAccountCount - 1) {
+    passOver("Finished getting mail");
     return;
   }
   ctx_.Settings.StoreSetting("SpamCount", Value(TotalSpamCount));
@@ -315,16 +354,81 @@ void frmMain::DoNextAccount() {
     return;
   }
   CurrentAccount = -1;
+  windows_.setStatusText("Done");
   if (FirstAccount(ctx_.Settings) < 0) {
-    ctx_.prompt.ask("You need to set up your email account(s). Would you like to open the settings screen?",
-                    Buttons::YesNo, "Vonel");
+    // The timer stays off until there is an account to scan.
+    if (ctx_.prompt.ask("You need to set up your email account(s). Would you like to open the settings screen?",
+                        Buttons::YesNo, "Vonel") == Answer::Yes) {
+      windows_.showSettings();
+    }
     emit passEnded(QString());
     return;
   }
+  if (PassedMail && SoundOn) windows_.playSound(ctx_.installFolder() / "ClockChime.wav");
+  StartMailTimer();
   NotifyFinishedGettingMail("Process complete");
 }
 
-void frmMain::NotifyFinishedGettingMail(const std::string& text) { emit passEnded(toQString(text)); }
+void frmMain::NotifyFinishedGettingMail(const std::string& text) {
+  windows_.showPassRunning(false);
+  emit passEnded(toQString(text));
+}
+
+void frmMain::SetMailTimerInterval() {
+  TimerAutoScan.setInterval(kTickMs);
+  ScanDelay = static_cast<int>(ctx_.Settings.RetrieveSetting("DELAY", Value(0)).numberOr(0));
+  DisplayTimeLeft();
+}
+
+// One key governs both the scan at start and the repeating scan.
+void frmMain::StartMailTimer() {
+  if (ctx_.Settings.RetrieveSetting("ScanOnStart", Value(false)).flag()) {
+    ScanTicks = 0;
+    SetMailTimerInterval();
+    TimerAutoScan.start();
+  }
+  windows_.showPassRunning(false);
+}
+
+void frmMain::StopMailTimer() {
+  TimerAutoScan.stop();
+  ScanDelay = 0;
+  ScanTicks = 0;
+  windows_.setTimerStatus("Timer stopped");
+}
+
+void frmMain::DisplayTimeLeft() {
+  if (ScanDelay == 0) {
+    windows_.setTimerStatus("Auto scan Disabled");
+  } else if (ScanTicks == ScanDelay) {
+    windows_.setTimerStatus("Scanning");
+  } else {
+    windows_.setTimerStatus("Next scan: " + std::to_string(ScanDelay - ScanTicks));
+  }
+}
+
+void frmMain::TimerAutoScan_Timer() {
+  if (ScanDelay == 0) return;
+  DisplayTimeLeft();
+  if (++ScanTicks <= ScanDelay) return;
+  StopMailTimer();
+  ProcessMail(AutoDelete, false, 0, RetrieveNext, false);
+  RetrieveNext = false;
+}
+
+void frmMain::TimerMidnight_Timer() {
+  const int day = ctx_.clock.now().day;
+  if (day == dayOfMonth_) return;
+  dayOfMonth_ = day;
+  windows_.dayChanged();
+}
+
+void frmMain::TimerDelayedStart_Timer() {
+  if (!ctx_.RemindersUnavailable) action("Scanning BRD events");
+  dayOfMonth_ = ctx_.clock.now().day;
+  TimerMidnight.start();
+  windows_.setBusy(false);
+}
 
 void frmMain::HeaderReceived(message::clsMessage& received) {
   auto message = std::make_shared<message::clsMessage>(received);
@@ -339,11 +443,74 @@ void frmMain::HeaderReceived(message::clsMessage& received) {
     Messages.Add(message, message->MessageID);
   }
   ++MessagesListed;
+  if (message->FromAccount >= 0 && message->FromAccount < kAccountCount) ++AccountMessages[message->FromAccount];
   if (!message->Deleted && !message->Ignored && message->Bayes < ctx_.SaveToSpamThreshold) ++GoodMessages;
-  if (goingAway) return;
+  if (store::SuppressMessage(*message, ctx_.Settings) || goingAway) return;
   if (!message->Deleted && !message->Ignored) PassedMail = true;
   windows_.addServerMessage(*message, MessagesListed, AccountTitle(ctx_.Settings, message->FromAccount));
 }
+
+// The message is only reported kept once its file is whole on disk, so a
+// failed store never lets the session delete it on the server.
+bool frmMain::MessageReceived(message::clsMessage& message) {
+  std::optional<store::StoredMessage> stored;
+  guardedStep(ctx_.log, "fGetMail_MessageReceived", kModule,
+              [&] { stored = store::SaveReceivedMessage(ctx_, message); });
+  if (!stored) return false;
+  if (!message.RunThisFile.empty()) runRuleProgram(message, stored->file);
+  guardedStep(ctx_.log, "fGetMail_MessageReceived", kModule,
+              [&] { store::AnnounceNewMessage(ctx_, *stored, message, windows_.openMailer()); });
+  windows_.messageStored(message, stored->file);
+  return true;
+}
+
+// Started directly, never through a shell, with the message file as its one argument.
+void frmMain::runRuleProgram(const message::clsMessage& message, const std::filesystem::path& file) {
+  const QString program = toQString(message.RunThisFile);
+  const bool started = QProcess::startDetached(program, {QString::fromStdString(file.string())});
+  ctx_.log.AddAction((started ? "Ran " : "Could not run ") + message.RunThisFile + " for " +
+                         files::TextFromPath(file) + ", as a rule asked",
+                     "fGetMail_MessageReceived", kModule);
+}
+
+void frmMain::SpecificMessage(message::clsMessage& message) {
+  const FetchPurpose purpose = fetchPurpose_;
+  fetchPurpose_ = FetchPurpose::None;
+  guardedStep(ctx_.log, "fGetMail_SpecificMessage", kModule, [&] {
+    switch (purpose) {
+      case FetchPurpose::ViewSource: {
+        windows_.setStatusText("Viewing source");
+        // Left for the viewer to read; removed at the next start.
+        const auto file =
+            message::GetUnusedFilename(message.Read, ctx_.folders.MessageFolderPath, "temp", ".eml", ctx_.clock);
+        files::WriteTextFile(file, message.Messagetext());
+        windows_.openFile(file);
+        break;
+      }
+      case FetchPurpose::Read:
+        windows_.setStatusText("Viewing email");
+        windows_.showMessage(message);
+        break;
+      case FetchPurpose::Download:
+        files::WriteTextFile(message::GetUnusedFilename(message.Read, ctx_.folders.InboxFolderPath, "download",
+                                                        ".eml", ctx_.clock),
+                             message.Messagetext());
+        break;
+      case FetchPurpose::None:
+        break;
+    }
+  });
+}
+
+void frmMain::DoingServer(const std::string& title) { windows_.addServerToLists(title); }
+
+void frmMain::NumberMessagesFound(const std::string& title, long count) {
+  windows_.setServerStatus(title, count == 0   ? std::string("No messages")
+                                  : count == 1 ? std::string("1 message")
+                                               : std::to_string(count) + " messages");
+}
+
+void frmMain::NoMail(const std::string& title) { windows_.setServerStatus(title, "No messages"); }
 
 void frmMain::Progress(const std::string& text) { windows_.setStatusText(text); }
 
@@ -352,23 +519,37 @@ void frmMain::DeletedSpam(int count) {
   TotalSpamCount += count;
 }
 
-void frmMain::POPError(const std::string&, const std::string& text) { windows_.setStatusText(withoutLineEnds(text)); }
+void frmMain::POPError(const std::string& title, const std::string& text) {
+  std::string shown = text;
+  std::erase_if(shown, [](char c) { return c == '\r' || c == '\n'; });
+  windows_.setStatusText(shown);
+  windows_.setServerStatus(title, shown);
+}
 
-void frmMain::Cancelled(const std::string&) {
+void frmMain::Cancelled(const std::string& title) {
+  windows_.setServerStatus(title, "Communications cancelled");
   CurrentAccount = -1;
   DoNextAccount();
 }
 
-void frmMain::TimedOut(const std::string&, int seconds) {
-  windows_.setStatusText("Timed out after " + std::to_string(seconds) + " seconds.");
+void frmMain::TimedOut(const std::string& title, int seconds) {
+  const std::string text = "Timed out after " + std::to_string(seconds) + " seconds.";
+  windows_.setStatusText(text);
+  windows_.setServerStatus(title, text);
   DoNextAccount();
 }
 
 void frmMain::NoMailServer() { DoNextAccount(); }
 
-void frmMain::NoConnection() { windows_.setStatusText("No Internet Connection"); }
+void frmMain::NoConnection() {
+  windows_.showTrayError("No internet connection");
+  windows_.setStatusText("No Internet Connection");
+}
 
-void frmMain::Finished(const std::string&, long) { DoNextAccount(); }
+void frmMain::Finished(const std::string&, long) {
+  windows_.setStatusText("");
+  DoNextAccount();
+}
 
 void frmMain::UploadMail() {
   if (!sendMail_) return;

@@ -4,6 +4,8 @@
 // class that fills MainWindowPort.
 #include <QObject>
 #include <QTimer>
+#include <array>
+#include <filesystem>
 #include <string>
 
 #include "app/main_window_port.h"
@@ -13,10 +15,14 @@
 #include "core/message/messages.h"
 #include "core/rules/frm_filters.h"
 #include "core/services/app_context.h"
+#include "core/settings/accounts.h"
 
 namespace vonel {
 
 enum class StartupResult { Started, NoAccount };
+
+// Why a single message is being fetched from the server.
+enum class FetchPurpose { None, ViewSource, Read, Download };
 
 class frmMain : public QObject, private pop3::GetMailEvents, private SendMailWrapperEvents {
   Q_OBJECT
@@ -34,6 +40,21 @@ class frmMain : public QObject, private pop3::GetMailEvents, private SendMailWra
   void ProcessMail(bool deleteSpam, bool oneAccount, int account, bool retrieve, bool clear);
   void CheckNextAccount(bool force);
   void DoNextAccount();
+
+  // The commands that start a pass; each is ignored while one runs.
+  void DownloadMail(bool deleteSpam);
+  void DownloadFromAccount(bool deleteSpam, int account);
+  // Fetches message `number` of the account for one purpose.
+  void FetchSpecificMessage(FetchPurpose purpose, int account, int number);
+
+  // The auto scan: a tick a second, a pass when DELAY ticks have gone by
+  // since the end of the last one.
+  void SetMailTimerInterval();
+  void StartMailTimer();
+  void StopMailTimer();
+  void DisplayTimeLeft();
+  int ScanDelay = 0;
+  int ScanTicks = 0;
 
   // Sets SendingMail and starts sending the outbox.
   void UploadMail();
@@ -59,9 +80,11 @@ class frmMain : public QObject, private pop3::GetMailEvents, private SendMailWra
   bool PassedMail = false;
   long MessagesListed = 0;
   long GoodMessages = 0;
+  std::array<long, kAccountCount> AccountMessages{};  // messages seen in this pass, by account
   message::clsMessages Messages;
 
   QTimer TimerAutoScan;
+  QTimer TimerMidnight;
   QTimer TimerDelayedStart;
   QTimer TimerUpdateCheck;
 
@@ -78,6 +101,11 @@ class frmMain : public QObject, private pop3::GetMailEvents, private SendMailWra
  private:
   // What the POP3 session reports.
   void HeaderReceived(message::clsMessage& message) override;
+  bool MessageReceived(message::clsMessage& message) override;
+  void SpecificMessage(message::clsMessage& message) override;
+  void DoingServer(const std::string& title) override;
+  void NumberMessagesFound(const std::string& title, long count) override;
+  void NoMail(const std::string& title) override;
   void Progress(const std::string& text) override;
   void DeletedSpam(int count) override;
   void POPError(const std::string& title, const std::string& text) override;
@@ -88,6 +116,10 @@ class frmMain : public QObject, private pop3::GetMailEvents, private SendMailWra
   void Finished(const std::string& title, long count) override;
 
   void NotifyFinishedGettingMail(const std::string& text);
+  void runRuleProgram(const message::clsMessage& message, const std::filesystem::path& file);
+  void TimerAutoScan_Timer();
+  void TimerMidnight_Timer();
+  void TimerDelayedStart_Timer();
 
   // What the outbox sender reports.
   void fSendMail_Progress(const std::string& text) override;
@@ -113,6 +145,8 @@ class frmMain : public QObject, private pop3::GetMailEvents, private SendMailWra
   std::unique_ptr<Pop3Connection> getMail_;
   std::unique_ptr<frmSendMailWrapperNew> sendMail_;
   std::unique_ptr<bayes::frmBayesFilter> bayesForm_;
+  FetchPurpose fetchPurpose_ = FetchPurpose::None;
+  int dayOfMonth_ = 0;
 };
 
 }  // namespace vonel

@@ -1,5 +1,8 @@
 #include "app/headless_run.h"
 
+#include <QTimer>
+#include <atomic>
+#include <csignal>
 #include <cstdio>
 
 #include "app/console_prompt.h"
@@ -9,6 +12,8 @@
 #include "app/qtext.h"
 #include "app/terminal_password.h"
 #include "core/bayes/message_file_score.h"
+#include "core/bayes/training.h"
+#include "core/settings/accounts.h"
 #include "core/rules/status_word.h"
 #include "core/send/mail_merge.h"
 #include "core/text/cp1252.h"
@@ -21,14 +26,27 @@ namespace vonel {
 
 namespace {
 
-// One pass over the servers, each listed header printed as a line.
-void scan(frmMain& controller, HeadlessWindows& windows, const CommandLine& line) {
+// Each listed header and each stored message of a pass as a line.
+void printPassRows(HeadlessWindows& windows, const AppContext& context) {
   windows.onServerMessage = [](const message::clsMessage& m, long number, const std::string& title) {
     const std::string subject = m.Ignored ? "N/A" : m.Subject;
     std::printf("%ld\t%s\t%s\t%s\t%s\t%s\n", number, text::cp1252ToUtf8(title).c_str(),
                 rules::StatusWord(m).c_str(), text::plainText(m.Bayes).c_str(), text::cp1252ToUtf8(m.From).c_str(),
                 text::cp1252ToUtf8(subject).c_str());
+    std::fflush(stdout);
   };
+  windows.onMessageStored = [&context](const message::clsMessage& m, const std::filesystem::path& file) {
+    const auto relative = file.lexically_relative(context.folders.MessageFolderPath);
+    std::printf("stored\t%s\t%s\t%s\t%s\n", text::cp1252ToUtf8(AccountTitle(context.Settings, m.FromAccount)).c_str(),
+                rules::StatusWord(m).c_str(), text::plainText(m.Bayes).c_str(),
+                text::cp1252ToUtf8(relative.empty() ? file.string() : relative.string()).c_str());
+    std::fflush(stdout);
+  };
+}
+
+// One pass over the servers: headers only, or a download into the store.
+void pass(frmMain& controller, HeadlessWindows& windows, const AppContext& context, const CommandLine& line) {
+  printPassRows(windows, context);
   QEventLoop loop;
   QString outcome;
   bool ended = false;
@@ -38,14 +56,62 @@ void scan(frmMain& controller, HeadlessWindows& windows, const CommandLine& line
     ended = true;
     loop.quit();
   });
-  controller.TimerAutoScan.stop();
   const bool oneAccount = line.account >= 0;
-  controller.ProcessMail(line.deleteOnServer, oneAccount, oneAccount ? line.account : 0, false, false);
+  controller.ProcessMail(line.deleteOnServer, oneAccount, oneAccount ? line.account : 0, line.download, false);
   // As Send/Receive does: the upload starts right after the pass and runs beside it.
   if (line.send) controller.UploadMail();
   if (!ended) loop.exec();
   std::printf("%s\n", qPrintable(outcome.isEmpty() ? toQString(windows.statusText) : outcome));
   std::fflush(stdout);
+}
+
+std::atomic<bool> stopRequested{false};
+extern "C" void requestStop(int) { stopRequested = true; }
+
+// Passes on the auto-scan timer, as the window runs them, until SIGINT or SIGTERM.
+bool daemon(frmMain& controller, HeadlessWindows& windows, AppContext& context) {
+  if (!context.Settings.RetrieveSetting("ScanOnStart", Value(false)).flag() ||
+      context.Settings.RetrieveSetting("DELAY", Value(0)).numberOr(0) <= 0) {
+    std::fprintf(stderr, "vonel: the auto scan is off: set ScanOnStart to True and DELAY to the seconds between passes\n");
+    return false;
+  }
+  printPassRows(windows, context);
+  QObject::connect(&controller, &frmMain::passEnded, [](const QString& text) {
+    if (text.isEmpty()) return;
+    std::printf("%s\n", qPrintable(text));
+    std::fflush(stdout);
+  });
+  std::signal(SIGINT, requestStop);
+  std::signal(SIGTERM, requestStop);
+  QEventLoop loop;
+  QTimer watch;
+  QObject::connect(&watch, &QTimer::timeout, &loop, [&loop] {
+    if (stopRequested) loop.quit();
+  });
+  watch.start(100);
+  loop.exec();
+  return true;
+}
+
+// Each step of training as a line; the events run so that a signal can still end the program.
+class PrintedProgress final : public Progress {
+ public:
+  void status(std::string_view text) override {
+    std::printf("%.*s\n", static_cast<int>(text.size()), text.data());
+  }
+  void letEventsRun() override {}
+};
+
+bool train(frmMain& controller, AppContext& context) {
+  PrintedProgress progress;
+  bayes::clsTraining training(context, *controller.BayesForm(), progress);
+  const bool trained = training.GenerateFilters(bayes::TrainingChoices::Read(context.Settings));
+  if (trained) {
+    std::printf("%d good and %d spam messages counted\n", training.GoodTable().MessageCount,
+                training.BadTable().MessageCount);
+  }
+  std::fflush(stdout);
+  return trained;
 }
 
 // One line a file, "<score> <verdict>"; an unreadable file is named on the error stream.
@@ -116,13 +182,18 @@ int runHeadless(const CommandLine& line) {
                  home.string().c_str());
     return 2;
   }
+  // Only the daemon runs passes on the timer; every other command runs its own.
+  if (!line.daemon) controller.StopMailTimer();
   UploadWatch upload(controller);
   const bool merged = !line.merge || merge(controller, context, line);
-  if (line.scan) scan(controller, windows, line);
+  const bool trained = !line.train || train(controller, context);
+  bool daemonRan = true;
+  if (line.scan || line.download) pass(controller, windows, context, line);
+  else if (line.daemon) daemonRan = daemon(controller, windows, context);
   else if (line.send) controller.UploadMail();
   const bool sent = !line.send || upload.wait();
   const bool scored = !line.score || score(controller, context, line);
-  return controller.ExitProg() && scored && merged && sent ? 0 : 1;
+  return controller.ExitProg() && scored && merged && sent && trained && daemonRan ? 0 : 1;
 }
 
 }  // namespace vonel

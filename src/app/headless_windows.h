@@ -31,8 +31,12 @@ class HeadlessWindows final : public MainWindowPort {
   void hideMain() override { hidden = true; }
   void closeOtherWindows(const std::function<void(const std::string&)>&) override {}
   void pumpEvents() override {}
+  void messageStored(const message::clsMessage& message, const std::filesystem::path& file) override {
+    if (onMessageStored) onMessageStored(message, file);
+  }
 
   std::function<void(const message::clsMessage&, long, const std::string&)> onServerMessage;
+  std::function<void(const message::clsMessage&, const std::filesystem::path&)> onMessageStored;
   std::string statusText;
   bool hidden = false;
   WindowGeometry geometry{7668, 7300, 0};

@@ -1,11 +1,13 @@
 #pragma once
 // What start-up and shutdown ask of the windows. The scanner window fills it;
 // a run without windows uses the quiet HeadlessWindows.
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <string_view>
 
 #include "core/message/message.h"
+#include "core/store/received_mail.h"
 
 namespace vonel {
 
@@ -44,6 +46,26 @@ class MainWindowPort {
   virtual void resizeTwips(int widthTwips, int heightTwips) = 0;
   virtual void showMain() = 0;
   virtual void hideMain() = 0;
+
+  // The mail cycle's effects; a window without the part concerned ignores them.
+  // Status panel 2: the auto scan's count-down.
+  virtual void setTimerStatus(std::string_view) {}
+  virtual void addServerToLists(const std::string& /*title*/) {}
+  virtual void setServerStatus(const std::string& /*title*/, std::string_view /*text*/) {}
+  virtual void showTrayError(std::string_view) {}
+  // The toolbar's send-and-receive button shows "stop" while a pass runs.
+  virtual void showPassRunning(bool) {}
+  // A downloaded message has its file.
+  virtual void messageStored(const message::clsMessage&, const std::filesystem::path& /*file*/) {}
+  // A message fetched to be read, in its own window.
+  virtual void showMessage(const message::clsMessage&) {}
+  // Opens a file in the system's viewer for it.
+  virtual void openFile(const std::filesystem::path&) {}
+  virtual void playSound(const std::filesystem::path& /*wave*/) {}
+  virtual void showSettings() {}
+  // The mail window, when it is open, takes new mail itself.
+  virtual store::NewMessageSink* openMailer() { return nullptr; }
+  virtual void dayChanged() {}
 
   // Closes every other window, last opened first, naming each to `onClose`.
   virtual void closeOtherWindows(const std::function<void(const std::string&)>& onClose) = 0;

@@ -51,15 +51,6 @@ std::vector<fs::path> foldersToRead(const fs::path& folder, bool subfolders) {
   return folders;
 }
 
-// A store folder named in any case, as the folder lists name it.
-fs::path storeFolderAnyCase(const fs::path& root, std::string_view relative) {
-  fs::path folder = root;
-  for (const std::string& piece : text::split(relative, "\\")) {
-    if (!piece.empty()) folder = files::ResolveAnyCase(folder, piece);
-  }
-  return folder;
-}
-
 }  // namespace
 
 TrainingChoices TrainingChoices::Read(const cSHAREDSettings& settings) {
@@ -110,7 +101,7 @@ void clsTraining::rebuildFromFolder(const CountTable& side, std::string_view tit
   side.loaded = true;
 }
 
-fs::path clsTraining::spamFolder() const { return storeFolderAnyCase(ctx_.folders.MessageFolderPath, "\\SpamBayes\\"); }
+fs::path clsTraining::spamFolder() const { return store::StoreFolder(ctx_.folders.MessageFolderPath, "\\SpamBayes\\"); }
 
 bool clsTraining::GenerateFilters(const TrainingChoices& choices) {
   bool completed = false;
@@ -120,7 +111,7 @@ bool clsTraining::GenerateFilters(const TrainingChoices& choices) {
       ensureLoaded(good());
     } else {
       rebuildFromFolder(good(), "Good Mail",
-                        storeFolderAnyCase(ctx_.folders.MessageFolderPath, text::lower(choices.goodFolder)),
+                        store::StoreFolder(ctx_.folders.MessageFolderPath, text::lower(choices.goodFolder)),
                         choices.goodSubfolders);
     }
     if (choices.bad == TrainingChoices::Source::File) {

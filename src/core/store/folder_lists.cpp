@@ -90,7 +90,7 @@ FolderChoices FillFolderCombo(cSharedLogging& log, const DataFolders& folders) {
 fs::path StoreFolder(const fs::path& root, std::string_view relative) {
   fs::path folder = root;
   for (const std::string& piece : text::split(relative, "\\")) {
-    if (!piece.empty()) folder /= piece;
+    if (!piece.empty()) folder = files::ResolveAnyCase(folder, piece);
   }
   return folder;
 }

@@ -30,7 +30,8 @@ struct FolderChoices {
 // The folders a message can be filed into: all but the outbox.
 FolderChoices FillFolderCombo(cSharedLogging& log, const DataFolders& folders);
 
-// The folder on disk for a relative store path in the lists' form.
+// The folder on disk for a relative store path in the lists' form ("\\Inbox\\Work\\"),
+// each name matched in any case against the folders that exist.
 std::filesystem::path StoreFolder(const std::filesystem::path& root, std::string_view relative);
 
 // Makes a folder under `parent` (a store path as the chooser shows it) from

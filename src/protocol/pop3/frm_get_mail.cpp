@@ -474,14 +474,14 @@ void frmGetMail::onRetrComplete() {
     localFilters_.CheckMessage(message, false);
   }
   action("Raising event to pass downloaded message to calling routine");
-  events_.MessageReceived(message);
+  const bool kept = events_.MessageReceived(message);
   const long n = reply_.CurrentMessage;
   events_.Progress("Downloaded Message " + ofTotal(n) + " to " +
                    (message.DestFolder.empty() ? std::string("Inbox") : message.DestFolder));
   if (reply_.CurrentMessage > reply_.MessageCount) reply_.MessageCount = reply_.CurrentMessage;
   events_.ProgressBar(reply_.CurrentMessage, reply_.MessageCount);
   // Sent without waiting: its "+OK" comes in ahead of the next reply.
-  if (!message.Ignored && ctx_.Settings.RetrieveSetting("DELETEONRETRIEVE", Value(0)).numberOr(0) == 1) {
+  if (kept && !message.Ignored && ctx_.Settings.RetrieveSetting("DELETEONRETRIEVE", Value(0)).numberOr(0) == 1) {
     send("DELE " + std::to_string(n));
   }
   ++reply_.CurrentMessage;

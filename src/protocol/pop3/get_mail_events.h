@@ -11,7 +11,8 @@ class GetMailEvents {
  public:
   virtual ~GetMailEvents() = default;
   virtual void HeaderReceived(message::clsMessage&) {}
-  virtual void MessageReceived(message::clsMessage&) {}
+  // False when the message could not be kept: it then stays on the server.
+  virtual bool MessageReceived(message::clsMessage&) { return true; }
   virtual void SpecificMessage(message::clsMessage&) {}
   virtual void Progress(const std::string&) {}
   virtual void NumberMessagesFound(const std::string& /*title*/, long /*count*/) {}

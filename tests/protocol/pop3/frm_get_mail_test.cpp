@@ -65,14 +65,16 @@ struct Events : GetMailEvents {
   std::vector<message::clsMessage> headers;
   std::vector<message::clsMessage> downloads;
   std::function<void()> onFinished;
+  bool keep = true;  // whether a download was stored
 
   void HeaderReceived(message::clsMessage& m) override {
     log.push_back("HeaderReceived");
     headers.push_back(m);
   }
-  void MessageReceived(message::clsMessage& m) override {
+  bool MessageReceived(message::clsMessage& m) override {
     log.push_back("MessageReceived");
     downloads.push_back(m);
+    return keep;
   }
   void SpecificMessage(message::clsMessage& m) override {
     log.push_back("SpecificMessage");
@@ -313,6 +315,13 @@ TEST_P(Pop3Session, DeleteOnRetrieveIsPipelinedAheadOfTheNextTop) {
   EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|RETR 1|DELE 1|TOP 2 1|RETR 2|DELE 2|QUIT|");
   ASSERT_EQ(events.downloads.size(), 2u);
   EXPECT_EQ(events.downloads[1].Subject, "second");
+
+  // A message that couldn't be stored is never deleted.
+  server.commands.clear();
+  events.keep = false;
+  session.GetMessages(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|RETR 1|TOP 2 1|RETR 2|QUIT|");
 }
 
 TEST_P(Pop3Session, OneMessageByNumber) {
