@@ -138,12 +138,12 @@ std::string DecodeQuotedPrintableBytes(std::string_view text) {
       out += text[i];
       continue;
     }
-    // A soft line break: "=", blanks or tabs an encoder may have left, and the line end.
-    std::size_t next = text.find_first_not_of(" \t", i + 1);
+    // A soft line break: "=", blanks or tabs an encoder may have left, and the
+    // line end, be it CR LF, LF, a lone CR or CRs doubled by a careless relay.
+    const std::size_t next = text.find_first_not_of(" \t\r", i + 1);
     if (next == std::string_view::npos) break;
-    if (text[next] == '\r' || text[next] == '\n') {
-      if (text[next] == '\r' && next + 1 < text.size() && text[next + 1] == '\n') ++next;
-      i = next;
+    if (text[next] == '\n' || text.substr(i + 1, next - i - 1).find('\r') != std::string_view::npos) {
+      i = text[next] == '\n' ? next : next - 1;
       continue;
     }
     const int byte = hexPairAfter(text, i);
