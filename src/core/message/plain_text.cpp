@@ -104,4 +104,8 @@ std::string ExtractPlainMessage(const clsMessage& message, bool tweaks, cSharedL
   return text;
 }
 
+std::string ExtractPlainMessage(const clsMessage& message, AppContext& context) {
+  return ExtractPlainMessage(message, context.Settings.RetrieveSetting("Tweaks", Value(false)).flag(), &context.log);
+}
+
 }  // namespace vonel::message

@@ -6,6 +6,7 @@
 
 #include "core/services/file_subs.h"
 #include "core/text/strings.h"
+#include "../test_home.h"
 
 namespace vonel::message {
 namespace {
@@ -61,6 +62,12 @@ TEST(ExtractPlainMessage, SpecialCharactersEntitiesAndTheListFooter) {
   const auto m = parsed("From: a@b.c\r\n\r\nCaf&eacute;\x85 \x8B \x97 x\0y\r\nYahoo! Groups Links\r\nfoot"s);
   EXPECT_EQ(ExtractPlainMessage(m, true), "Caf\xE9... < -- xy\r\n");
   EXPECT_EQ(ExtractPlainMessage(m, false), "Caf\xE9... < -- xy\r\nYahoo! Groups Links\r\nfoot");
+
+  testing::TestHome home;
+  AppContext context{home.clock, home.prompt, AppInfo{"Vonel", "1", "os", "/", home.dir.path()}};
+  EXPECT_EQ(ExtractPlainMessage(m, context), ExtractPlainMessage(m, false));
+  context.Settings.StoreSetting("TWEAKS", Value("TRUE"));
+  EXPECT_EQ(ExtractPlainMessage(m, context), ExtractPlainMessage(m, true));
 }
 
 TEST(ExtractHtmlPartText, LineBreaksParagraphsAndLinkTargetsStayVisible) {
