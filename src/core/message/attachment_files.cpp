@@ -134,9 +134,10 @@ std::optional<fs::path> WriteAttachmentToOpen(clsMessage& message, std::size_t i
   if (part.Filename.empty()) return std::nullopt;
   message.AttachmentsFolder = files::TextFromPath(folder);
   if (text::findNoCase(part.Filename, ".htm") && !IsAttachedMessage(part.Filename)) {
-    SaveAllAttachmentsNoUserInput(message, folder, log);
+    const auto written = SaveAllAttachmentsNoUserInput(message, folder, log);
     const fs::path file = AttachmentPath(folder, part.Filename);
-    return files::FileExists(file) ? std::optional<fs::path>(file) : std::nullopt;
+    return std::find(written.begin(), written.end(), file) != written.end() ? std::optional<fs::path>(file)
+                                                                              : std::nullopt;
   }
   return SaveAttachment(part, folder, log);
 }
