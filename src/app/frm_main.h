@@ -24,7 +24,7 @@ enum class StartupResult { Started, NoAccount };
 // Why a single message is being fetched from the server.
 enum class FetchPurpose { None, ViewSource, Read, Download };
 
-class frmMain : public QObject, private pop3::GetMailEvents, private SendMailWrapperEvents {
+class frmMain : public QObject, public pop3::GetMailEvents, private SendMailWrapperEvents {
   Q_OBJECT
 
  public:

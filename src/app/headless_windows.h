@@ -17,6 +17,7 @@ class HeadlessWindows final : public MainWindowPort {
   void showTrayIcon(std::string_view) override {}
   void removeTrayIcon() override {}
   void setStatusText(std::string_view text) override { statusText = text; }
+  void setTimerStatus(std::string_view text) override { timerStatus = text; }
   void addServerMessage(const message::clsMessage& message, long number, const std::string& title) override {
     if (onServerMessage) onServerMessage(message, number, title);
   }
@@ -38,6 +39,7 @@ class HeadlessWindows final : public MainWindowPort {
   std::function<void(const message::clsMessage&, long, const std::string&)> onServerMessage;
   std::function<void(const message::clsMessage&, const std::filesystem::path&)> onMessageStored;
   std::string statusText;
+  std::string timerStatus;
   bool hidden = false;
   WindowGeometry geometry{7668, 7300, 0};
 };

@@ -1,10 +1,12 @@
 #include <QTemporaryDir>
+#include <QSignalSpy>
 #include <QtTest>
 
 #include "app/frm_main.h"
 #include "app/terminal_password.h"
 #include "app/headless_windows.h"
 #include "core/services/file_subs.h"
+#include "core/text/strings.h"
 
 using namespace vonel;
 
@@ -148,6 +150,110 @@ class FrmMainTest : public QObject {
     const std::string log = home.read("log.txt");
     QVERIFY(log.find("Finished Shutdown of 9.9") != std::string::npos);
     QVERIFY(home.read("Vonel.ini").find("MAINWINDOWSTATE, 0 ") != std::string::npos);
+  }
+
+  void theAutoScanCountsTicksFromTheEndOfThePass() {
+    Home home("REPLYADDRESS0,a@b\r\nSCANONSTART,TRUE\r\nDELAY,2\r\n");
+    home.controller->Startup();
+    frmMain& main = *home.controller;
+    main.StopMailTimer();
+    QCOMPARE(home.windows.timerStatus, std::string("Timer stopped"));
+    main.StartMailTimer();
+    QCOMPARE(main.ScanDelay, 2);
+    QCOMPARE(home.windows.timerStatus, std::string("Next scan: 2"));
+    main.TimerAutoScan.setInterval(5);
+    QSignalSpy passes(&main, &frmMain::passEnded);
+    QVERIFY(passes.wait(2000));  // no account has a server: the pass ends at once
+    QCOMPARE(passes.at(0).at(0).toString(), QString("Process complete"));
+    QVERIFY(main.TimerAutoScan.isActive());  // and the count starts again
+    QCOMPARE(main.ScanTicks, 0);
+
+    Home off("REPLYADDRESS0,a@b\r\nSCANONSTART,TRUE\r\n");
+    off.controller->Startup();
+    off.controller->StartMailTimer();
+    QCOMPARE(off.windows.timerStatus, std::string("Auto scan Disabled"));
+    QSignalSpy none(off.controller.get(), &frmMain::passEnded);
+    off.controller->TimerAutoScan.setInterval(5);
+    QVERIFY(!none.wait(100));
+  }
+
+  void scannedHeadersAreKeyedCountedAndListed() {
+    Home home("REPLYADDRESS0,a@b\r\nExclusive0_1,me@example.org\r\n");
+    home.controller->Startup();
+    long listed = 0;
+    home.windows.onServerMessage = [&](const message::clsMessage&, long, const std::string&) { ++listed; };
+    pop3::GetMailEvents& events = *home.controller;
+    for (int i = 0; i < 3; ++i) {
+      message::clsMessage m;
+      m.MessageID = "<same@x>";
+      events.HeaderReceived(m);
+    }
+    message::clsMessage anonymous;
+    anonymous.Sender = "s@x";
+    events.HeaderReceived(anonymous);
+    message::clsMessage elsewhere;  // account 1 lists only mail to its exclusive address
+    elsewhere.FromAccount = 1;
+    elsewhere.setTo_Email("other@example.org");
+    events.HeaderReceived(elsewhere);
+    const message::clsMessages& kept = home.controller->Messages;
+    QVERIFY(kept.Contains("<same@x>") && kept.Contains("<same@x>1") && kept.Contains("<same@x>11"));
+    QVERIFY(kept.Contains("3.28800.s@x"));  // row count, seconds since midnight, sender
+    QCOMPARE(home.controller->MessagesListed, 5L);
+    QCOMPARE(home.controller->AccountMessages[1], 1L);
+    QCOMPARE(listed, 4L);
+  }
+
+  void downloadedMailIsStoredByItsVerdict() {
+    Home home;
+    home.controller->Startup();
+    pop3::GetMailEvents& events = *home.controller;
+    const auto root = home.context->folders.MessageFolderPath;
+    bool allKept = true;
+    const auto receive = [&](const std::string& subject, const std::string& folder = "") -> std::filesystem::path {
+      message::clsMessage m(&home.context->log, &home.clock);
+      m.CreateFromText("Subject: " + subject + "\r\n\r\nbody\r\n", false);
+      m.DestFolder = folder;
+      m.AttachmentsFolder = (home.path() / "missing").string();
+      allKept = events.MessageReceived(m) && allKept;
+      return m.Filename();
+    };
+    const std::string fifty(50, 'a');
+    QCOMPARE(receive(fifty).filename().string(), text::upper(fifty) + " (080000-261123).EML");
+    QCOMPARE(receive(fifty + "b").filename().string(), std::string(35, 'A') + " (080000-261123).EML");
+    const auto deep = receive("Filed", "\\Work\\2026\\");
+    QCOMPARE(deep.parent_path(), root / "Work" / "2026");
+    QCOMPARE(files::LoadTextFile(root / "Work" / "2026" / "Unread.Tag"), std::string("1"));
+    QVERIFY(home.log().find("Filter calls for save all attachments, but folder") != std::string::npos);
+
+    // A store root that can't be made gives way to the program's folder for the run.
+    files::WriteTextFile(home.path() / "blocker", "");
+    home.context->folders.MessageFolderPath = home.path() / "blocker" / "Messages";
+    const auto moved = receive("Rescued", "\\Lists\\");
+    QCOMPARE(moved.parent_path(), home.path() / "Messages" / "Lists");
+    QVERIFY(home.prompt.lastQuestion.starts_with("Cannot find mail folder: "));
+    QVERIFY(allKept);
+  }
+
+  void fetchedMessagesServeTheirPurpose() {
+    Home home;
+    home.controller->Startup();
+    pop3::GetMailEvents& events = *home.controller;
+    message::clsMessage m;
+    m.CreateFromText("Subject: Asked for\r\n\r\nbody\r\n", false);
+    home.controller->FetchSpecificMessage(FetchPurpose::Download, 0, 1);  // no server: only the purpose is kept
+    events.SpecificMessage(m);
+    const auto inbox = home.context->folders.InboxFolderPath;
+    QVERIFY(files::FileExists(inbox / "DOWNLOAD (080000-261123).EML"));
+
+    home.controller->FetchSpecificMessage(FetchPurpose::ViewSource, 0, 1);
+    events.SpecificMessage(m);
+    const auto source = home.context->folders.MessageFolderPath / "TEMP (080000-261123).EML";
+    QCOMPARE(files::LoadTextFile(source), m.Messagetext());  // left for the viewer
+    Home again;
+    std::filesystem::create_directories(again.path() / "Messages");
+    files::WriteTextFile(again.path() / "Messages" / "TEMP (1).EML", "x");
+    again.controller->Startup();
+    QVERIFY(!files::FileExists(again.path() / "Messages" / "TEMP (1).EML"));  // until the next start
   }
 };
 
