@@ -116,13 +116,16 @@ FileView::~FileView() {
 #endif
 }
 
-void WriteTextFile(const fs::path& file, std::string_view bytes) {
-  AtomicFileWriter writer(file);
+void WriteTextFile(const fs::path& file, std::string_view bytes) { WriteTextFile(file, bytes, Durability::Synced); }
+
+void WriteTextFile(const fs::path& file, std::string_view bytes, Durability durability) {
+  AtomicFileWriter writer(file, durability);
   writer.write(bytes);
   writer.commit();
 }
 
-AtomicFileWriter::AtomicFileWriter(fs::path file) : file_(std::move(file)), temporary_(temporarySibling(file_)) {
+AtomicFileWriter::AtomicFileWriter(fs::path file, Durability durability)
+    : file_(std::move(file)), temporary_(temporarySibling(file_)), durability_(durability) {
 #ifdef _WIN32
   out_.open(temporary_, std::ios::binary | std::ios::trunc);
   if (!out_) throw AppError::fromErrno(errno ? errno : EACCES, pathText(file_));
@@ -161,7 +164,7 @@ void AtomicFileWriter::commit() {
   if (!out_) throw AppError(error_number::kDiskFull, "Disk full: " + pathText(file_));
   out_.close();
 #else
-  if (::fsync(fd_) != 0) throw AppError::fromErrno(errno, pathText(file_));
+  if (durability_ == Durability::Synced && ::fsync(fd_) != 0) throw AppError::fromErrno(errno, pathText(file_));
   const int closed = ::close(fd_);
   fd_ = -1;
   if (closed != 0) {

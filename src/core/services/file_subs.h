@@ -48,12 +48,18 @@ class FileView {
 // Replaces the file with the bytes, through a temporary file and a rename.
 void WriteTextFile(const fs::path& file, std::string_view bytes);
 
+// Whether a replacement waits for the disk before the rename. Only small
+// files that can be made again (counts, markers) skip the wait: a new
+// message costs several of them, and each wait is milliseconds.
+enum class Durability { Synced, Unsynced };
+void WriteTextFile(const fs::path& file, std::string_view bytes, Durability durability);
+
 // A replacement of a file written in pieces, for contents too large to hold
 // in memory: the bytes go to a temporary file, and only commit() renames it
 // over the file. A writer dropped without commit() leaves the file as it was.
 class AtomicFileWriter {
  public:
-  explicit AtomicFileWriter(fs::path file);
+  explicit AtomicFileWriter(fs::path file, Durability durability = Durability::Synced);
   ~AtomicFileWriter();
   AtomicFileWriter(const AtomicFileWriter&) = delete;
   AtomicFileWriter& operator=(const AtomicFileWriter&) = delete;
@@ -70,6 +76,7 @@ class AtomicFileWriter {
   int fd_ = -1;
 #endif
   bool committed_ = false;
+  Durability durability_;
 };
 
 // Appends the bytes, creating the file if needed (for logs, not user data).

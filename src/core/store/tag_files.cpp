@@ -40,7 +40,7 @@ void changeUnreadCount(cSharedLogging& log, const fs::path& folder, long change,
     if (total < std::numeric_limits<std::int16_t>::min() || total > std::numeric_limits<std::int16_t>::max()) {
       throw AppError(error_number::kOverflow, "Overflow");
     }
-    files::WriteTextFile(tagFile(folder, kUnreadTag), std::to_string(total));
+    files::WriteTextFile(tagFile(folder, kUnreadTag), std::to_string(total), files::Durability::Unsynced);
   });
 }
 
@@ -73,7 +73,7 @@ void RemoveFromUnreadTag(cSharedLogging& log, const fs::path& folder, int count)
 
 void CreateUnreadTag(cSharedLogging& log, const fs::path& folder, int count) {
   guardedStep(log, "CreateUnreadTag", kModule, [&] {
-    files::WriteTextFile(tagFile(folder, kUnreadTag), std::to_string(count == 0 ? 1 : count));
+    files::WriteTextFile(tagFile(folder, kUnreadTag), std::to_string(count == 0 ? 1 : count), files::Durability::Unsynced);
   });
 }
 
@@ -95,7 +95,7 @@ void AddToLastMessageTag(cSharedLogging& log, const Clock& clock, const fs::path
       newDay = dayNumber(*received);
       if (newDay <= oldDay) return;
     }
-    files::WriteTextFile(tagFile(folder, kLastMessageTag), std::to_string(newDay));
+    files::WriteTextFile(tagFile(folder, kLastMessageTag), std::to_string(newDay), files::Durability::Unsynced);
   });
 }
 
