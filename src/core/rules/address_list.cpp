@@ -41,10 +41,7 @@ void AddressList::load() {
   if (!guardedStep(log_, "LoadList", kModule, [&] { text = files::LoadTextFile(file_); })) return;
   std::string_view rest = text;
   while (!rest.empty()) {
-    const std::size_t end = rest.find('\n');
-    std::string_view line = rest.substr(0, end);
-    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    const std::string_view line = text::nextLine(rest);
     if (text::trimView(line).empty()) continue;
     if (!entries_.add(std::string(line), true)) {
       log_.AddAction("\"" + std::string(line) + "\" is listed twice in " + file_.filename().string() +

@@ -140,13 +140,7 @@ void appendLine(std::string& out, std::string_view key, std::string_view value) 
 void ReadRules(std::string_view text, RuleSet& rules, bool clear, cSharedLogging& log) {
   RuleReader reader(rules, clear, log);
   try {
-    while (!text.empty()) {
-      const std::size_t end = text.find('\n');
-      std::string_view line = text.substr(0, end);
-      text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-      if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-      reader.take(line);
-    }
+    while (!text.empty()) reader.take(text::nextLine(text));
     reader.finish();
   } catch (const AppError& e) {
     logFailure(log, e, "LoadFilters", kModule);

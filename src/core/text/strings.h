@@ -43,4 +43,8 @@ std::vector<std::string> split(std::string_view s, std::string_view separator);
 
 bool startsWithNoCase(std::string_view s, std::string_view prefix);
 
+// Takes the next line off the front of `rest`, without its LF or CR LF; a
+// last line needs no end. Lines end at LF only, so a lone CR stays in the line.
+std::string_view nextLine(std::string_view& rest);
+
 }  // namespace vonel::text
