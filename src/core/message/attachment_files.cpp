@@ -71,11 +71,13 @@ std::string SafeAttachmentName(std::string_view name) {
   if (plain.size() >= 2 && plain[1] == ':') plain.remove_prefix(2);
   std::string safe = text::CleanString(plain);
   std::erase_if(safe, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
+  safe = cutToLength(std::move(safe));
+  // Leading dots hide a file or climb a folder; Windows drops trailing ones.
   const std::size_t first = safe.find_first_not_of(". ");
-  safe = first == std::string::npos ? std::string() : safe.substr(first, safe.find_last_not_of(". ") + 1 - first);
-  if (safe.empty()) return std::string(kFallbackName);
+  if (first == std::string::npos) return std::string(kFallbackName);
+  safe = safe.substr(first, safe.find_last_not_of(". ") + 1 - first);
   if (namesADevice(safe)) safe.insert(std::min(safe.find('.'), safe.size()), "1");
-  return cutToLength(std::move(safe));
+  return safe;
 }
 
 fs::path AttachmentPath(const fs::path& folder, std::string_view filename) {
