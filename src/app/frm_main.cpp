@@ -42,7 +42,7 @@ frmMain::frmMain(AppContext& context, MainWindowPort& windows, PasswordPrompt& p
   connect(&TimerAutoScan, &QTimer::timeout, this, &frmMain::TimerAutoScan_Timer);
   connect(&TimerMidnight, &QTimer::timeout, this, &frmMain::TimerMidnight_Timer);
   connect(&TimerDelayedStart, &QTimer::timeout, this, &frmMain::TimerDelayedStart_Timer);
-  // The update check has no updater to ask on this platform; the timer only switches itself off.
+  connect(&TimerUpdateCheck, &QTimer::timeout, this, &frmMain::updateCheckDue);
 }
 
 void frmMain::stage(std::string_view text) {

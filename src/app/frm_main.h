@@ -44,6 +44,36 @@ class frmMain : public QObject, public pop3::GetMailEvents, private SendMailWrap
   // The commands that start a pass; each is ignored while one runs.
   void DownloadMail(bool deleteSpam);
   void DownloadFromAccount(bool deleteSpam, int account);
+  // The commands of the menus, the toolbar, the keys and the mail window.
+  // Those that start a pass are ignored while one runs; on the toolbar they
+  // stop it instead.
+  void mnuScan_Click();
+  void mnuScanAcc_Click(int account);
+  void ToolbarScan();
+  void ToolbarDelete();
+  void ToolbarSendRcvDel();
+  void ToolbarUpAndDown();
+  // Erases all mail of the account on its server, after asking.
+  void DeleteAllFromAccount(int account);
+  void KeyF2(bool ctrl);
+  void KeyF3();
+  void KeyF5(bool ctrl);
+  void fMailer_DownloadMail();
+  void fMailer_DownloadMailNoUpload();
+  void fMailer_UpDownWithClear();
+  void fMailer_UpDownWithClearFrom(int account);
+  void fMailer_DLWithClear();
+  void fMailer_DLFrom(int account);
+  void fMailer_SendRcvDel();
+  void fMailer_SendRcvDelSpecific(int account);
+  void fMailer_Scan();
+  void fMailer_ScanSpecific(int account);
+  void fMailer_ScanDel();
+  void fMailer_ScanDelSpecific(int account);
+  void fMailer_UploadMail() { UploadMail(); }
+  // Cancels the running pass.
+  void StopPass();
+
   // Fetches message `number` of the account for one purpose.
   void FetchSpecificMessage(FetchPurpose purpose, int account, int number);
 
@@ -97,6 +127,8 @@ class frmMain : public QObject, public pop3::GetMailEvents, private SendMailWrap
   void sendFailed(const QString& text);
   // SendingMail has gone back to false.
   void sendEnded();
+  // Thirty seconds after start: the moment to look for a newer version.
+  void updateCheckDue();
 
  private:
   // What the POP3 session reports.
@@ -120,6 +152,9 @@ class frmMain : public QObject, public pop3::GetMailEvents, private SendMailWrap
   void TimerAutoScan_Timer();
   void TimerMidnight_Timer();
   void TimerDelayedStart_Timer();
+  // The toolbar's way: a running pass is stopped, else `start` runs.
+  template <typename Start>
+  void startOrStop(Start start);
 
   // What the outbox sender reports.
   void fSendMail_Progress(const std::string& text) override;

@@ -255,6 +255,22 @@ class FrmMainTest : public QObject {
     again.controller->Startup();
     QVERIFY(!files::FileExists(again.path() / "Messages" / "TEMP (1).EML"));  // until the next start
   }
+
+  void erasingAnAccountAsksFirst() {
+    Home home("REPLYADDRESS3,a@b\r\nTITLE3,Work\r\nSERVER3,\r\n");
+    home.controller->Startup();
+    QSignalSpy passes(home.controller.get(), &frmMain::passEnded);
+    home.prompt.queue(Answer::No);
+    home.controller->DeleteAllFromAccount(3);
+    QCOMPARE(home.prompt.lastQuestion, std::string("You're about to erase all mail, good and bad, from server\r\n"
+                                                   "'Work' ()\r\nAre you absolutely certain you want to do this?"));
+    QCOMPARE(passes.count(), 0);
+    home.prompt.queue(Answer::Yes);
+    home.controller->DeleteAllFromAccount(3);
+    QCOMPARE(passes.count(), 1);  // an account without a server ends its pass at once
+    QVERIFY(home.controller->ClearMode);
+    QCOMPARE(passes.at(0).at(0).toString(), QString("Finished getting mail"));
+  }
 };
 
 QTEST_GUILESS_MAIN(FrmMainTest)
