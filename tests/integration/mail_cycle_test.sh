@@ -8,7 +8,9 @@ vonel=$1
 source_dir=$2
 work=$(mktemp -d)
 silent_pid=
+mounted=
 cleanup() {
+  [ -z "$mounted" ] || umount "$mounted" || true
   "$source_dir/tools/pop3-server.sh" stop "$work/a" || true
   "$source_dir/tools/pop3-server.sh" stop "$work/b" || true
   [ -z "$silent_pid" ] || kill "$silent_pid" 2>/dev/null || true
@@ -90,6 +92,28 @@ output=$("$vonel" --home "$home" --download --delete </dev/null)
 settings "$port_a" $'DELETEONRETRIEVE,1\r\n'
 "$vonel" --home "$home" --download </dev/null >/dev/null
 [ "$(on_server "$box_a")" -eq 0 ] && [ "$(on_server "$box_b")" -eq 0 ] || fail "DELETEONRETRIEVE left mail on the servers"
+
+# A full disk: what can't be stored stays on the server, even when
+# retrieving deletes. Needs a small file system of its own, so root only.
+small="$work/small"
+mkdir -p "$small"
+if [ "$(id -u)" -eq 0 ] && mount -t tmpfs -o size=64k tmpfs "$small" 2>/dev/null; then
+  mounted=$small
+  printf 'MESSAGEFOLDER,%s\r\n' "$small/Messages" >"$home/Paths.ini"
+  fill_servers
+  head -c 48000 /dev/zero >"$small/filler" 2>/dev/null || true
+  "$vonel" --home "$home" --download </dev/null >"$work/full.out" 2>&1 || true
+  kept=$(find "$small/Messages" -name '*.EML' | wc -l)
+  left=$(( $(on_server "$box_a") + $(on_server "$box_b") ))
+  [ $((kept + left)) -ge 5 ] || fail "a full disk lost mail: $kept stored, $left left on the servers"
+  [ "$left" -ge 2 ] || fail "the disk never filled: $(cat "$work/full.out")"
+  echo "full disk: $kept stored, $left left on the servers"
+  rm -f "$home/Paths.ini"
+  umount "$small"
+  mounted=
+  settings "$port_a" $'DELETEONRETRIEVE,1\r\n'
+  "$vonel" --home "$home" --download </dev/null >/dev/null
+fi
 
 # A server that accepts and never answers ends by time-out, which, going
 # through the cancel, ends the pass; what came before it is stored.
