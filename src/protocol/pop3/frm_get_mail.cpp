@@ -74,9 +74,7 @@ void frmGetMail::GetSpecificMessage(int account, int number) {
   // The tables and the time-out stay those of the last transfer; a first
   // use reads them once so that there is a server to reach.
   if (!tablesRead_) ReadSettings();
-  ++session_;
-  pending_.clear();
-  scanned_ = 0;
+  startSession();
   account_ = account;
   mode_ = Mode::OneMessage;
   specificNumber_ = number;
@@ -89,10 +87,16 @@ void frmGetMail::GetSpecificMessage(int account, int number) {
   link_.connect(a.Server, a.PopPort);
 }
 
-void frmGetMail::Begintransfer(int account, bool deleteSpam, bool force) {
+// A message cut off by a lost connection never reaches the next session.
+void frmGetMail::startSession() {
   ++session_;
   pending_.clear();
   scanned_ = 0;
+  closeTempFile(true);
+}
+
+void frmGetMail::Begintransfer(int account, bool deleteSpam, bool force) {
+  startSession();
   ReadSettings();
   Account& a = accounts_[static_cast<std::size_t>(account)];
   if (a.Server.empty() && a.Check) {
@@ -578,6 +582,7 @@ void frmGetMail::onSocketError(int number, std::string_view description) {
     case 10065:
     case 10053:
       link_.setTimer(false);
+      closeTempFile(true);
       events_.NoConnection();
       events_.Finished(title(), specificCount_);
       return;

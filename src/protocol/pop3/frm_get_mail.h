@@ -60,6 +60,7 @@ class frmGetMail {
   bool takeUnit(std::string& unit);
   void DataArrival(const std::string& packet);
   void dispatch(const std::string& packet);
+  void startSession();
   void onGreeting();
   void onListLines(const std::string& packet);
   void onStat(const std::string& packet);

@@ -324,6 +324,30 @@ TEST_P(Pop3Session, DeleteOnRetrieveIsPipelinedAheadOfTheNextTop) {
   EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|RETR 1|TOP 2 1|RETR 2|QUIT|");
 }
 
+TEST_P(Pop3Session, AConnectionLostInTheMiddleOfAMessageKeepsNothingOfIt) {
+  ctx.Settings.StoreSetting("DELETEONRETRIEVE", Value(1));
+  mailbox({"first"});
+  server.replies["RETR 1"] = "+OK message follows\r\nSubject: first\r\n\r\nhalf of the bo";
+  session.GetMessages(0, false);
+  run();
+  session.onSocketError(10053, "Software caused connection abort");
+  EXPECT_TRUE(events.downloads.empty());
+  EXPECT_EQ(commands().find("DELE"), std::string::npos);
+
+  // The next session starts its message afresh.
+  server.commands.clear();
+  server.replies["RETR 1"] = retrReply("first", "whole body\r\n");
+  session.GetMessages(0, false);
+  run();
+  ASSERT_EQ(events.downloads.size(), 1u);
+  EXPECT_EQ(events.downloads[0].MessageBody(), "whole body\r");
+  std::size_t leftovers = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(ctx.folders.MessageFolderPath)) {
+    leftovers += entry.path().extension() == ".tmp";
+  }
+  EXPECT_EQ(leftovers, 0u);
+}
+
 TEST_P(Pop3Session, OneMessageByNumber) {
   mailbox({"a", "b"});
   server.replies["RETR 2"] = retrReply("b", "text\r\n");
