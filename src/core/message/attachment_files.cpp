@@ -57,6 +57,8 @@ std::optional<fs::path> writeLogged(const fs::path& file, const clsMimeType& par
 }  // namespace
 
 std::string DecodedPartBytes(std::string_view data, std::string_view encoding) {
+  // Not the display decoders: they pad base64 with blanks, keep soft breaks as
+  // line ends and trim, and a saved picture or archive would not open.
   if (encoding == "base64") return DecodeBase64Bytes(data);
   if (encoding == "quoted-printable") return DecodeQuotedPrintableBytes(data);
   return std::string(data);
