@@ -5,6 +5,7 @@
 // --parts lists the MIME parts instead, one tab-separated line each (number,
 // type, name, encoding still to undo, size in bytes once decoded), and
 // --save writes every attachment into DIR.
+#include <algorithm>
 #include <optional>
 #include <ostream>
 
@@ -76,12 +77,19 @@ std::optional<MessageOptions> readOptions(const Arguments& args, std::ostream& e
   return options;
 }
 
+// Text from mail as one column of a tab-separated line: control characters become "?".
+std::string column(std::string_view value) {
+  std::string text(value);
+  std::replace_if(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
+  return text::cp1252ToUtf8(text);
+}
+
 int listParts(const message::clsMessage& parsed, const std::optional<std::string>& saveFolder, std::ostream& out,
               std::ostream& err) {
   for (std::size_t i = 1; i <= parsed.MimePartCount(); ++i) {
     const message::clsMimeType& part = parsed.MimePart(i);
-    out << i << '\t' << text::cp1252ToUtf8(part.ContentType) << '\t' << text::cp1252ToUtf8(part.Filename) << '\t'
-        << part.Encoding << '\t' << message::DecodedPartBytes(part.Data, part.Encoding).size() << '\n';
+    out << i << '\t' << column(part.ContentType) << '\t' << column(part.Filename) << '\t' << column(part.Encoding)
+        << '\t' << message::DecodedPartBytes(part.Data, part.Encoding).size() << '\n';
   }
   if (!saveFolder) return 0;
   const auto folder = files::PathFromText(*saveFolder);
