@@ -27,6 +27,7 @@ void writeFlag(std::string& text, bool flag, std::string_view line) {
     if (text.find(lineWithEnd) == std::string::npos) insertHeaderLine(text, line);
     return;
   }
+  if (text.find(line) == std::string::npos) return;  // no copy of a large message for nothing
   text::ReplaceWith(text, lineWithEnd, "");
   text::ReplaceWith(text, line, "");
 }
@@ -67,7 +68,11 @@ void clsMessage::TagAsSpam() {
 }
 
 std::string clsMessage::RawMessage() const {
-  std::string text = *raw_;
+  // Room for the store's header lines, so that adding them never copies the message again.
+  constexpr std::size_t kStoreLinesRoom = 512;
+  std::string text;
+  text.reserve(raw_->size() + tags_.size() + kStoreLinesRoom);
+  text = *raw_;
   writeFlag(text, Read, "X-Message-Read: 1");
   writeFlag(text, Replied, "X-Message-Replied: 1");
   if (text.find(kReceiveDateName) == std::string::npos) {

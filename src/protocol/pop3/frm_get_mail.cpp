@@ -21,9 +21,11 @@ constexpr std::size_t kLongestGatheredReply = std::size_t{64} << 20;
 bool isMultiLineState(int state) { return state == 3 || state == 6 || state == 7; }
 
 // Everything up to and including the first CR LF goes; without one, the first character.
-std::string withoutFirstLine(const std::string& text) {
+// The status line goes; the rest stays where it is, as a message may be very large.
+std::string withoutFirstLine(std::string text) {
   const std::size_t lineEnd = text::find(text, "\r\n");
-  return text::mid(text, lineEnd + 2);
+  text.erase(0, lineEnd + 1);  // with no line end, the first byte, as it always was
+  return text;
 }
 
 }  // namespace
@@ -361,7 +363,7 @@ void frmGetMail::onTopLines(const std::string& packet) {
     if (reply_.ReplyBuffer.size() > kLongestGatheredReply) errorPath("Reply too long");
     return;
   }
-  std::string headers = withoutFirstLine(reply_.ReplyBuffer);
+  std::string headers = withoutFirstLine(std::move(reply_.ReplyBuffer));
   headers.resize(headers.size() >= 3 ? headers.size() - 3 : 0);
 
   message::clsMessage message(&ctx_.log, &ctx_.clock);
@@ -442,12 +444,11 @@ void frmGetMail::onRetrLines(const std::string& packet) {
 
 void frmGetMail::onRetrComplete() {
   tempFile_.close();
-  reply_.ReplyBuffer = files::LoadTextFile(reply_.TempFileName);
+  std::string text = withoutFirstLine(files::LoadTextFile(reply_.TempFileName));
   files::EraseFile(reply_.TempFileName);
   reply_.FileHandle = 0;
   reply_.BytesReceived = 0;
 
-  std::string text = withoutFirstLine(reply_.ReplyBuffer);
   const std::size_t end = text.find(kTerminator);
   if (end != std::string::npos) text.resize(end);  // the CR before the terminator stays
 
