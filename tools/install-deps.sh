@@ -4,7 +4,7 @@
 set -euo pipefail
 packages=(
   build-essential cmake ccache pkg-config
-  qt6-base-dev qt6-base-dev-tools libgl-dev
+  qt6-base-dev qt6-base-dev-tools libgl-dev qt6-multimedia-dev
   libgtest-dev libgmock-dev libzip-dev
   clang libclang-rt-dev
   dovecot-pop3d python3-aiosmtpd

@@ -1,5 +1,10 @@
 #include "ui/scanner/scanner_window.h"
 
+#ifdef VONEL_HAVE_SOUND
+#include <QSoundEffect>
+#include <QUrl>
+#endif
+
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
@@ -113,6 +118,22 @@ void ScannerWindow::removeTrayIcon() {
 }
 
 void ScannerWindow::setStatusText(std::string_view text) { statusBar()->showMessage(toQString(text)); }
+
+void ScannerWindow::showTrayError(std::string_view text) {
+  if (tray_) tray_->showMessage("Vonel", toQString(text), QSystemTrayIcon::Warning);
+}
+
+void ScannerWindow::playSound(const std::filesystem::path& wave) {
+#ifdef VONEL_HAVE_SOUND
+  if (!std::filesystem::exists(wave)) return;
+  auto* effect = static_cast<QSoundEffect*>(chime_);
+  if (!effect) chime_ = effect = new QSoundEffect(this);
+  effect->setSource(QUrl::fromLocalFile(QString::fromStdString(wave.string())));
+  effect->play();
+#else
+  (void)wave;
+#endif
+}
 
 void ScannerWindow::addServerMessage(const message::clsMessage& m, long number, const std::string& accountTitle) {
   auto* row = new QTreeWidgetItem(list_);

@@ -44,6 +44,9 @@ class ScannerWindow final : public QMainWindow, public MainWindowPort {
   void hideMain() override;
   void closeOtherWindows(const std::function<void(const std::string&)>& onClose) override;
   void pumpEvents() override;
+  void showTrayError(std::string_view text) override;
+  // The end-of-pass chime, where the system can play sound; otherwise nothing.
+  void playSound(const std::filesystem::path& wave) override;
 
  protected:
   // Closing the window only hides it; the program goes on in the tray.
@@ -56,6 +59,7 @@ class ScannerWindow final : public QMainWindow, public MainWindowPort {
   QTreeWidget* list_;
   std::unique_ptr<QSplashScreen> splash_;
   QSystemTrayIcon* tray_ = nullptr;
+  QObject* chime_ = nullptr;  // made at the first sound
 };
 
 }  // namespace vonel
