@@ -1,7 +1,9 @@
 #include "core/settings/settings.h"
 
 #include <algorithm>
+#include <limits>
 
+#include "core/log/app_error.h"
 #include "core/log/show_error.h"
 #include "core/services/file_subs.h"
 #include "core/text/numbers.h"
@@ -189,33 +191,81 @@ int cSHAREDSettings::AddToSet(std::string_view set, const Value& value) {
   const std::string name = text::upper(set);
   int index = 0;
   do {
-    index = LastIndexInSet(name) + 1;
+    const int last = LastIndexInSet(name);
+    if (last == std::numeric_limits<int>::max()) throw AppError(error_number::kOverflow, "Overflow");
+    index = last + 1;
     AddSetting(indexName(name), Value(index));
   } while (IsSettingPresent(memberName(name, index)));
   AddSetting(memberName(name, index), value);
   return index;
 }
 
+bool cSHAREDSettings::isSparse(int last) const {
+  constexpr int kCheapLoopPerSetting = 4;
+  constexpr int kCheapLoop = 16;
+  return last > kCheapLoopPerSetting * SettingsCount() + kCheapLoop;
+}
+
+// An index of billions written by hand must not make a look-up count that
+// far: past a few per setting, the members are found among the settings.
+std::vector<int> cSHAREDSettings::presentMembers(const std::string& set, int last) const {
+  std::vector<int> members;
+  if (!isSparse(last)) {
+    for (int i = 1; i <= last; ++i) {
+      if (IsSettingPresent(memberName(set, i))) members.push_back(i);
+    }
+    return members;
+  }
+  const std::string prefix = set + "_";
+  for (const auto& entry : settings_) {
+    const std::string key = text::upper(entry.key);
+    if (!key.starts_with(prefix)) continue;
+    const std::string_view digits = std::string_view(key).substr(prefix.size());
+    constexpr std::size_t kMostDigits = 10;
+    const bool canonical = !digits.empty() && digits.size() <= kMostDigits && digits.front() != '0' &&
+                           std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; });
+    if (!canonical) continue;
+    const long long index = std::stoll(std::string(digits));
+    if (index <= last) members.push_back(static_cast<int>(index));
+  }
+  std::sort(members.begin(), members.end());
+  return members;
+}
+
+std::optional<int> cSHAREDSettings::findMember(const std::string& set, const Value& value) const {
+  const std::string wanted = setComparable(value);
+  for (const int i : presentMembers(set, LastIndexInSet(set))) {
+    if (setComparable(*findValue(memberName(set, i))) == wanted) return i;
+  }
+  return std::nullopt;
+}
+
 void cSHAREDSettings::DeleteFromSetByValue(std::string_view set, const Value& value) {
   const std::string name = text::upper(set);
-  const std::string wanted = setComparable(value);
-  const int last = LastIndexInSet(name);
-  for (int i = 1; i <= last; ++i) {
-    const Value* member = findValue(memberName(name, i));
-    if (member && setComparable(*member) == wanted) {
-      DeleteFromSetByIndex(name, i);
-      return;
-    }
-  }
+  if (const auto index = findMember(name, value)) DeleteFromSetByIndex(name, *index);
 }
 
 void cSHAREDSettings::DeleteFromSetByIndex(const std::string& set, int index) {
   const int last = LastIndexInSet(set);
   if (index >= last) {
     DeleteSettingByName(memberName(set, index));
-  } else {
+  } else if (!isSparse(last)) {
     for (int j = index + 1; j <= last; ++j) {
       AddSetting(memberName(set, j - 1), RetrieveSetting(memberName(set, j)));
+    }
+    DeleteSettingByName(memberName(set, last));
+  } else {
+    // Only the places next to a present member change; ascending order reads
+    // each member before the shift overwrites it.
+    std::vector<int> places;
+    for (const int member : presentMembers(set, last)) {
+      if (member >= index) places.push_back(member);
+      if (member > index) places.push_back(member - 1);
+    }
+    std::sort(places.begin(), places.end());
+    places.erase(std::unique(places.begin(), places.end()), places.end());
+    for (const int place : places) {
+      if (place < last) AddSetting(memberName(set, place), RetrieveSetting(memberName(set, place + 1)));
     }
     DeleteSettingByName(memberName(set, last));
   }
@@ -223,23 +273,13 @@ void cSHAREDSettings::DeleteFromSetByIndex(const std::string& set, int index) {
 }
 
 bool cSHAREDSettings::ValueInSet(std::string_view set, const Value& value) const {
-  const std::string name = text::upper(set);
-  const std::string wanted = setComparable(value);
-  const int last = LastIndexInSet(name);
-  for (int i = 1; i <= last; ++i) {
-    const Value* member = findValue(memberName(name, i));
-    if (member && setComparable(*member) == wanted) return true;
-  }
-  return false;
+  return findMember(text::upper(set), value).has_value();
 }
 
 int cSHAREDSettings::SetCount(std::string_view set) const {
   const std::string name = text::upper(set);
   const int last = LastIndexInSet(name);
-  int count = 0;
-  for (int i = 1; i <= last; ++i) {
-    if (IsSettingPresent(memberName(name, i))) ++count;
-  }
+  const int count = static_cast<int>(presentMembers(name, last).size());
   if (count != last) {
     log_.AddAction("WARNING: LastIDX and Setcount not the same with setting '" + std::string(set) + "'");
   }

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/log/logging.h"
 #include "core/services/prompt.h"
@@ -68,6 +69,9 @@ class cSHAREDSettings {
   void DeleteFromSetByIndex(const std::string& set, int index);
   std::optional<bool> booleanWord(std::string_view text) const;
   const Value* findValue(std::string_view name) const;
+  bool isSparse(int last) const;
+  std::vector<int> presentMembers(const std::string& set, int last) const;
+  std::optional<int> findMember(const std::string& set, const Value& value) const;
 
   cSharedLogging& log_;
   Prompt& prompt_;

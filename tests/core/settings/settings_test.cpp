@@ -160,6 +160,20 @@ TEST_F(SetsTest, CountWarnsAboutHolesAndDeleteReachesOnlyTenPastTheCount) {
   EXPECT_TRUE(settings.IsSettingPresent("KEY_15"));
 }
 
+TEST_F(SetsTest, AHandWrittenHugeIndexStaysCheapAndKeepsTheMembers) {
+  load("KEY_INDEX,2147483000\r\nKEY_1,a\r\nKEY_3,c\r\n");
+  EXPECT_EQ(settings.SetCount("key"), 2);
+  EXPECT_TRUE(settings.ValueInSet("key", Value("c")));
+  EXPECT_FALSE(settings.ValueInSet("key", Value("z")));
+  settings.DeleteFromSetByValue("key", Value("a"));
+  EXPECT_EQ(settings.RetrieveSetting("KEY_2").text(), "c");
+  EXPECT_EQ(settings.LastIndexInSet("key"), 2147482999);
+
+  load("KEY_INDEX,2147483647\r\nKEY_2147483647,top\r\n");
+  EXPECT_EQ(settings.SetCount("key"), 1);
+  EXPECT_THROW(settings.AddToSet("key", Value("x")), AppError);
+}
+
 TEST_F(SetsTest, AMissingSetIsEmpty) {
   EXPECT_EQ(settings.LastIndexInSet("none"), 0);
   EXPECT_EQ(settings.SetCount("none"), 0);
