@@ -324,11 +324,14 @@ void frmMain::FetchSpecificMessage(FetchPurpose purpose, int account, int number
 
 void frmMain::CheckNextAccount(bool force) {
   guardedStep(ctx_.log, "CheckNextAccount", kModule, [&] {
-    if (text::trim(ctx_.Settings.RetrieveSetting(accountKey("SERVER", CurrentAccount), Value("")).text()).empty()) {
+    const std::string server =
+        text::trim(ctx_.Settings.RetrieveSetting(accountKey("SERVER", CurrentAccount), Value("")).text());
+    if (server.empty()) {
       DoNextAccount();
       return;
     }
     CheckingMail = true;
+    ServerNames[static_cast<std::size_t>(CurrentAccount)] = server;
     auto& session = getMail_->session();
     if (RetrieveMode) session.GetMessages(CurrentAccount, DeleteSpamMode, force);
     else if (ClearMode) session.DeleteAllMail(CurrentAccount);

@@ -111,6 +111,7 @@ class frmMain : public QObject, public pop3::GetMailEvents, private SendMailWrap
   long MessagesListed = 0;
   long GoodMessages = 0;
   std::array<long, kAccountCount> AccountMessages{};  // messages seen in this pass, by account
+  std::array<std::string, kAccountCount> ServerNames;  // the server of each account in this pass
   message::clsMessages Messages;
 
   QTimer TimerAutoScan;

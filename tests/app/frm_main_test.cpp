@@ -256,6 +256,19 @@ class FrmMainTest : public QObject {
     QVERIFY(!files::FileExists(again.path() / "Messages" / "TEMP (1).EML"));  // until the next start
   }
 
+  // A refused connection only shows a box; the silence time-out ends the pass.
+  void aRefusedServerTimesOutAndIsNamedForTheList() {
+    Home home("REPLYADDRESS0,a@b\r\nSERVER0, 127.0.0.1 \r\nPOPPORT0,1\r\nMailTimeout,1\r\n");
+    home.controller->Startup();
+    QSignalSpy passes(home.controller.get(), &frmMain::passEnded);
+    home.controller->mnuScan_Click();
+    QVERIFY(passes.wait(10000));
+    QCOMPARE(passes.at(0).at(0).toString(), QString("Finished getting mail"));
+    QVERIFY(home.prompt.lastQuestion.starts_with("Error while connecting to server:\r\n[10061] "));
+    QCOMPARE(home.controller->ServerNames[0], std::string("127.0.0.1"));
+    QVERIFY(!home.controller->CheckingMail);
+  }
+
   void erasingAnAccountAsksFirst() {
     Home home("REPLYADDRESS3,a@b\r\nTITLE3,Work\r\nSERVER3,\r\n");
     home.controller->Startup();
