@@ -27,6 +27,7 @@ std::string withoutLineEnds(std::string text) {
 }
 
 constexpr int kTickMs = 1000;
+constexpr int kIconFlashMs = 500;
 constexpr int kMidnightCheckMs = 10000;
 
 }  // namespace
@@ -34,12 +35,14 @@ constexpr int kMidnightCheckMs = 10000;
 frmMain::frmMain(AppContext& context, MainWindowPort& windows, PasswordPrompt& passwords)
     : ctx_(context), windows_(windows), passwords_(passwords), serverFilters_(context), localFilters_(context) {
   TimerAutoScan.setInterval(kTickMs);
+  TimerIconFlash.setInterval(kIconFlashMs);
   TimerMidnight.setInterval(kMidnightCheckMs);
   TimerDelayedStart.setInterval(1500);
   TimerDelayedStart.setSingleShot(true);
   TimerUpdateCheck.setInterval(30000);
   TimerUpdateCheck.setSingleShot(true);
   connect(&TimerAutoScan, &QTimer::timeout, this, &frmMain::TimerAutoScan_Timer);
+  connect(&TimerIconFlash, &QTimer::timeout, this, &frmMain::SwapTrayIcon);
   connect(&TimerMidnight, &QTimer::timeout, this, &frmMain::TimerMidnight_Timer);
   connect(&TimerDelayedStart, &QTimer::timeout, this, &frmMain::TimerDelayedStart_Timer);
   connect(&TimerUpdateCheck, &QTimer::timeout, this, &frmMain::updateCheckDue);
@@ -237,6 +240,31 @@ std::string frmMain::trayTip() const {
   return "Vonel - " + AccountTitle(ctx_.Settings, first);
 }
 
+void frmMain::StartIconTimer() { TimerIconFlash.start(); }
+
+void frmMain::StopIconTimer() {
+  windows_.setStatusText("Done");
+  TimerIconFlash.stop();
+  trayLarge_ = true;
+  LocalChangeTrayIcon(TrayPicture::LargeS);
+}
+
+void frmMain::SwapTrayIcon() {
+  trayLarge_ = !trayLarge_;
+  LocalChangeTrayIcon(trayLarge_ ? TrayPicture::LargeS : TrayPicture::SmallS);
+}
+
+void frmMain::ShowTrayError() {
+  trayLarge_ = false;
+  LocalChangeTrayIcon(TrayPicture::Error);
+}
+
+void frmMain::LocalChangeTrayIcon(TrayPicture picture) {
+  const int first = FirstAccount(ctx_.Settings);
+  const std::string account = first < 0 ? "" : AccountTitle(ctx_.Settings, first) + " - ";
+  windows_.showTrayPicture(picture, "Vonel - " + account + std::to_string(GoodMessages) + " message(s)");
+}
+
 bool frmMain::outboxHoldsMail() const { return !send::ListOutboxFiles(ctx_.folders.OutboxFolderPath).empty(); }
 
 bool frmMain::ExitProg() {
@@ -298,6 +326,7 @@ void frmMain::ProcessMail(bool deleteSpam, bool oneAccount, int account, bool re
   windows_.showPassRunning(true);
   PassedMail = false;
   StopMailTimer();
+  StartIconTimer();
   while (Messages.Count() > 0) Messages.Remove(std::size_t{1});
   MessagesListed = 0;
   GoodMessages = 0;
@@ -343,7 +372,7 @@ void frmMain::CheckNextAccount(bool force) {
 void frmMain::DoNextAccount() {
   CheckingMail = false;
   const auto passOver = [this](const std::string& text) {
-    windows_.setStatusText("Done");
+    StopIconTimer();
     StartMailTimer();
     NotifyFinishedGettingMail(text);
   };
@@ -357,7 +386,7 @@ void frmMain::DoNextAccount() {
     return;
   }
   CurrentAccount = -1;
-  windows_.setStatusText("Done");
+  StopIconTimer();
   if (FirstAccount(ctx_.Settings) < 0) {
     // The timer stays off until there is an account to scan.
     if (ctx_.prompt.ask("You need to set up your email account(s). Would you like to open the settings screen?",
@@ -545,6 +574,9 @@ void frmMain::TimedOut(const std::string& title, int seconds) {
 void frmMain::NoMailServer() { DoNextAccount(); }
 
 void frmMain::NoConnection() {
+  StopIconTimer();
+  StartMailTimer();
+  ShowTrayError();
   windows_.showTrayError("No internet connection");
   windows_.setStatusText("No Internet Connection");
 }

@@ -83,6 +83,13 @@ class frmMain : public QObject, public pop3::GetMailEvents, private SendMailWrap
   void StartMailTimer();
   void StopMailTimer();
   void DisplayTimeLeft();
+
+  // The tray icon flashes between its two pictures while a pass runs; the
+  // tip counts the good messages of the pass.
+  void StartIconTimer();
+  void StopIconTimer();
+  void SwapTrayIcon();
+  void ShowTrayError();
   int ScanDelay = 0;
   int ScanTicks = 0;
 
@@ -115,6 +122,7 @@ class frmMain : public QObject, public pop3::GetMailEvents, private SendMailWrap
   message::clsMessages Messages;
 
   QTimer TimerAutoScan;
+  QTimer TimerIconFlash;
   QTimer TimerMidnight;
   QTimer TimerDelayedStart;
   QTimer TimerUpdateCheck;
@@ -171,6 +179,7 @@ class frmMain : public QObject, public pop3::GetMailEvents, private SendMailWrap
   void migrateOldSignature();
   void applyWindowSize();
   std::string trayTip() const;
+  void LocalChangeTrayIcon(TrayPicture picture);
   bool outboxHoldsMail() const;
 
   AppContext& ctx_;
@@ -183,6 +192,7 @@ class frmMain : public QObject, public pop3::GetMailEvents, private SendMailWrap
   std::unique_ptr<bayes::frmBayesFilter> bayesForm_;
   FetchPurpose fetchPurpose_ = FetchPurpose::None;
   int dayOfMonth_ = 0;
+  bool trayLarge_ = true;
 };
 
 }  // namespace vonel

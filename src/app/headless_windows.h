@@ -18,6 +18,10 @@ class HeadlessWindows final : public MainWindowPort {
   void removeTrayIcon() override {}
   void setStatusText(std::string_view text) override { statusText = text; }
   void setTimerStatus(std::string_view text) override { timerStatus = text; }
+  void showTrayPicture(TrayPicture picture, std::string_view tip) override {
+    trayPicture = picture;
+    trayTip = tip;
+  }
   void addServerMessage(const message::clsMessage& message, long number, const std::string& title) override {
     if (onServerMessage) onServerMessage(message, number, title);
   }
@@ -40,6 +44,8 @@ class HeadlessWindows final : public MainWindowPort {
   std::function<void(const message::clsMessage&, const std::filesystem::path&)> onMessageStored;
   std::string statusText;
   std::string timerStatus;
+  TrayPicture trayPicture = TrayPicture::LargeS;
+  std::string trayTip;
   bool hidden = false;
   WindowGeometry geometry{7668, 7300, 0};
 };

@@ -18,6 +18,9 @@ struct WindowGeometry {
   int state = 0;  // 0 normal, 1 minimised, 2 maximised
 };
 
+// The tray's three pictures: the letter S large or small, and the error.
+enum class TrayPicture { LargeS, SmallS, Error };
+
 class MainWindowPort {
  public:
   virtual ~MainWindowPort() = default;
@@ -52,7 +55,9 @@ class MainWindowPort {
   virtual void setTimerStatus(std::string_view) {}
   virtual void addServerToLists(const std::string& /*title*/) {}
   virtual void setServerStatus(const std::string& /*title*/, std::string_view /*text*/) {}
+  // The tray balloon of a failure.
   virtual void showTrayError(std::string_view) {}
+  virtual void showTrayPicture(TrayPicture, std::string_view /*tip*/) {}
   // The toolbar's send-and-receive button shows "stop" while a pass runs.
   virtual void showPassRunning(bool) {}
   // A downloaded message has its file.

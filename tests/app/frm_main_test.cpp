@@ -256,17 +256,29 @@ class FrmMainTest : public QObject {
     QVERIFY(!files::FileExists(again.path() / "Messages" / "TEMP (1).EML"));  // until the next start
   }
 
-  // A refused connection only shows a box; the silence time-out ends the pass.
+  // A refused connection only shows a box; the silence time-out ends the
+  // pass. The tray flashes meanwhile.
   void aRefusedServerTimesOutAndIsNamedForTheList() {
-    Home home("REPLYADDRESS0,a@b\r\nSERVER0, 127.0.0.1 \r\nPOPPORT0,1\r\nMailTimeout,1\r\n");
+    Home home("REPLYADDRESS0,a@b\r\nTITLE0,Jo\r\nSERVER0, 127.0.0.1 \r\nPOPPORT0,1\r\nMailTimeout,2\r\n");
     home.controller->Startup();
     QSignalSpy passes(home.controller.get(), &frmMain::passEnded);
     home.controller->mnuScan_Click();
+    QTest::qWait(700);
+    QCOMPARE(home.windows.trayPicture, TrayPicture::SmallS);
     QVERIFY(passes.wait(10000));
     QCOMPARE(passes.at(0).at(0).toString(), QString("Finished getting mail"));
     QVERIFY(home.prompt.lastQuestion.starts_with("Error while connecting to server:\r\n[10061] "));
     QCOMPARE(home.controller->ServerNames[0], std::string("127.0.0.1"));
     QVERIFY(!home.controller->CheckingMail);
+    QVERIFY(!home.controller->TimerIconFlash.isActive());
+    QCOMPARE(home.windows.trayPicture, TrayPicture::LargeS);
+    QCOMPARE(home.windows.trayTip, std::string("Vonel - Jo - 0 message(s)"));
+    QCOMPARE(home.windows.statusText, std::string("Done"));
+
+    pop3::GetMailEvents& events = *home.controller;
+    events.NoConnection();
+    QCOMPARE(home.windows.trayPicture, TrayPicture::Error);
+    QCOMPARE(home.windows.statusText, std::string("No Internet Connection"));
   }
 
   void erasingAnAccountAsksFirst() {

@@ -39,15 +39,20 @@ QPixmap splashPicture() {
   return picture;
 }
 
-QIcon trayPicture() {
+QIcon trayPicture(TrayPicture kind) {
   QPixmap picture(32, 32);
   picture.fill(Qt::transparent);
   QPainter painter(&picture);
-  painter.setBrush(QColor(32, 64, 112));
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setBrush(kind == TrayPicture::Error ? QColor(176, 32, 32) : QColor(32, 64, 112));
   painter.setPen(Qt::NoPen);
   painter.drawEllipse(picture.rect());
+  QFont font = painter.font();
+  font.setBold(true);
+  font.setPixelSize(kind == TrayPicture::SmallS ? 12 : 22);
+  painter.setFont(font);
   painter.setPen(Qt::white);
-  painter.drawText(picture.rect(), Qt::AlignCenter, QStringLiteral("S"));
+  painter.drawText(picture.rect(), Qt::AlignCenter, kind == TrayPicture::Error ? QStringLiteral("!") : QStringLiteral("S"));
   return QIcon(picture);
 }
 
@@ -106,7 +111,7 @@ void ScannerWindow::showTicketButton(bool) {}
 void ScannerWindow::showTrayIcon(std::string_view tip) {
   if (!QSystemTrayIcon::isSystemTrayAvailable()) return;
   if (!tray_) {
-    tray_ = new QSystemTrayIcon(trayPicture(), this);
+    tray_ = new QSystemTrayIcon(trayPicture(TrayPicture::LargeS), this);
     connect(tray_, &QSystemTrayIcon::activated, this, [this] { showMain(); });
   }
   tray_->setToolTip(toQString(tip));
@@ -121,6 +126,12 @@ void ScannerWindow::setStatusText(std::string_view text) { statusBar()->showMess
 
 void ScannerWindow::showTrayError(std::string_view text) {
   if (tray_) tray_->showMessage("Vonel", toQString(text), QSystemTrayIcon::Warning);
+}
+
+void ScannerWindow::showTrayPicture(TrayPicture picture, std::string_view tip) {
+  if (!tray_) return;
+  tray_->setIcon(trayPicture(picture));
+  tray_->setToolTip(toQString(tip));
 }
 
 void ScannerWindow::playSound(const std::filesystem::path& wave) {

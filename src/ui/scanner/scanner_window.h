@@ -45,6 +45,7 @@ class ScannerWindow final : public QMainWindow, public MainWindowPort {
   void closeOtherWindows(const std::function<void(const std::string&)>& onClose) override;
   void pumpEvents() override;
   void showTrayError(std::string_view text) override;
+  void showTrayPicture(TrayPicture picture, std::string_view tip) override;
   // The end-of-pass chime, where the system can play sound; otherwise nothing.
   void playSound(const std::filesystem::path& wave) override;
 
