@@ -132,6 +132,7 @@ StartupResult frmMain::Startup() {
     action("Displaying tray icon");
     windows_.showTrayIcon(trayTip());
     windows_.pumpEvents();
+    StopIconTimer();
 
     // The first pass starts from the timer once the window is up, never from here.
     // One tick to wait, at 200 ms: the pass starts on the second.

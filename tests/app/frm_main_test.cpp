@@ -261,6 +261,7 @@ class FrmMainTest : public QObject {
   void aRefusedServerTimesOutAndIsNamedForTheList() {
     Home home("REPLYADDRESS0,a@b\r\nTITLE0,Jo\r\nSERVER0, 127.0.0.1 \r\nPOPPORT0,1\r\nMailTimeout,2\r\n");
     home.controller->Startup();
+    QCOMPARE(home.windows.trayTip, std::string("Vonel - Jo - 0 message(s)"));
     QSignalSpy passes(home.controller.get(), &frmMain::passEnded);
     home.controller->mnuScan_Click();
     QTest::qWait(700);
