@@ -9,14 +9,10 @@ vonel=$(realpath "$1")
 count=${2:-1000}
 stored=${3:-5000}
 source_dir=$(cd "$(dirname "$0")/.." && pwd)
-work=$(mktemp -d)
-trap '"$source_dir/tools/pop3-server.sh" stop "$work/dovecot" || true; rm -rf "$work"' EXIT
-
-port=$("$source_dir/tools/pop3-server.sh" start "$work/dovecot" jo secret)
-maildir="$work/dovecot/mail/jo/Maildir"
+source "$source_dir/tools/one-dovecot.sh"
 home="$work/home"
 mkdir -p "$home"
-printf 'SERVER0,127.0.0.1\r\nPOPPORT0,%s\r\nUNAME0,jo\r\nPWD0,secret\r\nREPLYADDRESS0,jo@example.org\r\n' "$port" >"$home/Vonel.ini"
+account0_settings >"$home/Vonel.ini"
 printf 'Filtername, Offers\r\nFilterField, Subject:\r\nFilterComparison, cnt\r\nFilterString, offer\r\nFilterAction, 100\r\nFilterDest, \r\nFilterStop, -1\r\n' >"$home/Rules.txt"
 
 # Mixed mail: a tenth is spam caught by a rule, a quarter carries a 20-60 KB attachment.

@@ -8,14 +8,10 @@ shift
 counts=("${@:-1000 6000}")
 [ $# -gt 0 ] || counts=(1000 6000)
 source_dir=$(cd "$(dirname "$0")/.." && pwd)
-work=$(mktemp -d)
-trap '"$source_dir/tools/pop3-server.sh" stop "$work/dovecot" || true; rm -rf "$work"' EXIT
-
-port=$("$source_dir/tools/pop3-server.sh" start "$work/dovecot" jo secret)
-maildir="$work/dovecot/mail/jo/Maildir"
+source "$source_dir/tools/one-dovecot.sh"
 home="$work/home"
 mkdir -p "$home"
-printf 'SERVER0,127.0.0.1\r\nPOPPORT0,%s\r\nUNAME0,jo\r\nPWD0,secret\r\nREPLYADDRESS0,jo@example.org\r\n' "$port" >"$home/Vonel.ini"
+account0_settings >"$home/Vonel.ini"
 
 seconds() { python3 -c 'import sys,time; print(f"{time.time():.6f}")'; }
 filled=0

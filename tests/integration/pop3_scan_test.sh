@@ -3,17 +3,8 @@
 set -euo pipefail
 vonel=$1
 source_dir=$2
-work=$(mktemp -d)
-server="$work/dovecot"
-cleanup() {
-  "$source_dir/tools/pop3-server.sh" stop "$server" || true
-  rm -rf "$work"
-}
-trap cleanup EXIT
 fail() { echo "FAIL: $*" >&2; exit 1; }
-
-port=$("$source_dir/tools/pop3-server.sh" start "$server" jo secret)
-maildir="$server/mail/jo/Maildir"
+source "$source_dir/tools/one-dovecot.sh"
 for i in $(seq 1 50); do
   printf 'From: Sender %d <s%d@example.org>\r\nTo: jo@example.org\r\nSubject: Message number %d\r\nMessage-ID: <%d@example.org>\r\n\r\nBody %d\r\n' \
     "$i" "$i" "$i" "$i" "$i" >"$maildir/new/$(printf '%04d' "$i").test"
@@ -22,10 +13,7 @@ chmod -R a+rwX "$maildir"
 
 home="$work/home"
 mkdir -p "$home"
-settings() {
-  printf 'TITLE0,Loopback\r\nSERVER0,127.0.0.1\r\nPOPPORT0,%s\r\nUNAME0,jo\r\nPWD0,%s\r\nREPLYADDRESS0,jo@example.org\r\nMAILTIMEOUT,%s\r\n' \
-    "$port" "$1" "${2:-30}" >"$home/Vonel.ini"
-}
+settings() { account0_settings "$@" >"$home/Vonel.ini"; }
 
 settings secret
 output=$("$vonel" --home "$home" --scan </dev/null)

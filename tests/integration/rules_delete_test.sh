@@ -4,17 +4,8 @@
 set -euo pipefail
 vonel=$1
 source_dir=$2
-work=$(mktemp -d)
-server="$work/dovecot"
-cleanup() {
-  "$source_dir/tools/pop3-server.sh" stop "$server" || true
-  rm -rf "$work"
-}
-trap cleanup EXIT
 fail() { echo "FAIL: $*" >&2; exit 1; }
-
-port=$("$source_dir/tools/pop3-server.sh" start "$server" jo secret)
-maildir="$server/mail/jo/Maildir"
+source "$source_dir/tools/one-dovecot.sh"
 message() {  # id from to subject
   printf 'From: %s\r\nTo: %s\r\nSubject: %s\r\nMessage-ID: <%s@example.org>\r\n\r\nBody of %s\r\n' \
     "$2" "$3" "$4" "$1" "$1" >"$maildir/new/$1.test"
@@ -31,8 +22,7 @@ chmod -R a+rwX "$maildir"
 
 home="$work/home"
 mkdir -p "$home"
-printf 'TITLE0,Loopback\r\nSERVER0,127.0.0.1\r\nPOPPORT0,%s\r\nUNAME0,jo\r\nPWD0,secret\r\nREPLYADDRESS0,jo@example.org\r\nMAILTIMEOUT,30\r\n' \
-  "$port" >"$home/Vonel.ini"
+account0_settings >"$home/Vonel.ini"
 printf 'bad@spam.example\r\n' >"$home/Blocked.txt"
 printf 'junk.example\r\n' >"$home/BlockedDomains.txt"
 printf 'old@example.org\r\n' >"$home/BlockedRecip.txt"
