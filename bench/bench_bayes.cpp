@@ -14,8 +14,8 @@
 
 #include "core/bayes/bayes_filter.h"
 #include "core/bayes/tokeniser.h"
-#include "core/services/app_context.h"
-#include "core/services/file_subs.h"
+#include "core/context/app_context.h"
+#include "core/files/files.h"
 #include "core/text/strings.h"
 
 namespace {
@@ -81,15 +81,15 @@ std::string generatedMessage(Words& words, int index) {
 
 // The word table: every token of the messages with a probability, then
 // filler keys up to the full size.
-bayes::clsHashTable wordTableFor(const std::vector<message::clsMessage>& messages, Words& words) {
-  bayes::clsHashTable table;
-  table.InitHuge();
-  for (std::size_t i = 0; i < messages.size() && table.LastRecord < kRecords; i += 2) {
-    bayes::HashMessage(table, messages[i], false);
+bayes::WordTable wordTableFor(const std::vector<message::Message>& messages, Words& words) {
+  bayes::WordTable table;
+  table.initHuge();
+  for (std::size_t i = 0; i < messages.size() && table.lastRecord < kRecords; i += 2) {
+    bayes::hashMessage(table, messages[i], false);
   }
-  for (std::int32_t i = 1; i <= table.LastRecord; ++i) table.ChangeValue(i, static_cast<float>(words.number(99) + 1) / 100);
-  for (int i = table.LastRecord; i < kRecords; ++i) {
-    table.InsertRecord(std::string(kPrefixes[i % std::size(kPrefixes)]) + words.word(3, 24) + std::to_string(i),
+  for (std::int32_t i = 1; i <= table.lastRecord; ++i) table.changeValue(i, static_cast<float>(words.number(99) + 1) / 100);
+  for (int i = table.lastRecord; i < kRecords; ++i) {
+    table.insertRecord(std::string(kPrefixes[i % std::size(kPrefixes)]) + words.word(3, 24) + std::to_string(i),
                        static_cast<float>(i % 99 + 1) / 100);
   }
   return table;
@@ -103,7 +103,7 @@ std::vector<std::string> corpusMessages(const std::filesystem::path& folder) {
   std::vector<std::string> texts;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
     if (!entry.is_regular_file()) continue;
-    std::string text = files::LoadTextFile(entry.path());
+    std::string text = files::loadTextFile(entry.path());
     if (text.rfind("From ", 0) == 0) text.erase(0, text.find('\n') + 1);  // the mbox separator line
     texts.push_back(text::replaceAll(text::replaceAll(text, "\r\n", "\n"), "\n", "\r\n"));
   }
@@ -118,60 +118,60 @@ int main(int argc, char** argv) {
   SystemClock clock;
   ScriptedPrompt prompt;
   AppContext context(clock, prompt, AppInfo{"Vonel", "", "", {}, home});
-  context.log.NOLOGGING = true;
-  context.folders.DataFolderPath = home;
+  context.log.loggingOff = true;
+  context.folders.dataFolderPath = home;
 
   Words words;
   std::vector<std::string> texts;
   for (int i = 0; i < kMessages; ++i) texts.push_back(generatedMessage(words, i));
-  std::vector<message::clsMessage> messages(texts.size());
-  for (std::size_t i = 0; i < texts.size(); ++i) messages[i].CreateFromText(texts[i], false);
+  std::vector<message::Message> messages(texts.size());
+  for (std::size_t i = 0; i < texts.size(); ++i) messages[i].createFromText(texts[i], false);
 
-  const bayes::clsHashTable built = wordTableFor(messages, words);
+  const bayes::WordTable built = wordTableFor(messages, words);
   const auto file = home / "HashTable.dat";
-  report("write HashTable.dat (350,000 records)", built.LastRecord, "records",
-         timed([&] { built.WriteHashTable(file, context.log); }));
+  report("write HashTable.dat (350,000 records)", built.lastRecord, "records",
+         timed([&] { built.writeHashTable(file, context.log); }));
   std::printf("  file size %.1f MB\n", static_cast<double>(std::filesystem::file_size(file)) / 1e6);
 
-  bayes::clsHashTable loaded;
-  const Timing loading = timed([&] { loaded.LoadTable(file, context.log); });
-  report("load HashTable.dat", loaded.LastRecord, "records", loading);
+  bayes::WordTable loaded;
+  const Timing loading = timed([&] { loaded.loadTable(file, context.log); });
+  report("load HashTable.dat", loaded.lastRecord, "records", loading);
 
   constexpr int kLookups = 1000000;
   std::size_t found = 0;
   report("look-ups, half of them absent", kLookups, "look-ups", timed([&] {
            for (int i = 0; i < kLookups; ++i) {
-             const auto& key = built.RecString(1 + static_cast<std::int32_t>(static_cast<std::int64_t>(i) * 7919 % kRecords));
-             found += loaded.RecIndex(i % 2 ? key : key + "x") > 0;
+             const auto& key = built.recString(1 + static_cast<std::int32_t>(static_cast<std::int64_t>(i) * 7919 % kRecords));
+             found += loaded.recIndex(i % 2 ? key : key + "x") > 0;
            }
          }));
   found = 0;
 
   report("tokenise 5,000 parsed messages", kMessages, "messages", timed([&] {
            for (const auto& message : messages) {
-             bayes::clsHashTable table;
-             table.InitSmall();
-             bayes::HashMessage(table, message, false);
-             found += static_cast<std::size_t>(table.LastRecord);
+             bayes::WordTable table;
+             table.initSmall();
+             bayes::hashMessage(table, message, false);
+             found += static_cast<std::size_t>(table.lastRecord);
            }
          }));
   std::printf("  %.1f tokens a message\n", static_cast<double>(found) / kMessages);
 
-  bayes::frmBayesFilter filter(context);
+  bayes::BayesFilter filter(context);
   float score = 0;
-  filter.Spamminess(messages.front(), false, score);  // reads the table
+  filter.spamminess(messages.front(), false, score);  // reads the table
   double total = 0;
   report("score 5,000 parsed messages (Spamminess)", kMessages, "messages", timed([&] {
            for (auto& message : messages) {
-             filter.Spamminess(message, false, score);
+             filter.spamminess(message, false, score);
              total += score;
            }
          }));
   report("parse and score 5,000 messages", kMessages, "messages", timed([&] {
            for (const auto& text : texts) {
-             message::clsMessage message;
-             message.CreateFromText(text, false);
-             filter.Spamminess(message, false, score);
+             message::Message message;
+             message.createFromText(text, false);
+             filter.spamminess(message, false, score);
              total += score;
            }
          }));
@@ -181,9 +181,9 @@ int main(int argc, char** argv) {
     const auto corpus = corpusMessages(argv[1]);
     report("parse and score the corpus", static_cast<int>(corpus.size()), "messages", timed([&] {
              for (const auto& text : corpus) {
-               message::clsMessage message;
-               message.CreateFromText(text, false);
-               filter.Spamminess(message, false, score);
+               message::Message message;
+               message.createFromText(text, false);
+               filter.spamminess(message, false, score);
              }
            }));
   }

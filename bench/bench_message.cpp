@@ -1,4 +1,4 @@
-// Times CreateFromText over generated mail: header-only and full parses of
+// Times createFromText over generated mail: header-only and full parses of
 // the same set, and header-only over what a scan really reads (headers and
 // one body line). Prints messages per second and megabytes per second of
 // processor time, so that a busy machine skews the figures less.
@@ -13,7 +13,7 @@
 
 namespace {
 
-using vonel::message::clsMessage;
+using vonel::message::Message;
 
 constexpr int kMessages = 5000;
 
@@ -71,7 +71,7 @@ class MailGenerator {
     }
     h += "From: =?iso-8859-1?Q?Ren=E9_Dupont?= <rene@example.com>\r\n";
     h += "To: Me <me@example.org>\r\nCc: team@example.org\r\n";
-    h += "Subject: =?utf-8?B?" + vonel::message::EncodeMime64String(word() + " " + word()) + "?= " + word() + "\r\n";
+    h += "Subject: =?utf-8?B?" + vonel::message::encodeMime64String(word() + " " + word()) + "?= " + word() + "\r\n";
     h += "Date: Tue, 02 Jan 2024 10:" + std::to_string(10 + next(50)) + ":00 +0100\r\n";
     h += "Message-ID: <" + std::to_string(next(1u << 30)) + "@example.com>\r\nX-Mailer: Generator 1.0\r\n";
     h += "X-Spam-Status: No, score=-1.0\r\nMIME-Version: 1.0\r\n";
@@ -88,7 +88,7 @@ class MailGenerator {
             "</p></body></html>\r\n";
     body += "--" + boundary + "\r\nContent-Type: application/pdf; name=\"file.pdf\"\r\n"
             "Content-Transfer-Encoding: base64\r\n\r\n";
-    const std::string encoded = vonel::message::EncodeMime64String(words(range(1024, 120 * 1024)));
+    const std::string encoded = vonel::message::encodeMime64String(words(range(1024, 120 * 1024)));
     for (std::size_t i = 0; i < encoded.size(); i += 76) body += encoded.substr(i, 76) + "\r\n";
     return body + "--" + boundary + "--\r\n";
   }
@@ -104,9 +104,9 @@ void timeParse(const char* label, const std::vector<std::string>& texts, bool he
   const std::clock_t start = std::clock();
   for (int round = 0; round < rounds; ++round) {
     for (const auto& text : texts) {
-      clsMessage message;
-      message.CreateFromText(text, headerOnly);
-      checksum += message.Subject.size() + message.StrippedBody.size();
+      Message message;
+      message.createFromText(text, headerOnly);
+      checksum += message.subject.size() + message.strippedBody.size();
     }
   }
   const std::clock_t elapsed = std::clock() - start;

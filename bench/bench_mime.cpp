@@ -1,4 +1,4 @@
-// Full parse with every part decoded: CreateFromText(text, false), the exact
+// Full parse with every part decoded: createFromText(text, false), the exact
 // bytes of each part as a save would write them, and the text to show. Prints
 // messages and megabytes per second of processor time over generated mail
 // (plain, alternative, attachments, nested), and the peak memory of one
@@ -22,11 +22,11 @@
 #include "core/message/message.h"
 #include "core/message/plain_text.h"
 #include "core/message/transfer_encoding.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 
 namespace {
 
-using vonel::message::clsMessage;
+using vonel::message::Message;
 
 constexpr int kMessages = 6000;
 
@@ -117,7 +117,7 @@ class MimeMailGenerator {
   }
 
   std::string attachment(std::string_view boundary, std::string_view name, std::string_view data) {
-    const std::string encoded = vonel::message::EncodeMime64String(data);
+    const std::string encoded = vonel::message::encodeMime64String(data);
     std::string part = "--" + std::string(boundary) + "_=_boundary\r\nContent-Type: application/octet-stream; name=\"" +
                        std::string(name) + "\"\r\nContent-Transfer-Encoding: base64\r\n" +
                        "Content-Disposition: attachment; filename=\"" + std::string(name) + "\"\r\n\r\n";
@@ -145,12 +145,12 @@ class MimeMailGenerator {
 
 // Everything a full read of one message does, and a save of its parts would.
 std::size_t parseAndDecode(std::string text) {
-  clsMessage message;
-  message.CreateFromText(std::move(text), false);
-  std::size_t bytes = vonel::message::ExtractPlainMessage(message, false).size();
-  for (std::size_t i = 1; i <= message.MimePartCount(); ++i) {
-    const auto& part = message.MimePart(i);
-    bytes += vonel::message::DecodedPartBytes(part.Data, part.Encoding).size();
+  Message message;
+  message.createFromText(std::move(text), false);
+  std::size_t bytes = vonel::message::extractPlainMessage(message, false).size();
+  for (std::size_t i = 1; i <= message.mimePartCount(); ++i) {
+    const auto& part = message.mimePart(i);
+    bytes += vonel::message::decodedPartBytes(part.data, part.encoding).size();
   }
   return bytes;
 }
@@ -206,7 +206,7 @@ void timeCorpus(const std::filesystem::path& folder) {
   std::size_t checksum = 0;
   const std::clock_t start = std::clock();
   for (const auto& file : files) {
-    const std::string text = vonel::files::LoadTextFile(file);
+    const std::string text = vonel::files::loadTextFile(file);
     bytes += text.size();
     checksum += parseAndDecode(asDelivered(text));
   }
@@ -217,7 +217,7 @@ void timeCorpus(const std::filesystem::path& folder) {
 // peakForHugeMessage, so that the peak it leaves is this message's alone.
 int parseOneFile(const char* file) {
   const std::clock_t start = std::clock();
-  std::string text = vonel::files::LoadTextFile(file);
+  std::string text = vonel::files::loadTextFile(file);
   const double megabytes = static_cast<double>(text.size()) / 1e6;
   const std::size_t decoded = parseAndDecode(std::move(text));
   const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
@@ -228,7 +228,7 @@ int parseOneFile(const char* file) {
 
 void peakForHugeMessage(const char* self) {
   const auto file = std::filesystem::temp_directory_path() / ("bench_mime_" + std::to_string(getpid()) + ".eml");
-  vonel::files::WriteTextFile(file, MimeMailGenerator().huge());
+  vonel::files::writeTextFile(file, MimeMailGenerator().huge());
   std::fflush(stdout);
   const pid_t child = fork();
   if (child == 0) {

@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "core/bayes/bayes_filter.h"
-#include "core/rules/frm_filters.h"
-#include "core/services/file_subs.h"
-#include "core/services/prompt.h"
+#include "core/rules/rule_engine.h"
+#include "core/files/files.h"
+#include "core/interaction/prompt.h"
 
 namespace {
 
@@ -73,9 +73,9 @@ std::string header(std::mt19937& random, int number) {
   return text;
 }
 
-double checksPerSecond(vonel::rules::frmFilters& filters, const std::vector<vonel::message::clsMessage>& headers) {
+double checksPerSecond(vonel::rules::RuleEngine& filters, const std::vector<vonel::message::Message>& headers) {
   const auto start = Clock::now();
-  for (auto m : headers) filters.CheckMessage(m, true);
+  for (auto m : headers) filters.checkMessage(m, true);
   return static_cast<double>(headers.size()) / secondsSince(start);
 }
 
@@ -93,31 +93,31 @@ int main(int argc, char** argv) {
   vonel::SystemClock clock;
   vonel::ScriptedPrompt prompt;
   vonel::AppContext context(clock, prompt, vonel::AppInfo{"Vonel", "bench", "", home, home});
-  context.log.NOLOGGING = true;
-  context.folders.ReadDataFolder();
-  vonel::files::WriteTextFile(home / "Rules.txt", ruleFile(random, ruleCount));
+  context.log.loggingOff = true;
+  context.folders.readDataFolder();
+  vonel::files::writeTextFile(home / "Rules.txt", ruleFile(random, ruleCount));
   for (const char* name : {"Blocked.txt", "BlockedRecip.txt", "Ignore.txt"}) {
-    vonel::files::WriteTextFile(home / name, listFile(random, listCount, false));
+    vonel::files::writeTextFile(home / name, listFile(random, listCount, false));
   }
   for (const char* name : {"BlockedDomains.txt", "BlockedRecipDomains.txt"}) {
-    vonel::files::WriteTextFile(home / name, listFile(random, listCount, true));
+    vonel::files::writeTextFile(home / name, listFile(random, listCount, true));
   }
 
-  vonel::rules::frmFilters filters(context);
+  vonel::rules::RuleEngine filters(context);
   auto start = Clock::now();
-  filters.ReloadFilters(false);
+  filters.reloadFilters(false);
   std::printf("load: %d rules and 5 lists of %d entries in %.1f ms\n", ruleCount, listCount,
               secondsSince(start) * 1000);
 
-  std::vector<vonel::message::clsMessage> headers;
+  std::vector<vonel::message::Message> headers;
   headers.reserve(static_cast<std::size_t>(headerCount));
   for (int i = 0; i < headerCount; ++i) {
-    headers.emplace_back().CreateFromText(header(random, i), true);
+    headers.emplace_back().createFromText(header(random, i), true);
   }
   checksPerSecond(filters, headers);  // warm-up
   std::printf("check, rules and lists only: %.0f checks/s over %d headers\n", checksPerSecond(filters, headers),
               headerCount);
-  vonel::bayes::frmBayesFilter bayes(context);
+  vonel::bayes::BayesFilter bayes(context);
   filters.setScorer(&bayes);
   std::printf("check with the Bayes score:  %.0f checks/s\n", checksPerSecond(filters, headers));
   fs::remove_all(home);

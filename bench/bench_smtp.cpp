@@ -18,9 +18,9 @@
 #include <string>
 #include <vector>
 
-#include "core/services/app_context.h"
-#include "core/services/file_subs.h"
-#include "protocol/smtp/frm_send_mail_new.h"
+#include "core/context/app_context.h"
+#include "core/files/files.h"
+#include "protocol/smtp/smtp_session.h"
 
 using namespace vonel;
 namespace fs = std::filesystem;
@@ -78,7 +78,7 @@ class BlockingLink final : public smtp::Link {
   int state() const override { return fd_ >= 0 ? smtp::kSocketConnected : smtp::kSocketClosed; }
 
   // Feeds the session until the socket is closed.
-  void run(smtp::frmSendMailNew& session) {
+  void run(smtp::SmtpSession& session) {
     char buffer[4096];
     while (fd_ >= 0) {
       if (justConnected_) {
@@ -96,26 +96,26 @@ class BlockingLink final : public smtp::Link {
   bool justConnected_ = false;
 };
 
-class Sequence final : public smtp::SendMailListener {
+class Sequence final : public smtp::SmtpListener {
  public:
-  smtp::frmSendMailNew* session = nullptr;
+  smtp::SmtpSession* session = nullptr;
   std::vector<std::string> texts;
   std::size_t next = 0;
   std::string failure;
 
   void sendNext() {
-    if (next == texts.size()) return session->Disconnect();
+    if (next == texts.size()) return session->disconnect();
     session->setRecipient("to@x.org");
     session->setMessage(texts[next++]);
-    session->Send();
+    session->send();
   }
-  void Connected() override { sendNext(); }
-  void SendSuccessful() override { sendNext(); }
-  void SendFailed(const std::string& errors) override { failure = errors; }
-  void ErrorConnecting() override {}
-  void Disconnected() override {}
-  void Status(const std::string&) override {}
-  void Progress(std::int32_t) override {}
+  void onConnected() override { sendNext(); }
+  void onSendSuccessful() override { sendNext(); }
+  void onSendFailed(const std::string& errors) override { failure = errors; }
+  void onErrorConnecting() override {}
+  void onDisconnected() override {}
+  void onStatus(const std::string&) override {}
+  void onProgress(std::int32_t) override {}
 };
 
 }  // namespace
@@ -126,35 +126,35 @@ int main() {
   FixedClock clock{text::DateTime{2026, 11, 23, 12, 0, 0}};
   ScriptedPrompt prompt;
   AppContext context(clock, prompt, AppInfo{"Vonel", "0.1.0", "", home, home});
-  context.log.NOLOGGING = true;
-  context.Settings.sSet("ReplyAddress0", "me@example.org");
-  context.Settings.sSet("SMTP0", "127.0.0.1");
+  context.log.loggingOff = true;
+  context.settings.set("ReplyAddress0", "me@example.org");
+  context.settings.set("SMTP0", "127.0.0.1");
 
   BlockingLink link;
   Sequence sequence;
-  smtp::frmSendMailNew session(context, link, sequence, 0);
+  smtp::SmtpSession session(context, link, sequence, 0);
   sequence.session = &session;
 
   auto start = std::chrono::steady_clock::now();
   for (int i = 0; i < kMessages; ++i) {
-    session.Initialise(0);
+    session.initialise(0);
     session.setRecipient("to@x.org");
     session.setSubject("Message " + std::to_string(i));
     session.setMessage("Hello,\r\n\r\nthis is message " + std::to_string(i) + ".\r\n\r\nRegards\r\n");
-    if (!session.SpoolToFile(home / "Outbox" / ("00_outbound_" + std::to_string(i) + ".eml"))) return 1;
+    if (!session.spoolToFile(home / "Outbox" / ("00_outbound_" + std::to_string(i) + ".eml"))) return 1;
   }
   const double spoolSeconds = secondsSince(start);
   std::printf("spool:   %d messages in %.3f s = %.0f messages/s\n", kMessages, spoolSeconds, kMessages / spoolSeconds);
 
   for (int i = 0; i < kMessages; ++i)
-    sequence.texts.push_back(files::LoadTextFile(home / "Outbox" / ("00_outbound_" + std::to_string(i) + ".eml")));
+    sequence.texts.push_back(files::loadTextFile(home / "Outbox" / ("00_outbound_" + std::to_string(i) + ".eml")));
   const fs::path serverDir = home / "server";
   const int port = std::atoi(shell("bash '" + kServerScript.string() + "' start '" + serverDir.string() + "'").c_str());
   if (port <= 0) return 1;
-  session.Initialise(0);
-  session.setSMTPPort(port);
+  session.initialise(0);
+  session.setSmtpPort(port);
   start = std::chrono::steady_clock::now();
-  session.Connect();
+  session.connect();
   link.run(session);
   const double sendSeconds = secondsSince(start);
   shell("bash '" + kServerScript.string() + "' stop '" + serverDir.string() + "'");
@@ -173,11 +173,11 @@ int main() {
     writer.commit();
   }
   const long before = peakKilobytes();
-  session.Initialise(0);
+  session.initialise(0);
   session.setRecipient("to@x.org");
   session.setAttachment(big.string());
   start = std::chrono::steady_clock::now();
-  if (!session.SpoolToFile(home / "Outbox" / "00_outbound_big.eml")) return 1;
+  if (!session.spoolToFile(home / "Outbox" / "00_outbound_big.eml")) return 1;
   std::printf("spool:   50 MB attachment in %.3f s; memory peak %ld kB before, %ld kB after\n", secondsSince(start),
               before, peakKilobytes());
   fs::remove_all(home);

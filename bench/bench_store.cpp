@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
-#include "core/services/app_context.h"
-#include "core/services/prompt.h"
-#include "core/services/progress.h"
-#include "core/store/cache.h"
+#include "core/context/app_context.h"
+#include "core/interaction/prompt.h"
+#include "core/interaction/progress.h"
+#include "core/store/folder_cache.h"
 #include "core/store/folder_listing.h"
 
 namespace {
@@ -65,37 +65,37 @@ void run(int count) {
   vonel::SystemClock clock;
   vonel::ScriptedPrompt prompt;
   vonel::AppContext context(clock, prompt, vonel::AppInfo{"Vonel", "bench", "bench", home, home});
-  context.log.NOLOGGING = true;
-  context.folders.ReadMessageFolder();
-  const fs::path inbox = context.folders.InboxFolderPath;
+  context.log.loggingOff = true;
+  context.folders.readMessageFolder();
+  const fs::path inbox = context.folders.inboxFolderPath;
   generate(inbox, count);
   vonel::SilentProgress quiet;
 
   auto start = Clock::now();
   {
-    vonel::store::clsCache cache(context, quiet);
-    cache.FillCache(quiet, inbox, "Inbox");
+    vonel::store::FolderCache cache(context, quiet);
+    cache.fillCache(quiet, inbox, "Inbox");
     const double fill = secondsSince(start);
     const auto writeStart = Clock::now();
-    cache.Clear(false);
+    cache.clear(false);
     std::printf("%6d messages  cold fill %.3f s (%zu files opened, %.0f msg/s), cache written in %.3f s (%.1f MB)\n",
-                count, fill, cache.HeadersRead(), count / fill, secondsSince(writeStart),
+                count, fill, cache.headersRead(), count / fill, secondsSince(writeStart),
                 static_cast<double>(fs::file_size(inbox / "cache.xml")) / 1e6);
   }
 
   start = Clock::now();
-  const auto listed = vonel::store::ListMessageFiles(inbox);
+  const auto listed = vonel::store::listMessageFiles(inbox);
   std::printf("%6d messages  the listing with one time look-up per file alone: %.3f s\n", count, secondsSince(start));
 
   const long before = residentBytes();
   start = Clock::now();
-  vonel::store::clsCache warm(context, quiet);
-  warm.FillCache(quiet, inbox, "Inbox");
+  vonel::store::FolderCache warm(context, quiet);
+  warm.fillCache(quiet, inbox, "Inbox");
   const double open = secondsSince(start);
   const long held = residentBytes() - before;
   std::printf("%6d messages  warm open %.3f s (%zu files opened, %.0f msg/s), %.0f bytes held per message\n", count,
-              open, warm.HeadersRead(), count / open, static_cast<double>(held) / count);
-  warm.Clear(false);
+              open, warm.headersRead(), count / open, static_cast<double>(held) / count);
+  warm.clear(false);
 
   fs::last_write_time(inbox / "REPORT NUMBER 000010 (093015-231126).EML",
                       fs::last_write_time(inbox / "REPORT NUMBER 000010 (093015-231126).EML") + std::chrono::seconds(5));
@@ -103,11 +103,11 @@ void run(int count) {
   std::mt19937 random(9);
   std::ofstream(inbox / "NEW ONE (093015-231126).EML", std::ios::binary) << message(random, count);
   start = Clock::now();
-  vonel::store::clsCache changed(context, quiet);
-  changed.FillCache(quiet, inbox, "Inbox");
+  vonel::store::FolderCache changed(context, quiet);
+  changed.fillCache(quiet, inbox, "Inbox");
   std::printf("%6d messages  one touched, one removed, one added: %.3f s, %zu files opened, %zu listed\n", count,
-              secondsSince(start), changed.HeadersRead(), changed.Count());
-  changed.Clear(false);
+              secondsSince(start), changed.headersRead(), changed.count());
+  changed.clear(false);
   if (!std::getenv("VONEL_BENCH_KEEP")) fs::remove_all(home);
 }
 

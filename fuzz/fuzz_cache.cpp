@@ -9,15 +9,15 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-  vonel::store::ReadCacheText(
+  vonel::store::readCacheText(
       bytes, "/store/Messages", [](const std::filesystem::path& file) { return !file.empty(); },
       [&](vonel::store::CachedMessage&& message) {
         std::string element;  // what was read must write back
-        vonel::store::AppendCacheElement(element, message, message.FileDate);
+        vonel::store::appendCacheElement(element, message, message.fileDate);
       });
-  vonel::store::HtmlDecode(bytes);
-  vonel::store::UnreadCountFromText(bytes);
-  vonel::store::DayFromTagText(bytes);
-  vonel::store::RemoveCount(bytes);
+  vonel::store::htmlDecode(bytes);
+  vonel::store::unreadCountFromText(bytes);
+  vonel::store::dayFromTagText(bytes);
+  vonel::store::removeCount(bytes);
   return 0;
 }

@@ -13,8 +13,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view templateText = split == std::string_view::npos ? rows : bytes.substr(split + 1);
   vonel::SilentProgress progress;
   try {
-    vonel::send::MergeTexts(rows, templateText, {0, "me@example.org"},
-                            [](vonel::message::clsMessage& message) { (void)message.MessageBody(); }, progress);
+    vonel::send::mergeTexts(rows, templateText, {0, "me@example.org"},
+                            [](vonel::message::Message& message) { (void)message.messageBody(); }, progress);
   } catch (const vonel::send::NoEmailField&) {
   }
   return 0;

@@ -18,7 +18,7 @@ namespace {
 using namespace vonel::message;
 
 void checkSafeName(std::string_view name) {
-  const std::string safe = SafeAttachmentName(name);
+  const std::string safe = safeAttachmentName(name);
   if (safe.empty() || safe == "." || safe == ".." || safe.find_first_of("/\\:") != std::string::npos) std::abort();
 }
 
@@ -28,21 +28,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string text(reinterpret_cast<const char*>(data), size);
 
   MimeContent content;
-  NewDecodePart(text, content);
-  for (const clsMimeType& part : content.parts) {
-    (void)DecodedPartBytes(part.Data, part.Encoding);
-    (void)ExtractHtmlPartText(part);
-    checkSafeName(part.Filename);
+  newDecodePart(text, content);
+  for (const MimePart& part : content.parts) {
+    (void)decodedPartBytes(part.data, part.encoding);
+    (void)extractHtmlPartText(part);
+    checkSafeName(part.filename);
   }
   checkSafeName(text);
 
-  (void)QuotedPrintableDecode(text);
-  (void)DecodeMime64(text);
-  (void)DecodeQuotedPrintableBytes(text);
-  if (DecodeBase64Bytes(EncodeMime64String(text)) != text) std::abort();
+  (void)quotedPrintableDecode(text);
+  (void)decodeMime64(text);
+  (void)decodeQuotedPrintableBytes(text);
+  if (decodeBase64Bytes(encodeMime64String(text)) != text) std::abort();
 
-  clsMessage message;
-  message.CreateFromText(text, false);
-  (void)ExtractPlainMessage(message, true);
+  Message message;
+  message.createFromText(text, false);
+  (void)extractPlainMessage(message, true);
   return 0;
 }

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "core/rules/message_check.h"
-#include "core/services/app_context.h"
-#include "protocol/pop3/frm_get_mail.h"
+#include "core/context/app_context.h"
+#include "protocol/pop3/pop3_session.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ struct QuietLink : vonel::protocol::Link {
 };
 
 struct NoPassword : vonel::PasswordPrompt {
-  std::string getpassword(std::string_view, std::string_view, bool& cancelled, bool& save) override {
+  std::string askPassword(std::string_view, std::string_view, bool& cancelled, bool& save) override {
     cancelled = true;
     save = false;
     return {};
@@ -31,14 +31,14 @@ struct World {
   std::filesystem::path home = std::filesystem::temp_directory_path() / "vonel-fuzz-pop3";
   vonel::AppContext ctx{clock, prompt, vonel::AppInfo{"Vonel", "", "", "", home}};
   QuietLink link;
-  vonel::pop3::GetMailEvents events;
+  vonel::pop3::Pop3Listener events;
   vonel::rules::PassEverything check;
   NoPassword passwords;
   World() {
     std::filesystem::create_directories(home);
-    ctx.log.NOLOGGING = true;
-    ctx.Settings.LoadSettingsFromText("SERVER0,x\r\nUNAME0,u\r\nPWD0,p\r\nSTOPATLAST0,0\r\n", "fuzz");
-    ctx.folders.ReadMessageFolder();
+    ctx.log.loggingOff = true;
+    ctx.settings.loadSettingsFromText("SERVER0,x\r\nUNAME0,u\r\nPWD0,p\r\nSTOPATLAST0,0\r\n", "fuzz");
+    ctx.folders.readMessageFolder();
   }
 };
 
@@ -47,13 +47,13 @@ struct World {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static World world;
   if (size < 2) return 0;
-  vonel::pop3::frmGetMail session(world.ctx, world.link, world.events, world.check, world.check, world.passwords);
+  vonel::pop3::Pop3Session session(world.ctx, world.link, world.events, world.check, world.check, world.passwords);
   // The first byte picks the mode, the second the chunk size.
   switch (data[0] % 4) {
-    case 0: session.GetHeaders(0, data[0] & 4); break;
-    case 1: session.GetMessages(0, data[0] & 4); break;
-    case 2: session.GetSpecificMessage(0, data[0] >> 4); break;
-    default: session.DeleteAllMail(0); break;
+    case 0: session.getHeaders(0, data[0] & 4); break;
+    case 1: session.getMessages(0, data[0] & 4); break;
+    case 2: session.getSpecificMessage(0, data[0] >> 4); break;
+    default: session.deleteAllMail(0); break;
   }
   const std::size_t chunk = 1 + data[1] % 64;
   const std::string_view replies(reinterpret_cast<const char*>(data) + 2, size - 2);

@@ -10,23 +10,23 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static vonel::FixedClock clock{vonel::text::DateTime{2026, 1, 1, 0, 0, 0}};
-  static vonel::cSharedLogging& log = []() -> vonel::cSharedLogging& {
-    static vonel::cSharedLogging made(clock, vonel::AppInfo{});
-    made.NOLOGGING = true;
+  static vonel::Log& log = []() -> vonel::Log& {
+    static vonel::Log made(clock, vonel::AppInfo{});
+    made.loggingOff = true;
     return made;
   }();
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   vonel::rules::RuleSet rules;
-  vonel::rules::ReadRules(bytes, rules, true, log);
+  vonel::rules::readRules(bytes, rules, true, log);
   bool storable = true;
-  for (const auto& rule : rules) storable = storable && rule.RuleCount <= vonel::rules::clsFilterNew::kMaxConditions;
+  for (const auto& rule : rules) storable = storable && rule.ruleCount <= vonel::rules::FilterRule::kMaxConditions;
   if (storable) {
     vonel::rules::RuleSet again;
-    vonel::rules::ReadRules(vonel::rules::RuleFileText(rules, false), again, true, log);
+    vonel::rules::readRules(vonel::rules::ruleFileText(rules, false), again, true, log);
     if (again != rules) std::abort();
   }
-  vonel::rules::ReadRules(bytes, rules, false, log);
-  vonel::text::CleanWord(bytes);
-  vonel::rules::DomainOf(bytes);
+  vonel::rules::readRules(bytes, rules, false, log);
+  vonel::text::cleanWord(bytes);
+  vonel::rules::domainOf(bytes);
   return 0;
 }

@@ -4,18 +4,18 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/log/logging.h"
-#include "core/services/clock.h"
-#include "core/services/prompt.h"
-#include "core/settings/settings.h"
+#include "core/log/log.h"
+#include "core/time/clock.h"
+#include "core/interaction/prompt.h"
+#include "core/settings/settings_store.h"
 
 namespace {
 
 struct Quiet {
   vonel::FixedClock clock{vonel::text::DateTime{}};
   vonel::ScriptedPrompt prompt;
-  vonel::cSharedLogging log{clock, vonel::AppInfo{}};
-  Quiet() { log.NOLOGGING = true; }
+  vonel::Log log{clock, vonel::AppInfo{}};
+  Quiet() { log.loggingOff = true; }
 };
 
 }  // namespace
@@ -23,16 +23,16 @@ struct Quiet {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static Quiet quiet;
   const std::string text(reinterpret_cast<const char*>(data), size);
-  vonel::cSHAREDSettings settings(quiet.log, quiet.prompt);
-  settings.LoadSettingsFromText(text, "fuzz");
+  vonel::SettingsStore settings(quiet.log, quiet.prompt);
+  settings.loadSettingsFromText(text, "fuzz");
   const std::string saved = settings.fileText();
-  for (int i = 1; i <= settings.SettingsCount(); ++i) {
-    const auto name = settings.SettingNameByIndex(i);
-    settings.RetrieveWithDefault(name, vonel::Value(1));
-    settings.SetCount(name);
+  for (int i = 1; i <= settings.settingsCount(); ++i) {
+    const auto name = settings.settingNameByIndex(i);
+    settings.getOrDefault(name, vonel::Value(1));
+    settings.setCount(name);
   }
-  vonel::cSHAREDSettings again(quiet.log, quiet.prompt);
-  again.LoadSettingsFromText(saved, "fuzz");
+  vonel::SettingsStore again(quiet.log, quiet.prompt);
+  again.loadSettingsFromText(saved, "fuzz");
   if (again.fileText() != saved) std::abort();
   return 0;
 }

@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/services/app_context.h"
-#include "protocol/smtp/frm_send_mail_new.h"
+#include "core/context/app_context.h"
+#include "protocol/smtp/smtp_session.h"
 
 using namespace vonel;
 
@@ -26,18 +26,18 @@ class CheckedLink final : public smtp::Link {
   int state() const override { return socketState; }
 };
 
-class Silent final : public smtp::SendMailListener {
+class Silent final : public smtp::SmtpListener {
  public:
-  smtp::frmSendMailNew* session = nullptr;
-  void Connected() override { session->Send(); }
-  void SendSuccessful() override {}
-  void SendFailed(const std::string&) override {
+  smtp::SmtpSession* session = nullptr;
+  void onConnected() override { session->send(); }
+  void onSendSuccessful() override {}
+  void onSendFailed(const std::string&) override {
     if (!session->pendingErrors().empty()) std::abort();
   }
-  void ErrorConnecting() override {}
-  void Disconnected() override {}
-  void Status(const std::string&) override {}
-  void Progress(std::int32_t percentage) override {
+  void onErrorConnecting() override {}
+  void onDisconnected() override {}
+  void onStatus(const std::string&) override {}
+  void onProgress(std::int32_t percentage) override {
     if (percentage < 0 || percentage > 100) std::abort();
   }
 };
@@ -47,8 +47,8 @@ struct Quiet {
   ScriptedPrompt prompt;
   AppContext context{clock, prompt, AppInfo{}};
   Quiet() {
-    context.log.NOLOGGING = true;
-    context.Settings.sSet("ReplyAddress0", "me@example.org");
+    context.log.loggingOff = true;
+    context.settings.set("ReplyAddress0", "me@example.org");
   }
 };
 
@@ -59,18 +59,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size < 2) return 0;
   CheckedLink link;
   Silent listener;
-  smtp::frmSendMailNew session(quiet.context, link, listener, 0);
+  smtp::SmtpSession session(quiet.context, link, listener, 0);
   listener.session = &session;
-  session.Initialise(0);
+  session.initialise(0);
   session.setUseAuthentication(data[0] & 1);
   session.setRecipient(data[0] & 2 ? "a@x.org;b@x.org" : "a@x.org");
   session.setCcRecipient(data[0] & 4 ? "c@x.org" : "");
   session.setBccRecipient(data[0] & 8 ? "d@x.org" : "");
   session.setMessage(std::string(data[1], '.'));
   if (data[0] & 16) {
-    session.Connect();
+    session.connect();
   } else {
-    session.Send();
+    session.send();
   }
   // Each step: a control byte, then for replies a chunk of its low bits in length.
   std::size_t at = 2;

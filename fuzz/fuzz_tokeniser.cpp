@@ -9,12 +9,12 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string bytes(reinterpret_cast<const char*>(data), size);
-  vonel::bayes::clsHashTable table;
-  table.InitSmall();
-  vonel::message::clsMessage message;
-  message.CreateFromText(bytes, false);
-  vonel::bayes::HashMessage(table, message, false);
-  for (const char* prefix : {"RCT*", "HDR*", "CT*", "FRM*", ""}) vonel::bayes::BreakAndHash(table, bytes, prefix);
-  vonel::bayes::HashUrls(table, bytes);
+  vonel::bayes::WordTable table;
+  table.initSmall();
+  vonel::message::Message message;
+  message.createFromText(bytes, false);
+  vonel::bayes::hashMessage(table, message, false);
+  for (const char* prefix : {"RCT*", "HDR*", "CT*", "FRM*", ""}) vonel::bayes::breakAndHash(table, bytes, prefix);
+  vonel::bayes::hashUrls(table, bytes);
   return 0;
 }

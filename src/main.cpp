@@ -2,7 +2,7 @@
 #include <cstdio>
 
 #include "app/command_line.h"
-#include "app/frm_main.h"
+#include "app/mail_controller.h"
 #include "app/headless_run.h"
 #include "app/platform.h"
 #include "ui/dialog_prompt.h"
@@ -28,9 +28,9 @@ int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
   vonel::ScannerWindow window;
   prompt.setParent(&window);
   vonel::PasswordDialog passwords(&window);
-  vonel::frmMain controller(context, window, passwords);
-  window.onExit = [&controller] { return controller.ExitProg(); };
-  controller.Startup();
+  vonel::MailController controller(context, window, passwords);
+  window.onExit = [&controller] { return controller.exitProgram(); };
+  controller.startup();
   return application.exec();
 }
 

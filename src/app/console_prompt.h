@@ -1,7 +1,7 @@
 #pragma once
 // Questions asked where nobody can click: each is written to the error
 // stream with the answer taken, which is the cautious default of its buttons.
-#include "core/services/prompt.h"
+#include "core/interaction/prompt.h"
 
 namespace vonel {
 

@@ -6,13 +6,13 @@
 #include <cstdio>
 
 #include "app/console_prompt.h"
-#include "app/frm_main.h"
+#include "app/mail_controller.h"
 #include "app/headless_windows.h"
 #include "app/platform.h"
 #include "app/qtext.h"
 #include "app/terminal_password.h"
 #include "core/bayes/message_file_score.h"
-#include "core/bayes/training.h"
+#include "core/bayes/bayes_trainer.h"
 #include "core/settings/accounts.h"
 #include "core/rules/status_word.h"
 #include "core/send/mail_merge.h"
@@ -20,7 +20,7 @@
 #include "core/text/numbers.h"
 
 #include <QEventLoop>
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 
 namespace vonel {
 
@@ -28,38 +28,38 @@ namespace {
 
 // Each listed header and each stored message of a pass as a line.
 void printPassRows(HeadlessWindows& windows, const AppContext& context) {
-  windows.onServerMessage = [](const message::clsMessage& m, long number, const std::string& title) {
-    const std::string subject = m.Ignored ? "N/A" : m.Subject;
+  windows.onServerMessage = [](const message::Message& m, long number, const std::string& title) {
+    const std::string subject = m.ignored ? "N/A" : m.subject;
     std::printf("%ld\t%s\t%s\t%s\t%s\t%s\n", number, text::cp1252ToUtf8(title).c_str(),
-                rules::StatusWord(m).c_str(), text::plainText(m.Bayes).c_str(), text::cp1252ToUtf8(m.From).c_str(),
+                rules::statusWord(m).c_str(), text::plainText(m.bayes).c_str(), text::cp1252ToUtf8(m.from).c_str(),
                 text::cp1252ToUtf8(subject).c_str());
     std::fflush(stdout);
   };
-  windows.onMessageStored = [&context](const message::clsMessage& m, const std::filesystem::path& file) {
-    const auto relative = file.lexically_relative(context.folders.MessageFolderPath);
-    std::printf("stored\t%s\t%s\t%s\t%s\n", text::cp1252ToUtf8(AccountTitle(context.Settings, m.FromAccount)).c_str(),
-                rules::StatusWord(m).c_str(), text::plainText(m.Bayes).c_str(),
+  windows.onMessageStored = [&context](const message::Message& m, const std::filesystem::path& file) {
+    const auto relative = file.lexically_relative(context.folders.messageFolderPath);
+    std::printf("stored\t%s\t%s\t%s\t%s\n", text::cp1252ToUtf8(accountTitle(context.settings, m.fromAccount)).c_str(),
+                rules::statusWord(m).c_str(), text::plainText(m.bayes).c_str(),
                 text::cp1252ToUtf8(relative.empty() ? file.string() : relative.string()).c_str());
     std::fflush(stdout);
   };
 }
 
 // One pass over the servers: headers only, or a download into the store.
-void pass(frmMain& controller, HeadlessWindows& windows, const AppContext& context, const CommandLine& line) {
+void pass(MailController& controller, HeadlessWindows& windows, const AppContext& context, const CommandLine& line) {
   printPassRows(windows, context);
   QEventLoop loop;
   QString outcome;
   bool ended = false;
-  QObject::connect(&controller, &frmMain::passEnded, &loop, [&](const QString& text) {
+  QObject::connect(&controller, &MailController::passEnded, &loop, [&](const QString& text) {
     if (ended) return;  // a time-out ends a session more than once
     outcome = text;
     ended = true;
     loop.quit();
   });
   const bool oneAccount = line.account >= 0;
-  controller.ProcessMail(line.deleteOnServer, oneAccount, oneAccount ? line.account : 0, line.download, false);
+  controller.processMail(line.deleteOnServer, oneAccount, oneAccount ? line.account : 0, line.download, false);
   // As Send/Receive does: the upload starts right after the pass and runs beside it.
-  if (line.send) controller.UploadMail();
+  if (line.send) controller.uploadMail();
   if (!ended) loop.exec();
   std::printf("%s\n", qPrintable(outcome.isEmpty() ? toQString(windows.statusText) : outcome));
   std::fflush(stdout);
@@ -69,14 +69,14 @@ std::atomic<bool> stopRequested{false};
 extern "C" void requestStop(int) { stopRequested = true; }
 
 // Passes on the auto-scan timer, as the window runs them, until SIGINT or SIGTERM.
-bool daemon(frmMain& controller, HeadlessWindows& windows, AppContext& context) {
-  if (!context.Settings.RetrieveSetting("ScanOnStart", Value(false)).flag() ||
-      context.Settings.RetrieveSetting("DELAY", Value(0)).numberOr(0) <= 0) {
+bool daemon(MailController& controller, HeadlessWindows& windows, AppContext& context) {
+  if (!context.settings.get("ScanOnStart", Value(false)).flag() ||
+      context.settings.get("DELAY", Value(0)).numberOr(0) <= 0) {
     std::fprintf(stderr, "vonel: the auto scan is off: set ScanOnStart to True and DELAY to the seconds between passes\n");
     return false;
   }
   printPassRows(windows, context);
-  QObject::connect(&controller, &frmMain::passEnded, [](const QString& text) {
+  QObject::connect(&controller, &MailController::passEnded, [](const QString& text) {
     if (text.isEmpty()) return;
     std::printf("%s\n", qPrintable(text));
     std::fflush(stdout);
@@ -102,24 +102,24 @@ class PrintedProgress final : public Progress {
   void letEventsRun() override {}
 };
 
-bool train(frmMain& controller, AppContext& context) {
+bool train(MailController& controller, AppContext& context) {
   PrintedProgress progress;
-  bayes::clsTraining training(context, *controller.BayesForm(), progress);
-  const bool trained = training.GenerateFilters(bayes::TrainingChoices::Read(context.Settings));
+  bayes::BayesTrainer training(context, *controller.bayesFilter(), progress);
+  const bool trained = training.generateFilters(bayes::TrainingChoices::read(context.settings));
   if (trained) {
-    std::printf("%d good and %d spam messages counted\n", training.GoodTable().MessageCount,
-                training.BadTable().MessageCount);
+    std::printf("%d good and %d spam messages counted\n", training.goodTable().messageCount,
+                training.badTable().messageCount);
   }
   std::fflush(stdout);
   return trained;
 }
 
 // One line a file, "<score> <verdict>"; an unreadable file is named on the error stream.
-bool score(frmMain& controller, AppContext& context, const CommandLine& line) {
+bool score(MailController& controller, AppContext& context, const CommandLine& line) {
   bool allRead = true;
   for (const QString& file : line.passOn) {
     try {
-      std::printf("%s\n", bayes::ScoreLine(*controller.BayesForm(), context, file.toStdU16String()).c_str());
+      std::printf("%s\n", bayes::scoreLine(*controller.bayesFilter(), context, file.toStdU16String()).c_str());
     } catch (const AppError& e) {
       std::fprintf(stderr, "vonel: %s: %s\n", qPrintable(file), e.description().c_str());
       allRead = false;
@@ -133,36 +133,36 @@ bool score(frmMain& controller, AppContext& context, const CommandLine& line) {
 // from spooling on, and waits for an upload to end.
 class UploadWatch {
  public:
-  explicit UploadWatch(frmMain& controller) : controller_(controller) {
-    QObject::connect(&controller, &frmMain::sendProgress, &loop_, [](const QString& text) {
+  explicit UploadWatch(MailController& controller) : controller_(controller) {
+    QObject::connect(&controller, &MailController::sendProgress, &loop_, [](const QString& text) {
       std::printf("%s\n", qPrintable(text));
       std::fflush(stdout);
     });
-    QObject::connect(&controller, &frmMain::sendFailed, &loop_, [this](const QString& text) {
+    QObject::connect(&controller, &MailController::sendFailed, &loop_, [this](const QString& text) {
       std::fprintf(stderr, "vonel: %s\n", qPrintable(text));
       failed_ = true;
     });
-    QObject::connect(&controller, &frmMain::sendEnded, &loop_, &QEventLoop::quit);
+    QObject::connect(&controller, &MailController::sendEnded, &loop_, &QEventLoop::quit);
   }
   // False when spooling or sending failed.
   bool wait() {
-    if (controller_.SendingMail) loop_.exec();
+    if (controller_.sendingMail) loop_.exec();
     return !failed_;
   }
 
  private:
-  frmMain& controller_;
+  MailController& controller_;
   QEventLoop loop_;
   bool failed_ = false;
 };
 
 // Spools a mail merge into the outbox; its boxes go to the error stream.
-bool merge(frmMain& controller, AppContext& context, const CommandLine& line) {
+bool merge(MailController& controller, AppContext& context, const CommandLine& line) {
   const std::filesystem::path data = line.mergeData.toStdU16String();
   const std::filesystem::path templateFile = line.mergeTemplate.toStdU16String();
-  if (!send::AcceptMergeFiles(context, data, templateFile)) return false;
+  if (!send::acceptMergeFiles(context, data, templateFile)) return false;
   SilentProgress progress;
-  send::DoMailMerge(context, *controller.SendMailWrapper(), progress, data, templateFile);
+  send::doMailMerge(context, *controller.outboxSender(), progress, data, templateFile);
   return true;
 }
 
@@ -175,25 +175,25 @@ int runHeadless(const CommandLine& line) {
   AppContext context(clock, prompt, platformAppInfo(home), platformLocaleFacts());
   HeadlessWindows windows;
   TerminalPasswordPrompt passwords;
-  frmMain controller(context, windows, passwords);
-  if (controller.Startup() == StartupResult::NoAccount) {
+  MailController controller(context, windows, passwords);
+  if (controller.startup() == StartupResult::NoAccount) {
     std::fprintf(stderr,
                  "vonel: no account is set up: %s has no Vonel.ini; start Vonel with its window to set one up\n",
                  home.string().c_str());
     return 2;
   }
   // Only the daemon runs passes on the timer; every other command runs its own.
-  if (!line.daemon) controller.StopMailTimer();
+  if (!line.daemon) controller.stopMailTimer();
   UploadWatch upload(controller);
   const bool merged = !line.merge || merge(controller, context, line);
   const bool trained = !line.train || train(controller, context);
   bool daemonRan = true;
   if (line.scan || line.download) pass(controller, windows, context, line);
   else if (line.daemon) daemonRan = daemon(controller, windows, context);
-  else if (line.send) controller.UploadMail();
+  else if (line.send) controller.uploadMail();
   const bool sent = !line.send || upload.wait();
   const bool scored = !line.score || score(controller, context, line);
-  return controller.ExitProg() && scored && merged && sent && trained && daemonRan ? 0 : 1;
+  return controller.exitProgram() && scored && merged && sent && trained && daemonRan ? 0 : 1;
 }
 
 }  // namespace vonel

@@ -22,7 +22,7 @@ class HeadlessWindows final : public MainWindowPort {
     trayPicture = picture;
     trayTip = tip;
   }
-  void addServerMessage(const message::clsMessage& message, long number, const std::string& title) override {
+  void addServerMessage(const message::Message& message, long number, const std::string& title) override {
     if (onServerMessage) onServerMessage(message, number, title);
   }
   void setupMenus() override {}
@@ -36,12 +36,12 @@ class HeadlessWindows final : public MainWindowPort {
   void hideMain() override { hidden = true; }
   void closeOtherWindows(const std::function<void(const std::string&)>&) override {}
   void pumpEvents() override {}
-  void messageStored(const message::clsMessage& message, const std::filesystem::path& file) override {
+  void messageStored(const message::Message& message, const std::filesystem::path& file) override {
     if (onMessageStored) onMessageStored(message, file);
   }
 
-  std::function<void(const message::clsMessage&, long, const std::string&)> onServerMessage;
-  std::function<void(const message::clsMessage&, const std::filesystem::path&)> onMessageStored;
+  std::function<void(const message::Message&, long, const std::string&)> onServerMessage;
+  std::function<void(const message::Message&, const std::filesystem::path&)> onMessageStored;
   std::string statusText;
   std::string timerStatus;
   TrayPicture trayPicture = TrayPicture::LargeS;

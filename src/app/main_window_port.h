@@ -39,7 +39,7 @@ class MainWindowPort {
   virtual void removeTrayIcon() = 0;
   virtual void setStatusText(std::string_view text) = 0;
   // A judged header of the present pass, as row `number` of the server list.
-  virtual void addServerMessage(const message::clsMessage& message, long number, const std::string& accountTitle) = 0;
+  virtual void addServerMessage(const message::Message& message, long number, const std::string& accountTitle) = 0;
   virtual void setupMenus() = 0;
   virtual void switchToMailer() = 0;
 
@@ -61,9 +61,9 @@ class MainWindowPort {
   // The toolbar's send-and-receive button shows "stop" while a pass runs.
   virtual void showPassRunning(bool) {}
   // A downloaded message has its file.
-  virtual void messageStored(const message::clsMessage&, const std::filesystem::path& /*file*/) {}
+  virtual void messageStored(const message::Message&, const std::filesystem::path& /*file*/) {}
   // A message fetched to be read, in its own window.
-  virtual void showMessage(const message::clsMessage&) {}
+  virtual void showMessage(const message::Message&) {}
   // Opens a file in the system's viewer for it.
   virtual void openFile(const std::filesystem::path&) {}
   virtual void playSound(const std::filesystem::path& /*wave*/) {}

@@ -8,7 +8,7 @@
 #include <QSysInfo>
 
 #include "app/qtext.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 
 namespace vonel {
 namespace {
@@ -27,12 +27,12 @@ std::filesystem::path resolveHome(const std::optional<QString>& homeArgument) {
     home = toPath(*homeArgument);
   } else if (!fromEnvironment.isEmpty()) {
     home = toPath(fromEnvironment);
-  } else if (files::FindAnyCase(toPath(programFolder), "Vonel.ini")) {
+  } else if (files::findAnyCase(toPath(programFolder), "Vonel.ini")) {
     home = toPath(programFolder);
   } else {
     home = toPath(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
   }
-  files::MkMissingDir(home);
+  files::mkMissingDir(home);
   return home;
 }
 

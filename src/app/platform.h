@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <optional>
 
-#include "core/log/logging.h"
-#include "core/services/date_subs.h"
+#include "core/log/log.h"
+#include "core/locale/locale_dates.h"
 
 namespace vonel {
 

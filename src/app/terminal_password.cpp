@@ -13,7 +13,7 @@
 
 namespace vonel {
 
-std::string TerminalPasswordPrompt::getpassword(std::string_view, std::string_view prompt, bool& cancelled,
+std::string TerminalPasswordPrompt::askPassword(std::string_view, std::string_view prompt, bool& cancelled,
                                                 bool& save) {
   save = false;
   cancelled = true;

@@ -7,7 +7,7 @@ namespace vonel {
 
 class TerminalPasswordPrompt final : public PasswordPrompt {
  public:
-  std::string getpassword(std::string_view title, std::string_view prompt, bool& cancelled, bool& save) override;
+  std::string askPassword(std::string_view title, std::string_view prompt, bool& cancelled, bool& save) override;
 };
 
 }  // namespace vonel

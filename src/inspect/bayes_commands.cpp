@@ -1,5 +1,5 @@
 // vonel-inspect tokens FILE [--headers-only]: the token table of a message.
-// vonel-inspect score --home DIR FILE...: score, FilterReason and SpamSplit of
+// vonel-inspect score --home DIR FILE...: score, filterReason and spamSplit of
 // each message against the word table and blacklist of that home.
 #include <optional>
 #include <ostream>
@@ -9,8 +9,8 @@
 #include "core/bayes/tokeniser.h"
 #include "core/log/app_error.h"
 #include "core/message/message.h"
-#include "core/services/app_context.h"
-#include "core/services/file_subs.h"
+#include "core/context/app_context.h"
+#include "core/files/files.h"
 #include "core/text/numbers.h"
 #include "inspect/command.h"
 #include "inspect/inspect_home.h"
@@ -25,12 +25,12 @@ int runTokens(const Arguments& args, std::ostream& out, std::ostream& err) {
     return 2;
   }
   try {
-    message::clsMessage message;
-    message.CreateFromText(files::LoadTextFile(files::PathFromText(args[0])), headersOnly);
-    bayes::clsHashTable table;
-    table.InitSmall();
-    bayes::HashMessage(table, message, headersOnly);
-    out << bayes::DescribeTable(table);
+    message::Message message;
+    message.createFromText(files::loadTextFile(files::pathFromText(args[0])), headersOnly);
+    bayes::WordTable table;
+    table.initSmall();
+    bayes::hashMessage(table, message, headersOnly);
+    out << bayes::describeTable(table);
     return 0;
   } catch (const AppError& e) {
     err << e.description() << "\n";
@@ -60,18 +60,18 @@ int runScore(const Arguments& args, std::ostream& out, std::ostream& err) {
     err << "usage: vonel-inspect score --home DIR FILE...\n";
     return 2;
   }
-  InspectHome home(files::PathFromText(args[1]));
+  InspectHome home(files::pathFromText(args[1]));
   AppContext& context = home.context;
-  bayes::frmBayesFilter filter(context);
+  bayes::BayesFilter filter(context);
 
   int status = 0;
   for (std::size_t i = 2; i < args.size(); ++i) {
     out << args[i] << "\n";
     try {
-      const auto result = bayes::ScoreMessageFile(filter, files::PathFromText(args[i]));
-      out << "  Score: " << text::plainText(result.score) << " " << bayes::VerdictWord(result.score, context) << "\n";
-      out << "  FilterReason: " << result.FilterReason << "\n";
-      out << "  SpamSplit:\n  " << escaped(result.SpamSplit) << "\n";
+      const auto result = bayes::scoreMessageFile(filter, files::pathFromText(args[i]));
+      out << "  Score: " << text::plainText(result.score) << " " << bayes::verdictWord(result.score, context) << "\n";
+      out << "  FilterReason: " << result.filterReason << "\n";
+      out << "  SpamSplit:\n  " << escaped(result.spamSplit) << "\n";
     } catch (const AppError& e) {
       err << args[i] << ": " << e.description() << "\n";
       status = 1;

@@ -8,10 +8,10 @@
 //   Prints the store's folder tree with the unread counts of the tag files.
 #include <ostream>
 
-#include "core/services/app_context.h"
-#include "core/services/file_subs.h"
-#include "core/services/progress.h"
-#include "core/store/cache.h"
+#include "core/context/app_context.h"
+#include "core/files/files.h"
+#include "core/interaction/progress.h"
+#include "core/store/folder_cache.h"
 #include "core/store/folder_lists.h"
 #include "core/store/tag_files.h"
 #include "core/text/cp1252.h"
@@ -25,13 +25,13 @@ namespace {
 namespace fs = std::filesystem;
 
 int listFolders(const fs::path& root, std::ostream& out, std::ostream& err) {
-  if (!files::FolderExists(root)) {
+  if (!files::folderExists(root)) {
     err << "no such folder: " << root.string() << "\n";
     return 2;
   }
-  for (const std::string& relative : store::ListStoreFolders(root)) {
+  for (const std::string& relative : store::listStoreFolders(root)) {
     const auto pieces = text::split(relative, "\\");
-    const int unread = store::UnreadTagCount(store::StoreFolder(root, relative));
+    const int unread = store::unreadTagCount(store::storeFolder(root, relative));
     out << std::string(2 * (pieces.size() - 2), ' ') << text::cp1252ToUtf8(pieces[pieces.size() - 2]);
     if (unread > 0) out << " (" << unread << ")";
     out << "\n";
@@ -40,26 +40,26 @@ int listFolders(const fs::path& root, std::ostream& out, std::ostream& err) {
 }
 
 int showFolder(const fs::path& folder, const fs::path& root, std::ostream& out, std::ostream& err) {
-  if (!files::FolderExists(folder)) {
+  if (!files::folderExists(folder)) {
     err << "no such folder: " << folder.string() << "\n";
     return 2;
   }
   SystemClock clock;
   ScriptedPrompt prompt;
   AppContext context(clock, prompt, AppInfo{"Vonel", "inspect", "", folder, folder});
-  context.log.NOLOGGING = true;
-  context.folders.MessageFolderPath = root;
+  context.log.loggingOff = true;
+  context.folders.messageFolderPath = root;
   SilentProgress quiet;
-  store::clsCache cache(context, quiet);
-  cache.FillCache(quiet, folder, folder.filename().string());
-  for (const auto& entry : cache.Messages) {
+  store::FolderCache cache(context, quiet);
+  cache.fillCache(quiet, folder, folder.filename().string());
+  for (const auto& entry : cache.messages) {
     const store::CachedMessage& m = entry.value;
-    out << text::cp1252ToUtf8(fs::path(m.PathInReadCase()).filename().string()) << "\t"
-        << (m.Read ? "read" : "unread") << "\t" << text::plainText(m.Size) << "\t" << text::cp1252ToUtf8(m.From)
-        << "\t" << text::cp1252ToUtf8(m.Subject) << "\n";
+    out << text::cp1252ToUtf8(fs::path(m.pathInReadCase()).filename().string()) << "\t"
+        << (m.read ? "read" : "unread") << "\t" << text::plainText(m.size) << "\t" << text::cp1252ToUtf8(m.from)
+        << "\t" << text::cp1252ToUtf8(m.subject) << "\n";
   }
-  out << cache.Count() << " messages, " << cache.HeadersRead() << " message files opened\n";
-  cache.Clear(false);
+  out << cache.count() << " messages, " << cache.headersRead() << " message files opened\n";
+  cache.clear(false);
   return 0;
 }
 

@@ -3,18 +3,18 @@
 // judge messages against a user's settings, lists and tables. Nothing is logged.
 #include <filesystem>
 
-#include "core/services/app_context.h"
+#include "core/context/app_context.h"
 
 namespace vonel::inspect {
 
 struct InspectHome {
   explicit InspectHome(const std::filesystem::path& home)
       : context(clock, prompt, AppInfo{"Vonel", "inspect", "", {}, home}) {
-    context.log.NOLOGGING = true;
-    context.PathSettings.LoadSettings(context.pathsFile());
-    context.Settings.LoadSettings(context.settingsFile());
-    context.folders.ReadDataFolder();
-    context.ReadBayesSettings();
+    context.log.loggingOff = true;
+    context.pathSettings.loadSettings(context.pathsFile());
+    context.settings.loadSettings(context.settingsFile());
+    context.folders.readDataFolder();
+    context.readBayesSettings();
   }
 
   SystemClock clock;

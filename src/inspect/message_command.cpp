@@ -14,7 +14,7 @@
 #include "core/message/message.h"
 #include "core/message/message_report.h"
 #include "core/message/send_date.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/text/cp1252.h"
 #include "core/text/numbers.h"
 #include "inspect/command.h"
@@ -26,7 +26,7 @@ struct MessageOptions {
   std::string file;
   bool headersOnly = false;
   std::optional<text::DateTime> now;
-  int bias = message::StandardZoneBias();
+  int bias = message::standardZoneBias();
   bool parts = false;
   std::optional<std::string> saveFolder;
 };
@@ -84,26 +84,26 @@ std::string column(std::string_view value) {
   return text::cp1252ToUtf8(text);
 }
 
-int listParts(const message::clsMessage& parsed, const std::optional<std::string>& saveFolder, std::ostream& out,
+int listParts(const message::Message& parsed, const std::optional<std::string>& saveFolder, std::ostream& out,
               std::ostream& err) {
-  for (std::size_t i = 1; i <= parsed.MimePartCount(); ++i) {
-    const message::clsMimeType& part = parsed.MimePart(i);
-    out << i << '\t' << column(part.ContentType) << '\t' << column(part.Filename) << '\t' << column(part.Encoding)
-        << '\t' << message::DecodedPartBytes(part.Data, part.Encoding).size() << '\n';
+  for (std::size_t i = 1; i <= parsed.mimePartCount(); ++i) {
+    const message::MimePart& part = parsed.mimePart(i);
+    out << i << '\t' << column(part.contentType) << '\t' << column(part.filename) << '\t' << column(part.encoding)
+        << '\t' << message::decodedPartBytes(part.data, part.encoding).size() << '\n';
   }
   if (!saveFolder) return 0;
-  const auto folder = files::PathFromText(*saveFolder);
-  if (!files::MkMissingDir(folder)) {
+  const auto folder = files::pathFromText(*saveFolder);
+  if (!files::mkMissingDir(folder)) {
     err << *saveFolder << ": can't make the folder\n";
     return 1;
   }
   int status = 0;
-  for (std::size_t i = 1; i <= parsed.MimePartCount(); ++i) {
-    const message::clsMimeType& part = parsed.MimePart(i);
-    if (part.Filename.empty()) continue;
-    const auto file = message::AttachmentPath(folder, part.Filename);
+  for (std::size_t i = 1; i <= parsed.mimePartCount(); ++i) {
+    const message::MimePart& part = parsed.mimePart(i);
+    if (part.filename.empty()) continue;
+    const auto file = message::attachmentPath(folder, part.filename);
     try {
-      message::WriteFile(file, part.Data, part.Encoding);
+      message::writeFile(file, part.data, part.encoding);
       out << "saved\t" << file.string() << '\n';
     } catch (const AppError& error) {
       err << file.string() << ": " << error.description() << '\n';
@@ -118,7 +118,7 @@ int runMessage(const Arguments& args, std::ostream& out, std::ostream& err) {
   if (!options) return 2;
   std::string text;
   try {
-    text = files::LoadTextFile(options->file);
+    text = files::loadTextFile(options->file);
   } catch (const AppError& error) {
     err << options->file << ": " << error.description() << "\n";
     return 1;
@@ -127,10 +127,10 @@ int runMessage(const Arguments& args, std::ostream& out, std::ostream& err) {
   std::optional<FixedClock> fixedClock;
   if (options->now) fixedClock.emplace(*options->now);
   const Clock& clock = fixedClock ? static_cast<const Clock&>(*fixedClock) : systemClock;
-  message::clsMessage parsed(nullptr, &clock);
-  parsed.CreateFromText(std::move(text), options->headersOnly);
+  message::Message parsed(nullptr, &clock);
+  parsed.createFromText(std::move(text), options->headersOnly);
   if (options->parts) return listParts(parsed, options->saveFolder, out, err);
-  out << message::DescribeMessage(parsed, options->bias);
+  out << message::describeMessage(parsed, options->bias);
   return 0;
 }
 

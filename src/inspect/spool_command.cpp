@@ -8,11 +8,11 @@
 #include <ostream>
 
 #include "core/log/app_error.h"
-#include "core/services/app_context.h"
-#include "core/services/file_subs.h"
+#include "core/context/app_context.h"
+#include "core/files/files.h"
 #include "core/settings/accounts.h"
 #include "inspect/command.h"
-#include "protocol/smtp/frm_send_mail_new.h"
+#include "protocol/smtp/smtp_session.h"
 
 namespace vonel::inspect {
 namespace {
@@ -87,16 +87,16 @@ class NoNetwork final : public smtp::Link {
 };
 
 // Reports failures; every other event of the sender is silent here.
-class FailureReport final : public smtp::SendMailListener {
+class FailureReport final : public smtp::SmtpListener {
  public:
   explicit FailureReport(std::ostream& err) : err_(err) {}
-  void Connected() override {}
-  void ErrorConnecting() override {}
-  void Disconnected() override {}
-  void SendSuccessful() override {}
-  void SendFailed(const std::string& errors) override { err_ << errors << "\n"; }
-  void Status(const std::string&) override {}
-  void Progress(std::int32_t) override {}
+  void onConnected() override {}
+  void onErrorConnecting() override {}
+  void onDisconnected() override {}
+  void onSendSuccessful() override {}
+  void onSendFailed(const std::string& errors) override { err_ << errors << "\n"; }
+  void onStatus(const std::string&) override {}
+  void onProgress(std::int32_t) override {}
 
  private:
   std::ostream& err_;
@@ -107,7 +107,7 @@ int runSpool(const Arguments& args, std::ostream& out, std::ostream& err) {
   if (!options) return 2;
   std::string body;
   try {
-    if (!options->bodyFile.empty()) body = files::LoadTextFile(options->bodyFile);
+    if (!options->bodyFile.empty()) body = files::loadTextFile(options->bodyFile);
   } catch (const AppError& error) {
     err << options->bodyFile << ": " << error.description() << "\n";
     return 1;
@@ -117,24 +117,24 @@ int runSpool(const Arguments& args, std::ostream& out, std::ostream& err) {
   if (options->now) fixedClock.emplace(*options->now);
   const Clock& clock = fixedClock ? static_cast<const Clock&>(*fixedClock) : systemClock;
   ScriptedPrompt prompt;
-  const std::filesystem::path home = files::PathFromText(options->home);
+  const std::filesystem::path home = files::pathFromText(options->home);
   AppContext context(clock, prompt, AppInfo{"Vonel", options->version, {}, home, home});
-  context.log.NOLOGGING = true;
-  if (files::FileExists(context.settingsFile())) context.Settings.LoadSettings(context.settingsFile());
+  context.log.loggingOff = true;
+  if (files::fileExists(context.settingsFile())) context.settings.loadSettings(context.settingsFile());
 
   NoNetwork link;
   FailureReport report(err);
-  smtp::frmSendMailNew sender(context, link, report, 0);
-  sender.Initialise(static_cast<std::int16_t>(std::max(0, FirstAccount(context.Settings))));
+  smtp::SmtpSession sender(context, link, report, 0);
+  sender.initialise(static_cast<std::int16_t>(std::max(0, firstAccount(context.settings))));
   sender.setRecipient(options->to);
   sender.setCcRecipient(options->cc);
   sender.setBccRecipient(options->bcc);
   sender.setAttachment(options->attach);
   sender.setSubject(options->subject);
   sender.setInReplyTo(options->inReplyTo);
-  sender.setAsHTML(options->html);
+  sender.setAsHtml(options->html);
   sender.setMessage(body);
-  if (!sender.SpoolToFile(files::PathFromText(options->out))) return 1;
+  if (!sender.spoolToFile(files::pathFromText(options->out))) return 1;
   out << options->out << "\n";
   return 0;
 }

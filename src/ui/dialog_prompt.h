@@ -1,6 +1,6 @@
 #pragma once
 // The program's questions and error reports as real dialogs.
-#include "core/services/prompt.h"
+#include "core/interaction/prompt.h"
 
 class QWidget;
 

@@ -11,7 +11,7 @@
 
 namespace vonel {
 
-std::string PasswordDialog::getpassword(std::string_view title, std::string_view prompt, bool& cancelled,
+std::string PasswordDialog::askPassword(std::string_view title, std::string_view prompt, bool& cancelled,
                                         bool& save) {
   QDialog dialog(parent_);
   dialog.setObjectName("fSHAREDPassword");

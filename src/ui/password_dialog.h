@@ -9,7 +9,7 @@ namespace vonel {
 class PasswordDialog final : public PasswordPrompt {
  public:
   explicit PasswordDialog(QWidget* parent = nullptr) : parent_(parent) {}
-  std::string getpassword(std::string_view title, std::string_view prompt, bool& cancelled, bool& save) override;
+  std::string askPassword(std::string_view title, std::string_view prompt, bool& cancelled, bool& save) override;
 
  private:
   QWidget* parent_;

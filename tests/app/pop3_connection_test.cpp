@@ -11,22 +11,22 @@ using testing::whole;
 
 namespace {
 
-struct Recorder : pop3::GetMailEvents {
+struct Recorder : pop3::Pop3Listener {
   std::vector<std::string> events;
   std::vector<std::string> subjects;
   bool finished = false;
-  void HeaderReceived(message::clsMessage& m) override { subjects.push_back(m.Subject); }
-  void TimedOut(const std::string&, int seconds) override { events.push_back("TimedOut " + std::to_string(seconds)); }
-  void Cancelled(const std::string&) override { events.push_back("Cancelled"); }
-  void NoConnection() override { events.push_back("NoConnection"); }
-  void Finished(const std::string&, long) override {
+  void onHeaderReceived(message::Message& m) override { subjects.push_back(m.subject); }
+  void onTimedOut(const std::string&, int seconds) override { events.push_back("TimedOut " + std::to_string(seconds)); }
+  void onCancelled(const std::string&) override { events.push_back("Cancelled"); }
+  void onNoConnection() override { events.push_back("NoConnection"); }
+  void onFinished(const std::string&, long) override {
     events.push_back("Finished");
     finished = true;
   }
 };
 
 struct NoPassword : PasswordPrompt {
-  std::string getpassword(std::string_view, std::string_view, bool& cancelled, bool&) override {
+  std::string askPassword(std::string_view, std::string_view, bool& cancelled, bool&) override {
     cancelled = true;
     return {};
   }
@@ -45,17 +45,17 @@ struct Rig {
   Pop3Connection connection{ctx, recorder, check, check, passwords};
 
   Rig() {
-    ctx.Settings.LoadSettingsFromText("TITLE0,Peer\r\nSERVER0,127.0.0.1\r\nPOPPORT0," + std::to_string(peer.port()) +
+    ctx.settings.loadSettingsFromText("TITLE0,Peer\r\nSERVER0,127.0.0.1\r\nPOPPORT0," + std::to_string(peer.port()) +
                                           "\r\nUNAME0,jo\r\nPWD0,pw\r\nMAILTIMEOUT,2\r\n",
                                       "test");
-    ctx.folders.ReadMessageFolder();
+    ctx.folders.readMessageFolder();
     peer.setGreeting(Reply{{"+O", "K ready\r", "\n"}, false});
     peer.on("USER", {whole("+OK\r\n")});
     peer.on("PASS", {whole("+OK\r\n")});
     peer.on("QUIT", {Reply{{"+OK bye\r\n"}, true}});
   }
   void scan() {
-    connection.session().GetHeaders(0, false);
+    connection.session().getHeaders(0, false);
     QTRY_VERIFY_WITH_TIMEOUT(recorder.finished, 10000);
   }
 };

@@ -3,24 +3,24 @@
 #include <QtTest>
 
 #include "app/pop3/pop3_connection.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 
 using namespace vonel;
 
 namespace {
 
 // Records what the session reports and stops the event loop when it ends.
-struct Recorder : pop3::GetMailEvents {
-  std::vector<message::clsMessage> fetched;
+struct Recorder : pop3::Pop3Listener {
+  std::vector<message::Message> fetched;
   std::vector<std::string> errors;
   bool finished = false;
-  void SpecificMessage(message::clsMessage& m) override { fetched.push_back(m); }
-  void POPError(const std::string&, const std::string& text) override { errors.push_back(text); }
-  void Finished(const std::string&, long) override { finished = true; }
+  void onSpecificMessage(message::Message& m) override { fetched.push_back(m); }
+  void onPopError(const std::string&, const std::string& text) override { errors.push_back(text); }
+  void onFinished(const std::string&, long) override { finished = true; }
 };
 
 struct NoPassword : PasswordPrompt {
-  std::string getpassword(std::string_view, std::string_view, bool& cancelled, bool& save) override {
+  std::string askPassword(std::string_view, std::string_view, bool& cancelled, bool& save) override {
     cancelled = true;
     save = false;
     return {};
@@ -51,20 +51,20 @@ class Pop3DovecotTest : public QObject {
   void fill(int count) {
     for (int i = 1; i <= count; ++i) {
       const auto file = maildir() / "new" / ("m" + std::to_string(i));
-      files::WriteTextFile(file, "From: s" + std::to_string(i) + "@example.org\r\nSubject: Number " + std::to_string(i) +
+      files::writeTextFile(file, "From: s" + std::to_string(i) + "@example.org\r\nSubject: Number " + std::to_string(i) +
                                      "\r\n\r\nBody " + std::to_string(i) + "\r\n");
       std::filesystem::permissions(file, std::filesystem::perms::all);
     }
   }
 
-  void runSession(const std::function<void(pop3::frmGetMail&)>& start, Recorder& recorder) {
+  void runSession(const std::function<void(pop3::Pop3Session&)>& start, Recorder& recorder) {
     FixedClock clock{text::DateTime{2026, 11, 23, 12, 0, 0}};
     ScriptedPrompt prompt;
     AppContext ctx(clock, prompt, AppInfo{"Vonel", "1", "os", "/", dir_.path().toStdString()});
-    ctx.Settings.LoadSettingsFromText("SERVER0,127.0.0.1\r\nPOPPORT0," + std::to_string(port_) +
+    ctx.settings.loadSettingsFromText("SERVER0,127.0.0.1\r\nPOPPORT0," + std::to_string(port_) +
                                           "\r\nUNAME0,jo\r\nPWD0,secret\r\nMAILTIMEOUT,5\r\n",
                                       "test");
-    ctx.folders.ReadMessageFolder();
+    ctx.folders.readMessageFolder();
     rules::PassEverything check;
     NoPassword passwords;
     Pop3Connection connection(ctx, recorder, check, check, passwords);
@@ -88,15 +88,15 @@ class Pop3DovecotTest : public QObject {
   void oneMessageIsFetchedByNumber() {
     fill(3);
     Recorder recorder;
-    runSession([](pop3::frmGetMail& session) { session.GetSpecificMessage(0, 2); }, recorder);
+    runSession([](pop3::Pop3Session& session) { session.getSpecificMessage(0, 2); }, recorder);
     QCOMPARE(recorder.fetched.size(), std::size_t{1});
-    QCOMPARE(recorder.fetched[0].Subject, std::string("Number 2"));
+    QCOMPARE(recorder.fetched[0].subject, std::string("Number 2"));
     QCOMPARE(messagesOnServer(), 3);
   }
 
   void deleteAllEmptiesTheMailbox() {
     Recorder recorder;
-    runSession([](pop3::frmGetMail& session) { session.DeleteAllMail(0); }, recorder);
+    runSession([](pop3::Pop3Session& session) { session.deleteAllMail(0); }, recorder);
     QVERIFY(recorder.errors.empty());
     QCOMPARE(messagesOnServer(), 0);
   }

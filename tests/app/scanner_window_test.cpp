@@ -4,9 +4,9 @@
 #include <QTreeWidget>
 #include <QtTest>
 
-#include "app/frm_main.h"
+#include "app/mail_controller.h"
 #include "app/terminal_password.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "ui/scanner/scanner_window.h"
 
 using namespace vonel;
@@ -18,14 +18,14 @@ class ScannerWindowTest : public QObject {
   void startsWithTheListAndTheUpdateStatus() {
     QTemporaryDir dir;
     const std::filesystem::path home = dir.path().toStdString();
-    files::WriteTextFile(home / "Vonel.ini", "REPLYADDRESS0,me@example.org\r\nTITLE0,Home\r\nMAINWIDTH,9000\r\n");
+    files::writeTextFile(home / "Vonel.ini", "REPLYADDRESS0,me@example.org\r\nTITLE0,Home\r\nMAINWIDTH,9000\r\n");
     FixedClock clock{text::DateTime{2026, 11, 23, 8, 0, 0}};
     ScriptedPrompt prompt;
     AppContext context(clock, prompt, AppInfo{"Vonel", "1", "os", "/", home});
     ScannerWindow window;
     TerminalPasswordPrompt passwords;
-    frmMain controller(context, window, passwords);
-    QCOMPARE(controller.Startup(), StartupResult::Started);
+    MailController controller(context, window, passwords);
+    QCOMPARE(controller.startup(), StartupResult::Started);
 
     QVERIFY(window.isVisible());
     QVERIFY(window.findChild<QTreeWidget*>("ListServerMail"));
@@ -35,7 +35,7 @@ class ScannerWindowTest : public QObject {
 
     const QString shots = qEnvironmentVariable("VONEL_SCREENSHOT_DIR");
     if (!shots.isEmpty()) window.grab().save(shots + "/scanner-window.png");
-    QVERIFY(controller.ExitProg());
+    QVERIFY(controller.exitProgram());
     QVERIFY(!window.isVisible());
   }
 };

@@ -7,8 +7,8 @@
 
 #include "app/smtp/smtp_connection.h"
 #include "core/message/transfer_encoding.h"
-#include "core/services/app_context.h"
-#include "core/services/file_subs.h"
+#include "core/context/app_context.h"
+#include "core/files/files.h"
 #include "core/text/strings.h"
 
 using namespace vonel;
@@ -68,17 +68,17 @@ class SmtpServerTest : public QObject {
     SystemClock clock;
     ScriptedPrompt prompt;
     AppContext context{clock, prompt, AppInfo{"Vonel", "1.2.3", "os", "/", home}};
-    context.Settings.sSet("ReplyAddress0", "me@example.org");
-    context.Settings.sSet("DisplayName0", "M\xe9 \"the\" Sender, Esq.");
-    context.Settings.sSet("SMTP0", "127.0.0.1");
-    context.Settings.sSet("SMTPPort0", port_);
+    context.settings.set("ReplyAddress0", "me@example.org");
+    context.settings.set("DisplayName0", "M\xe9 \"the\" Sender, Esq.");
+    context.settings.set("SMTP0", "127.0.0.1");
+    context.settings.set("SMTPPort0", port_);
     SmtpConnection connection(context);
     auto& session = connection.session();
 
     std::string binary;
     for (int i = 0; i < 40000; ++i) binary += static_cast<char>((i * 131) % 256);
-    files::WriteTextFile(home / "one.bin", binary);
-    files::WriteTextFile(home / "two.txt", "second attachment\r\n");
+    files::writeTextFile(home / "one.bin", binary);
+    files::writeTextFile(home / "two.txt", "second attachment\r\n");
     const std::vector<Outgoing> messages{
         {"plain@x.org", "", "", "Plain text\r\n.starts with a dot\r\n" + std::string(999, 'w'), ""},
         {"eight@x.org", "", "", "Caf\xe9 cr\xe8me", ""},
@@ -89,44 +89,44 @@ class SmtpServerTest : public QObject {
     std::vector<std::string> spooled;
     for (std::size_t i = 0; i < messages.size(); ++i) {
       const Outgoing& m = messages[i];
-      session.Initialise(0);
+      session.initialise(0);
       session.setRecipient(m.to);
       session.setRecipientDisplayName("Ann \"Quoted\", Jr.");
       session.setCcRecipient(m.cc);
       session.setBccRecipient(m.bcc);
       session.setSubject("Message " + std::to_string(i));
-      session.setAsHTML(m.html);
+      session.setAsHtml(m.html);
       session.setAttachment(m.attachments);
       session.setMessage(m.body);
       const fs::path file = home / ("00_outbound_" + std::to_string(i) + ".eml");
-      QVERIFY(session.SpoolToFile(file));
-      spooled.push_back(files::LoadTextFile(file));
+      QVERIFY(session.spoolToFile(file));
+      spooled.push_back(files::loadTextFile(file));
     }
 
     // One connection: each success sends the next, then QUIT.
     std::size_t next = 0;
     const auto sendNext = [&] {
-      if (next == messages.size()) return session.Disconnect();
+      if (next == messages.size()) return session.disconnect();
       const Outgoing& m = messages[next];
       session.setRecipient(m.to);
       session.setCcRecipient(m.cc);
       session.setBccRecipient(m.bcc);
       session.setMessage(withoutBcc(spooled[next++]));
-      session.Send();
+      session.send();
     };
     QObject::connect(&connection, &SmtpConnection::connected, &connection, sendNext);
     QObject::connect(&connection, &SmtpConnection::sendSuccessful, &connection, sendNext);
     QSignalSpy failed(&connection, &SmtpConnection::sendFailed);
     QSignalSpy disconnected(&connection, &SmtpConnection::disconnected);
-    session.Initialise(0);
-    session.Connect();
+    session.initialise(0);
+    session.connect();
     QVERIFY(disconnected.wait(kWaitMs));
     QVERIFY2(failed.isEmpty(), failed.isEmpty() ? "" : failed.first().first().toString().toUtf8().constData());
 
     for (std::size_t i = 0; i < messages.size(); ++i) {
       const std::string name = "000" + std::to_string(i);
-      const std::string arrived = files::LoadTextFile(serverDir_ / (name + ".eml"));
-      const std::string envelope = files::LoadTextFile(serverDir_ / (name + ".env"));
+      const std::string arrived = files::loadTextFile(serverDir_ / (name + ".eml"));
+      const std::string envelope = files::loadTextFile(serverDir_ / (name + ".env"));
       QVERIFY(arrived.starts_with("Date: "));
       const std::string text = arrived.substr(arrived.find("\r\n") + 2);
       QVERIFY2(text.find("\nBcc:") == std::string::npos, name.c_str());
@@ -136,20 +136,20 @@ class SmtpServerTest : public QObject {
       for (const auto& address : text::split(messages[i].to + ";" + messages[i].cc + ";" + messages[i].bcc, ";"))
         if (!address.empty()) QVERIFY2(envelope.find(address + "\n") != std::string::npos, address.c_str());
     }
-    QVERIFY(files::LoadTextFile(serverDir_ / "0000.eml").find("\r\n..starts with a dot\r\n") != std::string::npos);
+    QVERIFY(files::loadTextFile(serverDir_ / "0000.eml").find("\r\n..starts with a dot\r\n") != std::string::npos);
     QVERIFY(spooled[1].find("Content-Transfer-Encoding: 8bit") != std::string::npos);
     QVERIFY(spooled[2].find("Content-Type: text/html;") != std::string::npos);
 
     // Both attachments decode to their files, byte for byte.
-    const std::string arrived = files::LoadTextFile(serverDir_ / "0004.eml");
+    const std::string arrived = files::loadTextFile(serverDir_ / "0004.eml");
     const std::pair<const char*, std::string> expected[] = {{"one.bin", binary}, {"two.txt", "second attachment\r\n"}};
     for (const auto& [fileName, bytes] : expected) {
       const std::string head = std::string("filename=\"") + fileName + "\"\r\n\r\n";
       const std::size_t start = arrived.find(head) + head.size();
       const std::size_t end = arrived.find("\r\n\r\n", start);
       const std::string base64 = text::replaceAll(arrived.substr(start, end - start), "\r\n", "");
-      QCOMPARE(message::DecodeMime64(base64).substr(0, bytes.size()), bytes);
-      QCOMPARE(message::EncodeMime64String(bytes), base64);
+      QCOMPARE(message::decodeMime64(base64).substr(0, bytes.size()), bytes);
+      QCOMPARE(message::encodeMime64String(bytes), base64);
     }
   }
 };

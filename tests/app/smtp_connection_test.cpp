@@ -3,7 +3,7 @@
 #include <QtTest>
 
 #include "app/smtp/smtp_connection.h"
-#include "core/services/app_context.h"
+#include "core/context/app_context.h"
 #include "support/scripted_peer.h"
 
 using namespace vonel;
@@ -26,23 +26,23 @@ struct SmtpHome {
   std::unique_ptr<QSignalSpy> failed;
 
   explicit SmtpHome(bool authenticate = false) {
-    context.Settings.sSet("ReplyAddress0", "me@example.org");
-    context.Settings.sSet("SMTP0", "127.0.0.1");
-    context.Settings.sSet("SMTPPort0", static_cast<int>(peer.port()));
-    context.Settings.sSet("Uname0", "user");
-    context.Settings.sSet("UseAuthentication", authenticate);
+    context.settings.set("ReplyAddress0", "me@example.org");
+    context.settings.set("SMTP0", "127.0.0.1");
+    context.settings.set("SMTPPort0", static_cast<int>(peer.port()));
+    context.settings.set("Uname0", "user");
+    context.settings.set("UseAuthentication", authenticate);
     connection = std::make_unique<SmtpConnection>(context);
     failed = std::make_unique<QSignalSpy>(connection.get(), &SmtpConnection::sendFailed);
-    session().Initialise(0);
+    session().initialise(0);
     session().setPassword("secret");
     peer.setGreeting(whole("220 scripted ESMTP\r\n"));
     peer.collectDataAfter("DATA", "\r\n.\r\n", whole("250 queued\r\n"));
     peer.on("DATA", {whole("354 go ahead\r\n")});
     peer.on("QUIT", {Reply{{"221 bye\r\n"}, true}});
   }
-  smtp::frmSendMailNew& session() { return connection->session(); }
+  smtp::SmtpSession& session() { return connection->session(); }
   void sendOnConnect() {
-    QObject::connect(connection.get(), &SmtpConnection::connected, connection.get(), [this] { session().Send(); });
+    QObject::connect(connection.get(), &SmtpConnection::connected, connection.get(), [this] { session().send(); });
   }
   QString failure() const { return failed->isEmpty() ? QString() : failed->first().first().toString(); }
 };
@@ -62,7 +62,7 @@ class SmtpConnectionTest : public QObject {
     home.session().setMessage("Subject: hi\r\n\r\n.line");
     QSignalSpy done(home.connection.get(), &SmtpConnection::disconnected);
     QSignalSpy sent(home.connection.get(), &SmtpConnection::sendSuccessful);
-    home.session().Send();
+    home.session().send();
     QVERIFY(done.wait(kWaitMs));
     QCOMPARE(sent.count(), 1);
     QCOMPARE(home.peer.commands, (std::vector<std::string>{"HELO example.org", "MAIL FROM: <me@example.org>",
@@ -85,7 +85,7 @@ class SmtpConnectionTest : public QObject {
     home.session().setRecipient("to@x.org");
     home.session().setMessage("x");
     QSignalSpy sent(home.connection.get(), &SmtpConnection::sendSuccessful);
-    home.session().Send();
+    home.session().send();
     QVERIFY(sent.wait(kWaitMs));
     QCOMPARE(home.peer.commands.at(0), std::string("EHLO example.org"));
     QCOMPARE(home.peer.commands.at(1), std::string("AUTH LOGIN"));
@@ -97,7 +97,7 @@ class SmtpConnectionTest : public QObject {
     SmtpHome home;
     home.peer.on("HELO", {Reply{{"220 still here\r\n", "250 ok\r\n"}}});
     QSignalSpy connected(home.connection.get(), &SmtpConnection::connected);
-    home.session().Connect();
+    home.session().connect();
     QVERIFY(connected.wait(kWaitMs));
     QVERIFY(home.failed->isEmpty());
   }
@@ -108,7 +108,7 @@ class SmtpConnectionTest : public QObject {
     for (int i = 0; i < 101; ++i) list += "r" + std::to_string(i) + "@x.org;";
     list.pop_back();
     home.session().setRecipient(list);
-    home.session().Send();
+    home.session().send();
     QCOMPARE(home.failure(), QString("Too many recipients"));
     QTest::qWait(100);
     QCOMPARE(home.peer.connections, 0);
@@ -119,7 +119,7 @@ class SmtpConnectionTest : public QObject {
     home.peer.setGreeting(Reply{});
     home.session().setMessageTimeout(2);
     home.session().setRecipient("to@x.org");
-    home.session().Send();
+    home.session().send();
     QVERIFY(home.failed->wait(kWaitMs));
     QCOMPARE(home.failure(), QString("Timeout occurred: The SMTP Host did not respond to the request"));
   }
@@ -130,7 +130,7 @@ class SmtpConnectionTest : public QObject {
     home.peer.on("MAIL", {Reply{{"25"}, true}});
     home.sendOnConnect();
     home.session().setRecipient("to@x.org");
-    home.session().Send();
+    home.session().send();
     QVERIFY(home.failed->wait(kWaitMs));
     QCOMPARE(home.connection->state(), smtp::kSocketClosed);
   }
@@ -143,9 +143,9 @@ class SmtpConnectionTest : public QObject {
       probe.listen(QHostAddress::LocalHost, 0);
       closedPort = probe.serverPort();
     }
-    home.session().setSMTPPort(closedPort);
+    home.session().setSmtpPort(closedPort);
     home.session().setRecipient("to@x.org");
-    home.session().Send();
+    home.session().send();
     QVERIFY(home.failed->wait(kWaitMs));
     QCOMPARE(home.failure(), QString("Connection refused"));
   }

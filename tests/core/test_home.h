@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <string>
 
-#include "core/log/logging.h"
-#include "core/services/clock.h"
-#include "core/services/prompt.h"
+#include "core/log/log.h"
+#include "core/time/clock.h"
+#include "core/interaction/prompt.h"
 
 namespace vonel::testing {
 
@@ -34,7 +34,7 @@ struct TestHome {
   TempDir dir;
   FixedClock clock{text::DateTime{2026, 11, 23, 9, 30, 15}};
   ScriptedPrompt prompt;
-  cSharedLogging log{clock, AppInfo{"Vonel", "1.2.3", "TestOS", "/cur", dir.path()}};
+  Log log{clock, AppInfo{"Vonel", "1.2.3", "TestOS", "/cur", dir.path()}};
 };
 
 }  // namespace vonel::testing

@@ -17,7 +17,7 @@ int socketErrorNumber(QAbstractSocket::SocketError error) {
   }
 }
 
-Pop3Connection::Pop3Connection(AppContext& context, pop3::GetMailEvents& events, rules::MessageCheck& serverFilters,
+Pop3Connection::Pop3Connection(AppContext& context, pop3::Pop3Listener& events, rules::MessageCheck& serverFilters,
                                rules::MessageCheck& localFilters, PasswordPrompt& passwords)
     : session_(context, *this, events, serverFilters, localFilters, passwords) {
   timer_.setInterval(1000);

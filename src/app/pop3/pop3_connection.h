@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "protocol/link.h"
-#include "protocol/pop3/frm_get_mail.h"
+#include "protocol/pop3/pop3_session.h"
 
 namespace vonel {
 
@@ -18,10 +18,10 @@ class Pop3Connection final : public QObject, public protocol::Link {
   Q_OBJECT
 
  public:
-  Pop3Connection(AppContext& context, pop3::GetMailEvents& events, rules::MessageCheck& serverFilters,
+  Pop3Connection(AppContext& context, pop3::Pop3Listener& events, rules::MessageCheck& serverFilters,
                  rules::MessageCheck& localFilters, PasswordPrompt& passwords);
 
-  pop3::frmGetMail& session() { return session_; }
+  pop3::Pop3Session& session() { return session_; }
 
   void connect(const std::string& host, int port) override;
   void send(std::string_view bytes) override;
@@ -32,7 +32,7 @@ class Pop3Connection final : public QObject, public protocol::Link {
   quint64 connection_ = 0;  // counts connections, to tell a stale error from a fresh one
   QTcpSocket socket_;
   QTimer timer_;
-  pop3::frmGetMail session_;
+  pop3::Pop3Session session_;
 };
 
 }  // namespace vonel

@@ -15,7 +15,7 @@ constexpr int kClosing = 8;
 }  // namespace
 
 SmtpConnection::SmtpConnection(AppContext& context, QObject* parent)
-    : QObject(parent), session_(context, *this, *this, message::StandardZoneBias()) {
+    : QObject(parent), session_(context, *this, *this, message::standardZoneBias()) {
   timer_.setInterval(1000);
   QObject::connect(&timer_, &QTimer::timeout, this, [this] { session_.onTick(); });
   QObject::connect(&socket_, &QTcpSocket::connected, this, [this] { session_.onConnected(); });
@@ -75,7 +75,7 @@ int SmtpConnection::state() const {
   }
 }
 
-void SmtpConnection::SendFailed(const std::string& errors) { emit sendFailed(toQString(errors)); }
-void SmtpConnection::Status(const std::string& text) { emit status(toQString(text)); }
+void SmtpConnection::onSendFailed(const std::string& errors) { emit sendFailed(toQString(errors)); }
+void SmtpConnection::onStatus(const std::string& text) { emit status(toQString(text)); }
 
 }  // namespace vonel

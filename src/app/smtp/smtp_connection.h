@@ -1,22 +1,22 @@
 #pragma once
-// Drives an SMTP session (frmSendMailNew) from a real socket and a
+// Drives an SMTP session (SmtpSession) from a real socket and a
 // one-second timer, and raises its events as Qt signals.
 #include <QObject>
 #include <QTcpSocket>
 #include <QTimer>
 
-#include "protocol/smtp/frm_send_mail_new.h"
+#include "protocol/smtp/smtp_session.h"
 
 namespace vonel {
 
-class SmtpConnection final : public QObject, public smtp::Link, private smtp::SendMailListener {
+class SmtpConnection final : public QObject, public smtp::Link, private smtp::SmtpListener {
   Q_OBJECT
 
  public:
   explicit SmtpConnection(AppContext& context, QObject* parent = nullptr);
   ~SmtpConnection() override;
 
-  smtp::frmSendMailNew& session() { return session_; }
+  smtp::SmtpSession& session() { return session_; }
 
   void connect(const std::string& host, int port) override;
   void send(std::string_view bytes) override;
@@ -34,19 +34,19 @@ class SmtpConnection final : public QObject, public smtp::Link, private smtp::Se
   void progress(int percentage);
 
  private:
-  void Connected() override { emit connected(); }
-  void ErrorConnecting() override { emit errorConnecting(); }
-  void Disconnected() override { emit disconnected(); }
-  void SendSuccessful() override { emit sendSuccessful(); }
-  void SendFailed(const std::string& errors) override;
-  void Status(const std::string& text) override;
-  void Progress(std::int32_t percentage) override { emit progress(percentage); }
+  void onConnected() override { emit connected(); }
+  void onErrorConnecting() override { emit errorConnecting(); }
+  void onDisconnected() override { emit disconnected(); }
+  void onSendSuccessful() override { emit sendSuccessful(); }
+  void onSendFailed(const std::string& errors) override;
+  void onStatus(const std::string& text) override;
+  void onProgress(std::int32_t percentage) override { emit progress(percentage); }
 
   QTcpSocket socket_;
   QTimer timer_;
   quint64 connection_ = 0;  // counts connections, to tell a stale error from a fresh one
   bool inError_ = false;    // an error arrived and the socket hasn't been closed since
-  smtp::frmSendMailNew session_;
+  smtp::SmtpSession session_;
 };
 
 }  // namespace vonel

@@ -3,7 +3,7 @@
 #include "core/bayes/score_steps.h"
 #include "core/bayes/tokeniser.h"
 #include "core/message/address.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/text/numbers.h"
 
 namespace vonel::bayes {
@@ -15,36 +15,36 @@ float added(float score, double change) { return static_cast<float>(static_cast<
 
 }  // namespace
 
-std::filesystem::path frmBayesFilter::WordTableFile() const {
-  return files::ResolveAnyCase(context_.folders.DataFolderPath, "HashTable.dat");
+std::filesystem::path BayesFilter::wordTableFile() const {
+  return files::resolveAnyCase(context_.folders.dataFolderPath, "HashTable.dat");
 }
 
-std::filesystem::path frmBayesFilter::BlackListFile() const {
-  return files::ResolveAnyCase(context_.folders.DataFolderPath, "BlacklistedWords.txt");
+std::filesystem::path BayesFilter::blackListFile() const {
+  return files::resolveAnyCase(context_.folders.dataFolderPath, "BlacklistedWords.txt");
 }
 
-void frmBayesFilter::LoadWordHash() {
+void BayesFilter::loadWordHash() {
   wordTableLoaded_ = true;
-  wordTable_.LoadTable(WordTableFile(), context_.log);
+  wordTable_.loadTable(wordTableFile(), context_.log);
 }
 
-void frmBayesFilter::LoadBlackList() { blackList_.LoadBlackList(BlackListFile(), context_.log); }
+void BayesFilter::loadBlackList() { blackList_.loadBlackList(blackListFile(), context_.log); }
 
-void frmBayesFilter::Spamminess(message::clsMessage& message, bool headersOnly, float& score) {
+void BayesFilter::spamminess(message::Message& message, bool headersOnly, float& score) {
   guardedStep(context_.log, "Spamminess", kModule, [&] { this->score(message, headersOnly, score); });
 }
 
-void frmBayesFilter::score(message::clsMessage& message, bool headersOnly, float& score) {
-  if (!blackList_.loaded()) LoadBlackList();
-  if (const auto word = blackList_.SearchSubject(message.Subject)) {
+void BayesFilter::score(message::Message& message, bool headersOnly, float& score) {
+  if (!blackList_.loaded()) loadBlackList();
+  if (const auto word = blackList_.searchSubject(message.subject)) {
     score = kBlacklistScore;
-    message.FilterReason = "Subject contains " + *word;
+    message.filterReason = "Subject contains " + *word;
     return;
   }
-  messageTable_.HashClear();
-  messageTable_.InitSmall();
-  if (!wordTableLoaded_) LoadWordHash();
-  if (wordTable_.MaxRecords == 0) {
+  messageTable_.hashClear();
+  messageTable_.initSmall();
+  if (!wordTableLoaded_) loadWordHash();
+  if (wordTable_.maxRecords == 0) {
     score = kLowest;
     return;
   }
@@ -55,42 +55,42 @@ void frmBayesFilter::score(message::clsMessage& message, bool headersOnly, float
   if (score > kHighest) score = kHighest;
 }
 
-float frmBayesFilter::tokenMean(message::clsMessage& message, bool headersOnly) {
-  HashMessage(messageTable_, message, headersOnly);
-  if (messageTable_.LastRecord == 0) return kLowest;
+float BayesFilter::tokenMean(message::Message& message, bool headersOnly) {
+  hashMessage(messageTable_, message, headersOnly);
+  if (messageTable_.lastRecord == 0) return kLowest;
 
   std::vector<TokenProbability> tokens;
-  for (std::int32_t i = 1; i <= messageTable_.LastRecord; ++i) {
-    const std::string& key = messageTable_.RecString(i);
+  for (std::int32_t i = 1; i <= messageTable_.lastRecord; ++i) {
+    const std::string& key = messageTable_.recString(i);
     if (key.empty()) continue;
-    const std::int32_t found = wordTable_.RecIndex(key);
-    const float probability = found > 0 ? wordTable_.RecValue(found) : kUnknownToken;
-    messageTable_.ChangeValue(i, probability);
+    const std::int32_t found = wordTable_.recIndex(key);
+    const float probability = found > 0 ? wordTable_.recValue(found) : kUnknownToken;
+    messageTable_.changeValue(i, probability);
     tokens.push_back({key, probability});
   }
 
-  const std::int16_t wanted = context_.HeaderWordCount;
+  const std::int16_t wanted = context_.headerWordCount;
   const auto n = static_cast<std::int32_t>(tokens.size());
   if (n < wanted && wanted >= 1) {
     // By record number, as the table holds them: 1 to n.
     float sum = 0;
-    for (std::int32_t i = 1; i <= n; ++i) sum += messageTable_.RecValue(i);
+    for (std::int32_t i = 1; i <= n; ++i) sum += messageTable_.recValue(i);
     return sum != 0 ? sum / static_cast<float>(n) : kLowest;
   }
-  SortByValue(tokens);
-  message.SpamSplit = SpamSplitText(tokens);
-  return MeanOfExtremes(tokens, wanted);
+  sortByValue(tokens);
+  message.spamSplit = spamSplitText(tokens);
+  return meanOfExtremes(tokens, wanted);
 }
 
-float frmBayesFilter::senderCorrected(const message::clsMessage& message, float score) const {
+float BayesFilter::senderCorrected(const message::Message& message, float score) const {
   if (score < kHighest &&
-      !NameFitsAddress(message::ExtractName(message.From), message::ExtractEmail(message.From))) {
+      !nameFitsAddress(message::extractName(message.from), message::extractEmail(message.from))) {
     score = added(score, kNameMismatch);
   }
-  if (knownGoodSender(message::ExtractEmail(message.Sender)) || knownGoodSender(message::ExtractEmail(message.From))) {
+  if (knownGoodSender(message::extractEmail(message.sender)) || knownGoodSender(message::extractEmail(message.from))) {
     score = added(score, kKnownSender);
   }
-  if (score >= context_.SaveToSpamThreshold && (isContact(message.From) || isContact(message.Sender))) {
+  if (score >= context_.saveToSpamThreshold && (isContact(message.from) || isContact(message.sender))) {
     score = added(score, kContactSender);
   }
   return score;
@@ -98,12 +98,12 @@ float frmBayesFilter::senderCorrected(const message::clsMessage& message, float 
 
 // Only entries put into the good table by other means answer: the tokeniser
 // never writes "SND*".
-bool frmBayesFilter::knownGoodSender(const std::string& address) const {
-  return goodTable_.FindRec("SND*" + address).Key != "-1";
+bool BayesFilter::knownGoodSender(const std::string& address) const {
+  return goodTable_.findRec("SND*" + address).key != "-1";
 }
 
-bool frmBayesFilter::isContact(const std::string& field) const {
-  return contacts_ != nullptr && contacts_->ContactExists(message::ExtractName(field), message::ExtractEmail(field));
+bool BayesFilter::isContact(const std::string& field) const {
+  return contacts_ != nullptr && contacts_->contactExists(message::extractName(field), message::extractEmail(field));
 }
 
 }  // namespace vonel::bayes

@@ -7,14 +7,14 @@
 
 #include "core/bayes/blacklist.h"
 #include "core/bayes/contact_lookup.h"
-#include "core/bayes/hash_table.h"
+#include "core/bayes/word_table.h"
 #include "core/message/message.h"
 #include "core/rules/spam_scorer.h"
-#include "core/services/app_context.h"
+#include "core/context/app_context.h"
 
 namespace vonel::bayes {
 
-class frmBayesFilter final : public rules::SpamScorer {
+class BayesFilter final : public rules::SpamScorer {
  public:
   static constexpr float kBlacklistScore = 0.99f;
   static constexpr float kHighest = 0.99f;
@@ -24,45 +24,45 @@ class frmBayesFilter final : public rules::SpamScorer {
   static constexpr double kKnownSender = -0.15;
   static constexpr double kContactSender = -0.5;
 
-  explicit frmBayesFilter(AppContext& context) : context_(context) {}
+  explicit BayesFilter(AppContext& context) : context_(context) {}
 
   // Without an address book no sender counts as a contact.
   void setContacts(const ContactLookup* contacts) { contacts_ = contacts; }
 
-  // From 0.01 to 0.99 into `score`; the message gets FilterReason (blacklist)
-  // or SpamSplit (the token breakdown). A failure is logged and leaves
+  // From 0.01 to 0.99 into `score`; the message gets filterReason (blacklist)
+  // or spamSplit (the token breakdown). A failure is logged and leaves
   // `score` as it stood.
-  void Spamminess(message::clsMessage& message, bool headersOnly, float& score) override;
+  void spamminess(message::Message& message, bool headersOnly, float& score) override;
 
-  void LoadWordHash();
+  void loadWordHash();
   // The word table is read again at the next score, on top of what it holds.
-  void ForceRefresh() { wordTableLoaded_ = false; }
+  void forceRefresh() { wordTableLoaded_ = false; }
   // Empties the word table; the next score reads the file afresh.
-  void ClearWordTable() {
-    wordTable_.HashClear();
+  void clearWordTable() {
+    wordTable_.hashClear();
     wordTableLoaded_ = false;
   }
-  void LoadBlackList();
+  void loadBlackList();
 
   // Filled by training; the score only asks it about senders.
-  clsHashTable& GoodTable() { return goodTable_; }
+  WordTable& goodTable() { return goodTable_; }
 
-  std::filesystem::path WordTableFile() const;
-  std::filesystem::path BlackListFile() const;
+  std::filesystem::path wordTableFile() const;
+  std::filesystem::path blackListFile() const;
 
  private:
-  void score(message::clsMessage& message, bool headersOnly, float& score);
+  void score(message::Message& message, bool headersOnly, float& score);
   // The mean of the message's token probabilities, before rounding.
-  float tokenMean(message::clsMessage& message, bool headersOnly);
-  float senderCorrected(const message::clsMessage& message, float score) const;
+  float tokenMean(message::Message& message, bool headersOnly);
+  float senderCorrected(const message::Message& message, float score) const;
   bool knownGoodSender(const std::string& address) const;
   bool isContact(const std::string& field) const;
 
   AppContext& context_;
   const ContactLookup* contacts_ = nullptr;
-  clsHashTable wordTable_;
-  clsHashTable goodTable_;
-  clsHashTable messageTable_;
+  WordTable wordTable_;
+  WordTable goodTable_;
+  WordTable messageTable_;
   BlackList blackList_;
   bool wordTableLoaded_ = false;
 };

@@ -1,21 +1,21 @@
 #include "core/bayes/blacklist.h"
 
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/text/strings.h"
 
 namespace vonel::bayes {
 
-void BlackList::LoadBlackList(const std::filesystem::path& file, cSharedLogging& log) {
+void BlackList::loadBlackList(const std::filesystem::path& file, Log& log) {
   words_.clear();
   loaded_ = true;
-  if (!files::FileExists(file)) return;
+  if (!files::fileExists(file)) return;
   guardedStep(log, "LoadBlackList", "frmBayesFilter", [&] {
-    const std::string content = files::LoadTextFile(file);
+    const std::string content = files::loadTextFile(file);
     if (!text::trimView(content).empty()) words_ = text::split(content, "\r\n");
   });
 }
 
-std::optional<std::string> BlackList::SearchSubject(std::string_view subject) const {
+std::optional<std::string> BlackList::searchSubject(std::string_view subject) const {
   std::optional<std::string> found;
   std::size_t pos = 0;
   std::size_t least = 0;

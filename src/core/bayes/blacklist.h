@@ -7,14 +7,14 @@
 #include <string_view>
 #include <vector>
 
-#include "core/log/logging.h"
+#include "core/log/log.h"
 
 namespace vonel::bayes {
 
 class BlackList {
  public:
   // A missing or blank file gives an empty list; either way the list counts as read.
-  void LoadBlackList(const std::filesystem::path& file, cSharedLogging& log);
+  void loadBlackList(const std::filesystem::path& file, Log& log);
   bool loaded() const { return loaded_; }
   std::size_t count() const { return words_.size(); }
 
@@ -23,7 +23,7 @@ class BlackList {
   // the next (back to the start after a failure, while the lowest accepted
   // position stays), so a word can miss what a search of its own would find.
   // The last word that matched is the result. Empty lines match nothing.
-  std::optional<std::string> SearchSubject(std::string_view subject) const;
+  std::optional<std::string> searchSubject(std::string_view subject) const;
 
  private:
   std::vector<std::string> words_;

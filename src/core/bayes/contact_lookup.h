@@ -7,7 +7,7 @@ namespace vonel::bayes {
 class ContactLookup {
  public:
   virtual ~ContactLookup() = default;
-  virtual bool ContactExists(std::string_view name, std::string_view email) const = 0;
+  virtual bool contactExists(std::string_view name, std::string_view email) const = 0;
 };
 
 }  // namespace vonel::bayes

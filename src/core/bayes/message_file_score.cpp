@@ -1,29 +1,29 @@
 #include "core/bayes/message_file_score.h"
 
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/text/numbers.h"
 
 namespace vonel::bayes {
 
-FileScore ScoreMessageFile(frmBayesFilter& filter, const std::filesystem::path& file) {
-  message::clsMessage message;
-  message.CreateFromText(files::LoadTextFile(file), false);
+FileScore scoreMessageFile(BayesFilter& filter, const std::filesystem::path& file) {
+  message::Message message;
+  message.createFromText(files::loadTextFile(file), false);
   FileScore result;
-  filter.Spamminess(message, false, result.score);
-  result.FilterReason = message.FilterReason;
-  result.SpamSplit = message.SpamSplit;
+  filter.spamminess(message, false, result.score);
+  result.filterReason = message.filterReason;
+  result.spamSplit = message.spamSplit;
   return result;
 }
 
-std::string_view VerdictWord(float score, const AppContext& context) {
-  if (score >= context.SpamThreshold) return "FAIL";
-  if (score >= context.SaveToSpamThreshold) return "SPAM?";
+std::string_view verdictWord(float score, const AppContext& context) {
+  if (score >= context.spamThreshold) return "FAIL";
+  if (score >= context.saveToSpamThreshold) return "SPAM?";
   return "PASS";
 }
 
-std::string ScoreLine(frmBayesFilter& filter, const AppContext& context, const std::filesystem::path& file) {
-  const float score = ScoreMessageFile(filter, file).score;
-  return text::plainText(score) + " " + std::string(VerdictWord(score, context));
+std::string scoreLine(BayesFilter& filter, const AppContext& context, const std::filesystem::path& file) {
+  const float score = scoreMessageFile(filter, file).score;
+  return text::plainText(score) + " " + std::string(verdictWord(score, context));
 }
 
 }  // namespace vonel::bayes

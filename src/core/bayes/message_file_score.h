@@ -12,18 +12,18 @@ namespace vonel::bayes {
 
 struct FileScore {
   float score = 0;
-  std::string FilterReason;
-  std::string SpamSplit;
+  std::string filterReason;
+  std::string spamSplit;
 };
 
 // The whole message, scored as a downloaded message is checked. Throws
 // AppError when the file can't be read.
-FileScore ScoreMessageFile(frmBayesFilter& filter, const std::filesystem::path& file);
+FileScore scoreMessageFile(BayesFilter& filter, const std::filesystem::path& file);
 
 // "FAIL" from the spam threshold up, "SPAM?" from the suspicious threshold, else "PASS".
-std::string_view VerdictWord(float score, const AppContext& context);
+std::string_view verdictWord(float score, const AppContext& context);
 
 // "<score> <verdict>", as the command line prints it for each file.
-std::string ScoreLine(frmBayesFilter& filter, const AppContext& context, const std::filesystem::path& file);
+std::string scoreLine(BayesFilter& filter, const AppContext& context, const std::filesystem::path& file);
 
 }  // namespace vonel::bayes

@@ -7,7 +7,7 @@
 
 namespace vonel::bayes {
 
-void SortByValue(std::vector<TokenProbability>& tokens) {
+void sortByValue(std::vector<TokenProbability>& tokens) {
   if (tokens.size() < 2) return;
   std::size_t lower = 0;
   std::size_t upper = tokens.size() - 1;
@@ -31,7 +31,7 @@ void SortByValue(std::vector<TokenProbability>& tokens) {
   }
 }
 
-std::string SpamSplitText(const std::vector<TokenProbability>& tokens) {
+std::string spamSplitText(const std::vector<TokenProbability>& tokens) {
   std::string out;
   for (const auto& token : tokens) {
     out += "(" + text::plainText(token.value) + ") \t";
@@ -41,7 +41,7 @@ std::string SpamSplitText(const std::vector<TokenProbability>& tokens) {
   return out;
 }
 
-float MeanOfExtremes(const std::vector<TokenProbability>& sorted, std::int16_t wanted) {
+float meanOfExtremes(const std::vector<TokenProbability>& sorted, std::int16_t wanted) {
   constexpr double kCentre = 0.5;
   if (sorted.empty()) return 0.01f;
   std::size_t lo = 0;
@@ -58,7 +58,7 @@ float MeanOfExtremes(const std::vector<TokenProbability>& sorted, std::int16_t w
   return sum / static_cast<float>(wanted);
 }
 
-bool NameFitsAddress(std::string_view name, std::string_view address) {
+bool nameFitsAddress(std::string_view name, std::string_view address) {
   for (const std::string& piece : text::split(name, " ")) {
     if (!piece.empty() && text::findNoCase(address, piece) > 0) return true;
   }

@@ -16,19 +16,19 @@ struct TokenProbability {
 
 // Ascending by value, a two-way bubble sort with shrinking bounds: equal
 // values keep their order.
-void SortByValue(std::vector<TokenProbability>& tokens);
+void sortByValue(std::vector<TokenProbability>& tokens);
 
 // "(value) <TAB>key" CR LF per token, in the order given.
-std::string SpamSplitText(const std::vector<TokenProbability>& tokens);
+std::string spamSplitText(const std::vector<TokenProbability>& tokens);
 
 // The mean of the `wanted` tokens farthest from 0.5, taken from both ends of
 // the sorted list; a tie goes to the spam end. The sum is kept in single
 // precision, as the tables are. 0.01 when the sum or `wanted` is 0.
 // Needs at least `wanted` tokens.
-float MeanOfExtremes(const std::vector<TokenProbability>& sorted, std::int16_t wanted);
+float meanOfExtremes(const std::vector<TokenProbability>& sorted, std::int16_t wanted);
 
 // Whether some blank-separated piece of the name occurs in the address,
 // ignoring case. An empty name fits nothing.
-bool NameFitsAddress(std::string_view name, std::string_view address);
+bool nameFitsAddress(std::string_view name, std::string_view address);
 
 }  // namespace vonel::bayes

@@ -2,7 +2,7 @@
 
 namespace vonel::bayes {
 
-std::int32_t cHash(std::string_view text, std::int32_t size) {
+std::int32_t stringHash(std::string_view text, std::int32_t size) {
   std::uint64_t h = 14695981039346656037ull;
   for (unsigned char c : text) {
     h ^= c;

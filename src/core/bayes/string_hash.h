@@ -8,6 +8,6 @@ namespace vonel::bayes {
 
 // FNV-1a over the bytes with a final avalanche, so short keys that differ in
 // one byte land far apart. `size` below 1 is taken as 1.
-std::int32_t cHash(std::string_view text, std::int32_t size);
+std::int32_t stringHash(std::string_view text, std::int32_t size);
 
 }  // namespace vonel::bayes

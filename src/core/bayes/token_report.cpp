@@ -4,11 +4,11 @@
 
 namespace vonel::bayes {
 
-std::string DescribeTable(const clsHashTable& table) {
+std::string describeTable(const WordTable& table) {
   std::string out;
-  for (std::int32_t i = 1; i <= table.LastRecord; ++i) {
-    if (table.RecString(i).empty()) continue;
-    out += text::plainText(table.RecValue(i)) + "\t" + table.RecString(i) + "\n";
+  for (std::int32_t i = 1; i <= table.lastRecord; ++i) {
+    if (table.recString(i).empty()) continue;
+    out += text::plainText(table.recValue(i)) + "\t" + table.recString(i) + "\n";
   }
   return out;
 }

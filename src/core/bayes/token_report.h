@@ -3,10 +3,10 @@
 // for the inspection tool and the sample files checked against it.
 #include <string>
 
-#include "core/bayes/hash_table.h"
+#include "core/bayes/word_table.h"
 
 namespace vonel::bayes {
 
-std::string DescribeTable(const clsHashTable& table);
+std::string describeTable(const WordTable& table);
 
 }  // namespace vonel::bayes

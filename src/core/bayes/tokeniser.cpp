@@ -40,7 +40,7 @@ void takeEarlier(std::size_t hit, std::size_t length, std::size_t& lowest) {
   if (hit > 0 && (lowest == 0 || hit < lowest)) lowest = hit + length - 1;
 }
 
-void GetLowest(std::size_t start, ForwardSearch& search, std::size_t& lowest) {
+void getLowest(std::size_t start, ForwardSearch& search, std::size_t& lowest) {
   takeEarlier(search.from(start), search.length(), lowest);
 }
 
@@ -71,35 +71,35 @@ std::string cutAtMarker(std::string word, std::string_view marker, std::size_t s
 
 // The address's host again under the prefix, whole and piece by piece:
 // "mail.example.org" gives "mail", ".example" and ".org" too.
-void hashAddressHost(clsHashTable& table, std::string_view prefix, const std::string& word) {
-  const std::string address = CleanThisWord(word);
+void hashAddressHost(WordTable& table, std::string_view prefix, const std::string& word) {
+  const std::string address = cleanThisWord(word);
   const std::size_t at = address.find('@');
   if (at == std::string::npos || at + 1 == address.size()) return;
   const std::string domain = address.substr(at + 1);
   const std::string p(prefix);
-  table.Insert(p + domain);
+  table.insert(p + domain);
   const auto pieces = text::split(domain, ".");
-  table.Insert(p + pieces.front());
-  for (std::size_t i = 1; i < pieces.size(); ++i) table.Insert(p + "." + pieces[i]);
+  table.insert(p + pieces.front());
+  for (std::size_t i = 1; i < pieces.size(); ++i) table.insert(p + "." + pieces[i]);
 }
 
-void hashWord(clsHashTable& table, std::string_view prefix, const std::string& word, const std::string& last) {
+void hashWord(WordTable& table, std::string_view prefix, const std::string& word, const std::string& last) {
   const std::string p(prefix);
   if (prefix == "RCT*") {
     const std::string lastUpper = text::upper(last);
     if (lastUpper == "HELO") {
-      table.Insert(word);
+      table.insert(word);
     } else if (lastUpper == "FROM" && word != "network;") {
-      table.Insert(last + " " + word);
+      table.insert(last + " " + word);
     }
   } else if (prefix == "CT*") {
-    if (contains(word, "/")) table.Insert(p + text::replaceAll(word, ";", ""));
+    if (contains(word, "/")) table.insert(p + text::replaceAll(word, ";", ""));
   } else if (prefix == "HDR*") {
-    if (!contains(word, ":") && text::findNoCase(word, "boundary") == 0 && !AllNumerics(word)) table.Insert(p + word);
+    if (!contains(word, ":") && text::findNoCase(word, "boundary") == 0 && !allNumerics(word)) table.insert(p + word);
   } else if (prefix == "SUB*") {
-    table.Insert(p + word);
-  } else if (!AllNumerics(word)) {
-    table.Insert(p + word);
+    table.insert(p + word);
+  } else if (!allNumerics(word)) {
+    table.insert(p + word);
     if (contains(word, "@")) hashAddressHost(table, prefix, word);
   }
 }
@@ -119,35 +119,35 @@ std::string cleanUrl(std::string url) {
 
 }  // namespace
 
-void GetLowest(std::size_t start, std::string_view text, std::string_view find, std::size_t& lowest) {
+void getLowest(std::size_t start, std::string_view text, std::string_view find, std::size_t& lowest) {
   takeEarlier(text::find(text, find, start), find.size(), lowest);
 }
 
-std::string CleanThisWord(std::string word) {
+std::string cleanThisWord(std::string word) {
   std::erase_if(word, [](char c) { return (c >= 1 && c <= 30) || isOneOf(c, "<>`~^'\",(){}[]"); });
   return text::trim(word);
 }
 
-bool AllNumerics(std::string_view word) {
+bool allNumerics(std::string_view word) {
   return std::all_of(word.begin(), word.end(), [](char c) { return (c >= '0' && c <= '9') || c == '-' || c == '+'; });
 }
 
-std::string CleanNumbers(std::string_view text) {
+std::string cleanNumbers(std::string_view text) {
   std::string out(text);
   std::erase_if(out, [](char c) { return c >= '0' && c <= '9'; });
   return out;
 }
 
-std::string ExtractIfUrl(std::string word) {
+std::string extractIfUrl(std::string word) {
   word = cutAtMarker(std::move(word), "http://", 8);
   return cutAtMarker(std::move(word), "www.", 5);
 }
 
-void BreakAndHash(clsHashTable& table, std::string text, std::string_view prefix) {
+void breakAndHash(WordTable& table, std::string text, std::string_view prefix) {
   if (text.empty() || text::findNoCase(text, "boundary=") > 0) return;
   text = text::replaceAll(text, "\r\n", " ");
   blankEach(text, "\r\n\t");
-  if (contains(text, " ") && text.size() <= kLongestPhrase) table.Insert(std::string(prefix) + text);
+  if (contains(text, " ") && text.size() <= kLongestPhrase) table.insert(std::string(prefix) + text);
   if (prefix != "HDR*" && prefix != "SB-LN*" && prefix != "SB-ND*") blankEach(text, "=,*-()");
 
   ForwardSearch blanks(text, " ");
@@ -157,7 +157,7 @@ void BreakAndHash(clsHashTable& table, std::string text, std::string_view prefix
   do {
     const std::size_t start = pos;
     pos = blanks.from(start + 1);
-    GetLowest(start + 1, closers, pos);
+    getLowest(start + 1, closers, pos);
     const std::size_t length = pos > 0 ? pos - start + 1 : std::string_view::npos;
     std::string word(text::trimView(std::string_view(text).substr(start - 1, length)));
     if (word.size() < kShortestWord) continue;
@@ -165,9 +165,9 @@ void BreakAndHash(clsHashTable& table, std::string text, std::string_view prefix
       last = std::move(word);
       continue;
     }
-    word = text::left(word, 2) == "<!" ? "HTMLCOMMENT" : CleanThisWord(std::move(word));
+    word = text::left(word, 2) == "<!" ? "HTMLCOMMENT" : cleanThisWord(std::move(word));
     if (prefix.empty() && !contains(word, "@") && text::findNoCase(word, "http") == 0) std::erase(word, '.');
-    if (contains(word, ".")) word = ExtractIfUrl(std::move(word));
+    if (contains(word, ".")) word = extractIfUrl(std::move(word));
     hashWord(table, prefix, word, last);
     last = std::move(word);
   } while (pos > 0);
@@ -175,7 +175,7 @@ void BreakAndHash(clsHashTable& table, std::string text, std::string_view prefix
 
 // The last URL of a body is counted twice: the final pass finds no further
 // link and inserts the one it still holds. Each insert cleans the URL as found.
-void HashUrls(clsHashTable& table, std::string_view body) {
+void hashUrls(WordTable& table, std::string_view body) {
   if (body.empty()) return;
   const std::string text = text::lower(body);
   if (!contains(text, "www.") && !contains(text, "http://") && !contains(text, "https://")) return;
@@ -188,44 +188,44 @@ void HashUrls(clsHashTable& table, std::string_view body) {
   do {
     const std::size_t start = pos;
     pos = plain.from(start + 1);
-    GetLowest(start + 1, secure, pos);
-    GetLowest(start + 1, bare, pos);
+    getLowest(start + 1, secure, pos);
+    getLowest(start + 1, bare, pos);
     if (pos > 0) {
       std::size_t end = slash.from(pos + 8);
-      for (ForwardSearch* stop : {&quote, &blank, &com, &biz, &info}) GetLowest(pos + 8, *stop, end);
+      for (ForwardSearch* stop : {&quote, &blank, &com, &biz, &info}) getLowest(pos + 8, *stop, end);
       url = end != 0 ? text::trim(text::mid(text, pos, end - pos + 1)) : std::string();
     }
-    if (url.size() >= kShortestWord && url.size() <= kLongestUrl) table.Insert("URL*" + cleanUrl(url));
+    if (url.size() >= kShortestWord && url.size() <= kLongestUrl) table.insert("URL*" + cleanUrl(url));
   } while (pos > 0);
 }
 
-void HashMessage(clsHashTable& table, const message::clsMessage& message, bool headersOnly) {
-  const std::string linked = text::replaceAll(message.Subject, " ", "_");
-  const std::string noDigits = CleanNumbers(linked);
-  BreakAndHash(table, message.Subject, "SUB*");
-  BreakAndHash(table, linked, "SB-LN*");
-  if (!text::equalsNoCase(text::trimView(linked), text::trimView(noDigits))) BreakAndHash(table, noDigits, "SB-ND*");
+void hashMessage(WordTable& table, const message::Message& message, bool headersOnly) {
+  const std::string linked = text::replaceAll(message.subject, " ", "_");
+  const std::string noDigits = cleanNumbers(linked);
+  breakAndHash(table, message.subject, "SUB*");
+  breakAndHash(table, linked, "SB-LN*");
+  if (!text::equalsNoCase(text::trimView(linked), text::trimView(noDigits))) breakAndHash(table, noDigits, "SB-ND*");
 
   const auto nameThenAddress = [&table](const std::string& field, std::string_view prefix) {
-    BreakAndHash(table, message::ExtractName(field), prefix);
-    BreakAndHash(table, message::ExtractEmail(field), prefix);
+    breakAndHash(table, message::extractName(field), prefix);
+    breakAndHash(table, message::extractEmail(field), prefix);
   };
-  nameThenAddress(message.To_Email(), "TO*");
-  nameThenAddress(message.Sender, "SNDR*");
-  nameThenAddress(message.From, "FRM*");
-  nameThenAddress(message.ReplyTo, "RPLYTO*");
-  BreakAndHash(table, message.XEnvelopeTo, "XTO*");
-  BreakAndHash(table, message.ContentTypeMain, "CT*");
-  BreakAndHash(table, message.BCC, "BCC*");
-  BreakAndHash(table, message.CC, "CC*");
-  BreakAndHash(table, message.Received, "RCT*");
-  BreakAndHash(table, message.UserAgent, "UA*");
-  BreakAndHash(table, message.OrigIP, "IP*");
-  BreakAndHash(table, message.XMailer, "XMLR*");
-  BreakAndHash(table, message.Headers, "HDR*");
+  nameThenAddress(message.toEmail(), "TO*");
+  nameThenAddress(message.sender, "SNDR*");
+  nameThenAddress(message.from, "FRM*");
+  nameThenAddress(message.replyTo, "RPLYTO*");
+  breakAndHash(table, message.xEnvelopeTo, "XTO*");
+  breakAndHash(table, message.contentTypeMain, "CT*");
+  breakAndHash(table, message.bcc, "BCC*");
+  breakAndHash(table, message.cc, "CC*");
+  breakAndHash(table, message.received, "RCT*");
+  breakAndHash(table, message.userAgent, "UA*");
+  breakAndHash(table, message.origIp, "IP*");
+  breakAndHash(table, message.xMailer, "XMLR*");
+  breakAndHash(table, message.headers, "HDR*");
 
   if (headersOnly) return;
-  HashUrls(table, message.HtmlStrippedBody.empty() ? message.StrippedBody : message.HtmlStrippedBody);
+  hashUrls(table, message.htmlStrippedBody.empty() ? message.strippedBody : message.htmlStrippedBody);
 }
 
 }  // namespace vonel::bayes

@@ -7,25 +7,25 @@
 #include <string>
 #include <string_view>
 
-#include "core/bayes/hash_table.h"
+#include "core/bayes/word_table.h"
 #include "core/message/message.h"
 
 namespace vonel::bayes {
 
-void HashMessage(clsHashTable& table, const message::clsMessage& message, bool headersOnly);
+void hashMessage(WordTable& table, const message::Message& message, bool headersOnly);
 // The tokens of one field under one prefix.
-void BreakAndHash(clsHashTable& table, std::string text, std::string_view prefix);
+void breakAndHash(WordTable& table, std::string text, std::string_view prefix);
 // "URL*" tokens for the hosts of the links in a body.
-void HashUrls(clsHashTable& table, std::string_view text);
+void hashUrls(WordTable& table, std::string_view text);
 
 // Moves `lowest` to the last character of `find` when it occurs from `start`
 // and sooner than `lowest` (0 counts as later than anything).
-void GetLowest(std::size_t start, std::string_view text, std::string_view find, std::size_t& lowest);
+void getLowest(std::size_t start, std::string_view text, std::string_view find, std::size_t& lowest);
 
-std::string CleanThisWord(std::string word);
+std::string cleanThisWord(std::string word);
 // Digits, "-" and "+" only; an empty word is numeric.
-bool AllNumerics(std::string_view word);
-std::string CleanNumbers(std::string_view text);
-std::string ExtractIfUrl(std::string word);
+bool allNumerics(std::string_view word);
+std::string cleanNumbers(std::string_view text);
+std::string extractIfUrl(std::string word);
 
 }  // namespace vonel::bayes

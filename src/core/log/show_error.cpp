@@ -2,16 +2,16 @@
 
 namespace vonel {
 
-void ShowErr(Prompt& prompt, std::string_view text, std::string_view details) { prompt.showError(text, details); }
+void showError(Prompt& prompt, std::string_view text, std::string_view details) { prompt.showError(text, details); }
 
-void ShowErrObj(Prompt& prompt, const AppError& error, std::string_view module, std::string_view procedure,
+void showErrorReport(Prompt& prompt, const AppError& error, std::string_view module, std::string_view procedure,
                 std::string_view extra) {
   std::string text(extra);
   text += std::to_string(error.number()) + " - " + error.description() + " in ";
   text += procedure;
   text += " of ";
   text += module;
-  ShowErr(prompt, text);
+  showError(prompt, text);
 }
 
 }  // namespace vonel

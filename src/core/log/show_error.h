@@ -5,13 +5,13 @@
 #include <string_view>
 
 #include "core/log/app_error.h"
-#include "core/services/prompt.h"
+#include "core/interaction/prompt.h"
 
 namespace vonel {
 
-void ShowErr(Prompt& prompt, std::string_view text, std::string_view details = {});
+void showError(Prompt& prompt, std::string_view text, std::string_view details = {});
 // "<extra><number> - <description> in <procedure> of <module>".
-void ShowErrObj(Prompt& prompt, const AppError& error, std::string_view module, std::string_view procedure,
+void showErrorReport(Prompt& prompt, const AppError& error, std::string_view module, std::string_view procedure,
                 std::string_view extra = {});
 
 }  // namespace vonel

@@ -6,7 +6,7 @@
 
 namespace vonel::message {
 
-std::string ExtractEmail(std::string_view text) {
+std::string extractEmail(std::string_view text) {
   if (text::trimView(text).empty()) return {};
   std::string address;
   if (const std::size_t open = text::find(text, "<")) {
@@ -22,7 +22,7 @@ std::string ExtractEmail(std::string_view text) {
   return address;
 }
 
-std::string ExtractName(std::string_view text) {
+std::string extractName(std::string_view text) {
   const std::size_t open = text::find(text, "<");
   std::string name = open >= 2 ? text::trim(text::left(text, open - 1)) : std::string(text);
   std::erase_if(name, [](char c) { return c == '"' || c == '\''; });

@@ -9,10 +9,10 @@ namespace vonel::message {
 // The address in lower case: what follows the first "<" (less every ">"),
 // else the whole text; blanks around "@" closed up, then cut at the first
 // blank, so a bare list of two addresses gives the first with its comma.
-std::string ExtractEmail(std::string_view text);
+std::string extractEmail(std::string_view text);
 
 // What stands before a "<" at position 2 or later, else the whole text,
 // without double quotes and apostrophes.
-std::string ExtractName(std::string_view text);
+std::string extractName(std::string_view text);
 
 }  // namespace vonel::message

@@ -5,7 +5,7 @@
 
 #include "core/log/app_error.h"
 #include "core/message/transfer_encoding.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/text/shared_text.h"
 #include "core/text/strings.h"
 
@@ -44,9 +44,9 @@ std::string cutToLength(std::string name) {
 }
 
 // The part's bytes into the file; a failure is logged, not thrown.
-std::optional<fs::path> writeLogged(const fs::path& file, const clsMimeType& part, cSharedLogging* log) {
+std::optional<fs::path> writeLogged(const fs::path& file, const MimePart& part, Log* log) {
   try {
-    WriteFile(file, part.Data, part.Encoding);
+    writeFile(file, part.data, part.encoding);
     return file;
   } catch (...) {
     if (log) logFailure(*log, AppError::from(std::current_exception()), "WriteFile", kModule);
@@ -56,22 +56,22 @@ std::optional<fs::path> writeLogged(const fs::path& file, const clsMimeType& par
 
 }  // namespace
 
-std::string DecodedPartBytes(std::string_view data, std::string_view encoding) {
+std::string decodedPartBytes(std::string_view data, std::string_view encoding) {
   // Not the display decoders: they pad base64 with blanks, keep soft breaks as
   // line ends and trim, and a saved picture or archive would not open.
-  if (encoding == "base64") return DecodeBase64Bytes(data);
-  if (encoding == "quoted-printable") return DecodeQuotedPrintableBytes(data);
+  if (encoding == "base64") return decodeBase64Bytes(data);
+  if (encoding == "quoted-printable") return decodeQuotedPrintableBytes(data);
   return std::string(data);
 }
 
-void WriteFile(const fs::path& path, std::string_view data, std::string_view encoding) {
-  files::WriteTextFile(path, DecodedPartBytes(data, encoding));
+void writeFile(const fs::path& path, std::string_view data, std::string_view encoding) {
+  files::writeTextFile(path, decodedPartBytes(data, encoding));
 }
 
-std::string SafeAttachmentName(std::string_view name) {
+std::string safeAttachmentName(std::string_view name) {
   std::string_view plain = name.substr(name.find_last_of("/\\") + 1);  // npos + 1 is 0
   if (plain.size() >= 2 && plain[1] == ':') plain.remove_prefix(2);
-  std::string safe = text::CleanString(plain);
+  std::string safe = text::cleanString(plain);
   std::erase_if(safe, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
   safe = cutToLength(std::move(safe));
   // Leading dots hide a file or climb a folder; Windows drops trailing ones.
@@ -82,39 +82,39 @@ std::string SafeAttachmentName(std::string_view name) {
   return safe;
 }
 
-fs::path AttachmentPath(const fs::path& folder, std::string_view filename) {
-  return folder / files::PathFromText(SafeAttachmentName(filename));
+fs::path attachmentPath(const fs::path& folder, std::string_view filename) {
+  return folder / files::pathFromText(safeAttachmentName(filename));
 }
 
-std::optional<fs::path> SaveAttachment(const clsMimeType& part, const fs::path& folder, cSharedLogging* log) {
-  return writeLogged(AttachmentPath(folder, part.Filename), part, log);
+std::optional<fs::path> saveAttachment(const MimePart& part, const fs::path& folder, Log* log) {
+  return writeLogged(attachmentPath(folder, part.filename), part, log);
 }
 
-std::vector<fs::path> SaveAllAttachmentsNoUserInput(const clsMessage& message, const fs::path& folder,
-                                                    cSharedLogging* log) {
+std::vector<fs::path> saveAllAttachmentsNoUserInput(const Message& message, const fs::path& folder,
+                                                    Log* log) {
   std::vector<fs::path> written;
-  for (std::size_t i = 1; i <= message.MimePartCount(); ++i) {
-    const clsMimeType& part = message.MimePart(i);
-    if (part.Filename.empty()) continue;
-    if (auto file = SaveAttachment(part, folder, log)) written.push_back(std::move(*file));
+  for (std::size_t i = 1; i <= message.mimePartCount(); ++i) {
+    const MimePart& part = message.mimePart(i);
+    if (part.filename.empty()) continue;
+    if (auto file = saveAttachment(part, folder, log)) written.push_back(std::move(*file));
   }
   return written;
 }
 
-std::vector<fs::path> SaveAllAttachments(const clsMessage& message, bool ask, const fs::path& folder,
-                                         SaveFileChooser& chooser, Prompt& prompt, cSharedLogging* log) {
-  std::vector<const clsMimeType*> named;
-  for (std::size_t i = 1; i <= message.MimePartCount(); ++i) {
-    if (!message.MimePart(i).Filename.empty()) named.push_back(&message.MimePart(i));
+std::vector<fs::path> saveAllAttachments(const Message& message, bool ask, const fs::path& folder,
+                                         SaveFileChooser& chooser, Prompt& prompt, Log* log) {
+  std::vector<const MimePart*> named;
+  for (std::size_t i = 1; i <= message.mimePartCount(); ++i) {
+    if (!message.mimePart(i).filename.empty()) named.push_back(&message.mimePart(i));
   }
   if (named.empty()) return {};
   if (named.size() == 1) {
-    const fs::path proposal = AttachmentPath(folder, named.front()->Filename);
+    const fs::path proposal = attachmentPath(folder, named.front()->filename);
     // The file the user picked is taken as chosen; only names from mail are made safe.
     const auto chosen = ask ? chooser.chooseSaveFile(kSaveTitle, proposal) : std::optional<fs::path>(proposal);
     if (!chosen) return {};
     if (auto file = writeLogged(*chosen, *named.front(), log)) return {std::move(*file)};
-    prompt.ask("The attachment could not be saved to:\r\n" + files::TextFromPath(*chosen), Buttons::Ok, kTitle);
+    prompt.ask("The attachment could not be saved to:\r\n" + files::textFromPath(*chosen), Buttons::Ok, kTitle);
     return {};
   }
   fs::path target = folder;
@@ -123,27 +123,27 @@ std::vector<fs::path> SaveAllAttachments(const clsMessage& message, bool ask, co
     if (!chosen) return {};
     target = chosen->parent_path();
   }
-  const auto written = SaveAllAttachmentsNoUserInput(message, target, log);
+  const auto written = saveAllAttachmentsNoUserInput(message, target, log);
   const std::string_view outcome =
       written.size() == named.size() ? "All attachments saved to:" : "Some attachments could not be saved to:";
-  prompt.ask(std::string(outcome) + "\r\n" + files::TextFromPath(target), Buttons::Ok, kTitle);
+  prompt.ask(std::string(outcome) + "\r\n" + files::textFromPath(target), Buttons::Ok, kTitle);
   return written;
 }
 
-bool IsAttachedMessage(std::string_view filename) { return text::upper(filename).ends_with(".EML"); }
+bool isAttachedMessage(std::string_view filename) { return text::upper(filename).ends_with(".EML"); }
 
-std::optional<fs::path> WriteAttachmentToOpen(clsMessage& message, std::size_t index, const fs::path& folder,
-                                              cSharedLogging* log) {
-  const clsMimeType& part = message.MimePart(index);
-  if (part.Filename.empty()) return std::nullopt;
-  message.AttachmentsFolder = files::TextFromPath(folder);
-  if (text::findNoCase(part.Filename, ".htm") && !IsAttachedMessage(part.Filename)) {
-    const auto written = SaveAllAttachmentsNoUserInput(message, folder, log);
-    const fs::path file = AttachmentPath(folder, part.Filename);
+std::optional<fs::path> writeAttachmentToOpen(Message& message, std::size_t index, const fs::path& folder,
+                                              Log* log) {
+  const MimePart& part = message.mimePart(index);
+  if (part.filename.empty()) return std::nullopt;
+  message.attachmentsFolder = files::textFromPath(folder);
+  if (text::findNoCase(part.filename, ".htm") && !isAttachedMessage(part.filename)) {
+    const auto written = saveAllAttachmentsNoUserInput(message, folder, log);
+    const fs::path file = attachmentPath(folder, part.filename);
     return std::find(written.begin(), written.end(), file) != written.end() ? std::optional<fs::path>(file)
                                                                               : std::nullopt;
   }
-  return SaveAttachment(part, folder, log);
+  return saveAttachment(part, folder, log);
 }
 
 }  // namespace vonel::message

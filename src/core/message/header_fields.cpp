@@ -1,4 +1,4 @@
-// The header pass of CreateFromText: one line at a time, a line without a
+// The header pass of createFromText: one line at a time, a line without a
 // colon continues the last key, and only a fixed list of names is read.
 #include <array>
 
@@ -52,8 +52,8 @@ struct KnownName {
   Field field;
 };
 
-// A second "to" test used to follow "reply-to" to fill MessageTo; the first
-// always won, so MessageTo is never filled by parsing.
+// A second "to" test used to follow "reply-to" to fill messageTo; the first
+// always won, so messageTo is never filled by parsing.
 constexpr std::array<KnownName, 32> kKnownNames = {{
     {"to", Field::To},
     {"return-path", Field::ReturnPath},
@@ -123,65 +123,65 @@ std::string withoutSemicolons(std::string_view value) {
 
 std::string withoutJunkAtEnd(std::string_view value) {
   std::string out(value);
-  text::EatCrapFromEnd(out);
+  text::trimJunkFromEnd(out);
   return out;
 }
 
 }  // namespace
 
-void clsMessage::parseHeaderLines() {
-  const std::string_view headers = Headers;
+void Message::parseHeaderLines() {
+  const std::string_view lines = headers;
   Field lastField = Field::Ignored;
   std::size_t lineStart = 0;
   for (;;) {
-    const std::size_t lineEnd = headers.find("\r\n", lineStart);
-    const std::string_view line = headers.substr(lineStart, lineEnd - lineStart);
+    const std::size_t lineEnd = lines.find("\r\n", lineStart);
+    const std::string_view line = lines.substr(lineStart, lineEnd - lineStart);
     std::string_view value;
     const Field field = fieldOfLine(line, lastField, value);
     // A repeated header or a continuation line runs through the same branch:
     // most fields keep the last line only.
     switch (field) {
       case Field::Ignored: break;
-      case Field::To: to_ = ISODecode(value); break;
-      case Field::ReturnPath: ReturnPath = value; break;
-      case Field::DeliveredTo: DeliveredTo_Email = ISODecode(value); break;
-      case Field::Received: Received.append(" ").append(value); break;
-      case Field::From: From = ISODecode(value); break;
-      case Field::Sender: Sender = ISODecode(value); break;
-      case Field::ReplyTo: ReplyTo = ISODecode(value); break;
-      case Field::Cc: CC = value; break;
-      case Field::Bcc: BCC = value; break;
-      case Field::DomainKey: DomainKey += value; break;
-      case Field::MessageId: MessageID = value; break;
-      case Field::InReplyTo: InReplyTo = value; break;
-      case Field::UserAgent: UserAgent = value; break;
-      case Field::OriginatingIp: OrigIP = value; break;
-      case Field::References: References = value; break;
-      case Field::ReturnReceiptTo: ReturnReceiptTo = value; break;
-      case Field::Keywords: Keywords = value; break;
+      case Field::To: to_ = isoDecode(value); break;
+      case Field::ReturnPath: returnPath = value; break;
+      case Field::DeliveredTo: deliveredToEmail = isoDecode(value); break;
+      case Field::Received: received.append(" ").append(value); break;
+      case Field::From: from = isoDecode(value); break;
+      case Field::Sender: sender = isoDecode(value); break;
+      case Field::ReplyTo: replyTo = isoDecode(value); break;
+      case Field::Cc: cc = value; break;
+      case Field::Bcc: bcc = value; break;
+      case Field::DomainKey: domainKey += value; break;
+      case Field::MessageId: messageId = value; break;
+      case Field::InReplyTo: inReplyTo = value; break;
+      case Field::UserAgent: userAgent = value; break;
+      case Field::OriginatingIp: origIp = value; break;
+      case Field::References: references = value; break;
+      case Field::ReturnReceiptTo: returnReceiptTo = value; break;
+      case Field::Keywords: keywords = value; break;
       case Field::Subject:
         // Folded subjects join, and so do two Subject headers in a row.
-        Subject = lastField == Field::Subject ? Subject + " " + ISODecode(value) : ISODecode(value);
+        subject = lastField == Field::Subject ? subject + " " + isoDecode(value) : isoDecode(value);
         break;
-      case Field::Comments: Comments = value; break;
-      case Field::Encrypted: Encrypted = value; break;
-      case Field::Date: SendDate = withoutJunkAtEnd(value); break;
-      case Field::ReceiveDate: ReceiveDate = withoutJunkAtEnd(value); break;
+      case Field::Comments: comments = value; break;
+      case Field::Encrypted: encrypted = value; break;
+      case Field::Date: sendDate = withoutJunkAtEnd(value); break;
+      case Field::ReceiveDate: receiveDate = withoutJunkAtEnd(value); break;
       case Field::ContentType:
-        if (ContentTypeMain.empty()) ContentTypeMain = withoutSemicolons(value);
+        if (contentTypeMain.empty()) contentTypeMain = withoutSemicolons(value);
         break;
-      case Field::MessageRead: Read = isFlagSet(value); break;
+      case Field::MessageRead: read = isFlagSet(value); break;
       case Field::MessageTags:
         tags_ = value;
         std::erase(tags_, '\r');
         break;
-      case Field::MessageHighPriority: HighPriority = isFlagSet(value); break;
-      case Field::MessageReplied: Replied = isFlagSet(value); break;
-      case Field::Mailer: XMailer = value; break;
-      case Field::SpamStatus: XSpamStatus += value; break;
-      case Field::SpamReport: XSpamReport += value; break;
-      case Field::EnvelopeTo: XEnvelopeTo = value; break;
-      case Field::SpamTestsFailed: SpamTestsFailed = value; break;
+      case Field::MessageHighPriority: highPriority = isFlagSet(value); break;
+      case Field::MessageReplied: replied = isFlagSet(value); break;
+      case Field::Mailer: xMailer = value; break;
+      case Field::SpamStatus: xSpamStatus += value; break;
+      case Field::SpamReport: xSpamReport += value; break;
+      case Field::EnvelopeTo: xEnvelopeTo = value; break;
+      case Field::SpamTestsFailed: spamTestsFailed = value; break;
     }
     lastField = field;
     if (lineEnd == std::string_view::npos) break;

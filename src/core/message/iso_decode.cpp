@@ -25,7 +25,7 @@ void keepAfterQuestionMark(std::string& text) { text = text::mid(text, text::fin
 
 }  // namespace
 
-std::string ISODecode(std::string_view value) {
+std::string isoDecode(std::string_view value) {
   std::string text(value);
   const std::size_t blank = text::find(text, " ");
   const std::string tail = blank ? text::mid(text, blank) : std::string();
@@ -33,17 +33,17 @@ std::string ISODecode(std::string_view value) {
   bool foundMarker = false;
   if (hasSingleByteCharset(text)) {
     if (const std::size_t b = text::findNoCase(text, "?b")) {
-      text = text::left(text, b) + DecodeMime64(text::mid(text, b + 3));
+      text = text::left(text, b) + decodeMime64(text::mid(text, b + 3));
       foundMarker = true;
     }
   } else if (const std::size_t b = text::findNoCase(text, "?B?")) {
-    text = DecodeMime64(text::mid(text, b + 3));
+    text = decodeMime64(text::mid(text, b + 3));
     foundMarker = true;
   }
 
-  text = QuotedPrintableDecode(text);
+  text = quotedPrintableDecode(text);
   if (const std::size_t q = text::findNoCase(text, "q?")) text = text::mid(text, q + 2);
-  for (const std::string_view junk : {"=?=", "?=", "=?", "?Q", "=3A"}) text::ReplaceWith(text, junk, "");
+  for (const std::string_view junk : {"=?=", "?=", "=?", "?Q", "=3A"}) text::replaceWith(text, junk, "");
 
   for (const auto charset : kSingleByteCharsets) {
     if (text::findNoCase(text, charset)) keepAfterQuestionMark(text);
@@ -53,8 +53,8 @@ std::string ISODecode(std::string_view value) {
     text = text::utf8ToCp1252(text);
   }
 
-  for (const std::string_view junk : {"\"", "\r", "\n", "\x12", "\x10", "\x11"}) text::ReplaceWith(text, junk, "");
-  text::CutOffNull(text);
+  for (const std::string_view junk : {"\"", "\r", "\n", "\x12", "\x10", "\x11"}) text::replaceWith(text, junk, "");
+  text::cutOffNull(text);
   if (foundMarker) text += tail;
   return text::trim(text);
 }

@@ -8,6 +8,6 @@
 
 namespace vonel::message {
 
-std::string ISODecode(std::string_view text);
+std::string isoDecode(std::string_view text);
 
 }  // namespace vonel::message

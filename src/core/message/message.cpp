@@ -22,39 +22,39 @@ const std::shared_ptr<const std::string>& emptyText() {
 
 }  // namespace
 
-clsMessage::clsMessage(cSharedLogging* log, const Clock* clock)
+Message::Message(Log* log, const Clock* clock)
     : log_(log), clock_(clock), raw_(emptyText()), messageText_(emptyText()), bodySource_(emptyText()) {}
 
-void clsMessage::logAction(std::string_view text, std::string_view procedure) const {
-  if (log_) log_->AddAction(text, procedure, kModule);
+void Message::logAction(std::string_view text, std::string_view procedure) const {
+  if (log_) log_->addAction(text, procedure, kModule);
 }
 
-void clsMessage::logFailure(const AppError& error, std::string_view procedure) const {
+void Message::logFailure(const AppError& error, std::string_view procedure) const {
   if (log_) vonel::logFailure(*log_, error, procedure, kModule);
 }
 
-void clsMessage::clearForParse(bool headerOnly) {
-  StrippedBody.clear();
-  HtmlStrippedBody.clear();
+void Message::clearForParse(bool headersOnly) {
+  strippedBody.clear();
+  htmlStrippedBody.clear();
   mime_ = MimeContent{};
-  HasAttachment = false;
-  HeaderOnly = headerOnly;
-  Received.clear();
-  XSpamStatus.clear();
-  XSpamReport.clear();
-  DomainKey.clear();
-  Read = false;
+  hasAttachment = false;
+  headerOnly = headersOnly;
+  received.clear();
+  xSpamStatus.clear();
+  xSpamReport.clear();
+  domainKey.clear();
+  read = false;
   tags_.clear();
-  HighPriority = false;
-  ContentTypeMain.clear();
+  highPriority = false;
+  contentTypeMain.clear();
   // Replied is kept on purpose: a reused object remembers it.
 }
 
-void clsMessage::CreateFromText(std::string text, bool headerOnly) {
+void Message::createFromText(std::string text, bool headerOnly) {
   try {
     clearForParse(headerOnly);
     raw_ = std::make_shared<const std::string>(std::move(text));
-    Size = std::max(1.0f, static_cast<float>(text::roundHalfEven(static_cast<double>(raw_->size()) / 1024.0)));
+    size = std::max(1.0f, static_cast<float>(text::roundHalfEven(static_cast<double>(raw_->size()) / 1024.0)));
 
     std::size_t blankLine = raw_->find("\r\n\r\n");
     if (blankLine != std::string::npos && blankLine + 1 > kLargestPosition) {
@@ -63,10 +63,10 @@ void clsMessage::CreateFromText(std::string text, bool headerOnly) {
     }
     if (blankLine == std::string::npos) {
       logAction("Invalid message format", kParseProcedure);
-      Headers.clear();
+      headers.clear();
       return;
     }
-    Headers = raw_->substr(0, blankLine);
+    headers = raw_->substr(0, blankLine);
     bodySource_ = raw_;
     bodyOffset_ = blankLine + 4;
     messageText_ = raw_;
@@ -75,35 +75,35 @@ void clsMessage::CreateFromText(std::string text, bool headerOnly) {
     parseHeaderLines();
 
     if (!headerOnly) {
-      NewDecodePart(*raw_, mime_);
-      if (!mime_.attachmentNames.empty()) HasAttachment = true;
-      CreateStrippedBody();
+      newDecodePart(*raw_, mime_);
+      if (!mime_.attachmentNames.empty()) hasAttachment = true;
+      createStrippedBody();
     }
   } catch (...) {
     logFailure(AppError::from(std::current_exception()), kParseProcedure);
   }
 }
 
-std::string clsMessage::AttachmentFilenames() const {
+std::string Message::attachmentFilenames() const {
   std::string names;
   for (const auto& name : mime_.attachmentNames) names += name + " * ";
   return names;
 }
 
-text::DateTime clsMessage::SendDateInLocalZone() const { return SendDateInZone(StandardZoneBias()); }
+text::DateTime Message::sendDateInLocalZone() const { return sendDateInZone(standardZoneBias()); }
 
-text::DateTime clsMessage::SendDateInZone(int biasMinutes) const { return LocalSendDate(SendDate, biasMinutes); }
+text::DateTime Message::sendDateInZone(int biasMinutes) const { return localSendDate(sendDate, biasMinutes); }
 
-const clsMimeType& clsMessage::MimePart(std::size_t index) const {
-  static const clsMimeType kEmpty;
+const MimePart& Message::mimePart(std::size_t index) const {
+  static const MimePart kEmpty;
   return index >= 1 && index <= mime_.parts.size() ? mime_.parts[index - 1] : kEmpty;
 }
 
-void clsMessage::AddAttachment(std::string name) { mime_.attachmentNames.push_back(std::move(name)); }
+void Message::addAttachment(std::string name) { mime_.attachmentNames.push_back(std::move(name)); }
 
-void clsMessage::ReplaceRawMessage(std::string text) { raw_ = std::make_shared<const std::string>(std::move(text)); }
+void Message::replaceRawMessage(std::string text) { raw_ = std::make_shared<const std::string>(std::move(text)); }
 
-std::string PathInReadCase(std::string path, bool read) {
+std::string pathInReadCase(std::string path, bool read) {
   // Only the name itself carries the read state; the folders keep their case.
   const std::size_t nameStart = path.find_last_of("\\/") + 1;  // npos + 1 is 0
   const auto fold = read ? text::lowerByte : text::upperByte;
@@ -112,17 +112,17 @@ std::string PathInReadCase(std::string path, bool read) {
   return path;
 }
 
-std::string clsMessage::Filename() const { return PathInReadCase(filename_, Read); }
+std::string Message::filename() const { return pathInReadCase(filename_, read); }
 
-std::string_view clsMessage::MessageBody() const {
+std::string_view Message::messageBody() const {
   return std::string_view(*bodySource_).substr(std::min(bodyOffset_, bodySource_->size()));
 }
 
-void clsMessage::setMessageBody(std::string body) {
+void Message::setMessageBody(std::string body) {
   bodySource_ = std::make_shared<const std::string>(std::move(body));
   bodyOffset_ = 0;
 }
 
-void clsMessage::setMessagetext(std::string text) { messageText_ = std::make_shared<const std::string>(std::move(text)); }
+void Message::setMessageText(std::string text) { messageText_ = std::make_shared<const std::string>(std::move(text)); }
 
 }  // namespace vonel::message

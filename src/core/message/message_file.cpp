@@ -1,7 +1,7 @@
 #include "core/message/message_file.h"
 
 #include "core/log/app_error.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/text/dates.h"
 #include "core/text/numbers.h"
 #include "core/text/shared_text.h"
@@ -32,53 +32,53 @@ std::string repairHeaderBlock(std::string text) {
 }
 
 bool nameTaken(const fs::path& folder, const std::string& lowerName) {
-  return files::FileExists(folder / lowerName) || files::FileExists(folder / text::upper(lowerName));
+  return files::fileExists(folder / lowerName) || files::fileExists(folder / text::upper(lowerName));
 }
 
 }  // namespace
 
-clsMessage ReadMessage(const fs::path& path, bool headerOnly, cSharedLogging& log) {
-  clsMessage message(&log);
+Message readMessage(const fs::path& path, bool headerOnly, Log& log) {
+  Message message(&log);
   guardedStep(log, headerOnly ? "ReadMessageHeader" : "ReadMessageFull", kModule, [&] {
-    const auto facts = files::FileFactsOf(path);
+    const auto facts = files::fileFactsOf(path);
     if (!facts || facts->size == 0) return;
-    std::string text = files::ReadFileStart(path, headerOnly ? kHeaderReadLimit : std::string::npos);
+    std::string text = files::readFileStart(path, headerOnly ? kHeaderReadLimit : std::string::npos);
     if (headerOnly) text = repairHeaderBlock(std::move(text));
-    message.CreateFromText(std::move(text), headerOnly);
+    message.createFromText(std::move(text), headerOnly);
     message.setFilename(path.string());
-    if (message.ReceiveDate.empty()) message.ReceiveDate = text::formatStoreDate(facts->modified);
+    if (message.receiveDate.empty()) message.receiveDate = text::formatStoreDate(facts->modified);
     const double kilobytes = text::roundHalfEven(static_cast<double>(facts->size) / 1024.0);
-    message.Size = kilobytes == 0 ? 1.0f : static_cast<float>(kilobytes);
-    message.FileDate = facts->modified;
+    message.size = kilobytes == 0 ? 1.0f : static_cast<float>(kilobytes);
+    message.fileDate = facts->modified;
   });
   return message;
 }
 
-clsMessage ReadMessageHeader(const fs::path& path, cSharedLogging& log) { return ReadMessage(path, true, log); }
-clsMessage ReadMessageFull(const fs::path& path, cSharedLogging& log) { return ReadMessage(path, false, log); }
+Message readMessageHeader(const fs::path& path, Log& log) { return readMessage(path, true, log); }
+Message readMessageFull(const fs::path& path, Log& log) { return readMessage(path, false, log); }
 
-void SaveMessage(const clsMessage& message, cSharedLogging& log) {
+void saveMessage(const Message& message, Log& log) {
   guardedStep(log, "SaveMessage", kModule, [&] {
-    const fs::path target(message.Filename());
-    const fs::path otherCase(PathInReadCase(target.string(), !message.Read));
-    files::WriteTextFile(target, message.RawMessage());
+    const fs::path target(message.filename());
+    const fs::path otherCase(pathInReadCase(target.string(), !message.read));
+    files::writeTextFile(target, message.rawMessage());
     // The file under the old case goes only once the new one is whole.
-    if (otherCase != target) files::EraseFile(otherCase);
-    if (files::FileSize(target).value_or(0) == 0) {
-      log.AddAction("Erasing zero-sized email file", "SaveMessage", kModule);
-      files::EraseFile(target);
+    if (otherCase != target) files::eraseFile(otherCase);
+    if (files::fileSize(target).value_or(0) == 0) {
+      log.addAction("Erasing zero-sized email file", "SaveMessage", kModule);
+      files::eraseFile(target);
     }
   });
 }
 
-fs::path GetUnusedFilename(bool read, const fs::path& folder, std::string_view base, std::string_view extension,
+fs::path getUnusedFilename(bool read, const fs::path& folder, std::string_view base, std::string_view extension,
                            const Clock& clock) {
   std::string ext(extension);
   if (!ext.empty() && ext.front() != '.') ext.insert(0, ".");
   std::string name(base);
   // A subject ending in a bracket loses it, and so does a name with a time stamp.
   if (const std::size_t bracket = name.rfind('('); bracket != std::string::npos) name.resize(bracket);
-  text::RemoveNonAlphaNumeric(name);
+  text::removeNonAlphaNumeric(name);
   if (name.empty()) name = "message";
   // The first "MM" follows the hour and so means minutes; the second is the month.
   name += text::formatDate(clock.now(), " (HHMMSS-YYMMDD) ");
@@ -92,15 +92,15 @@ fs::path GetUnusedFilename(bool read, const fs::path& folder, std::string_view b
   return folder / (read ? candidate : text::upper(candidate));
 }
 
-clsMessage DuplicateSelection(const fs::path& original, std::string_view selection, cSharedLogging& log,
+Message duplicateSelection(const fs::path& original, std::string_view selection, Log& log,
                               const Clock& clock) {
-  const clsMessage whole = ReadMessageFull(original, log);
-  clsMessage part(&log, &clock);
-  part.CreateFromText(whole.Headers + "\r\n\r\n" + std::string(selection), false);
-  part.setFilename(GetUnusedFilename(false, original.parent_path(), "DupeMsg", ".eml", clock).string());
+  const Message whole = readMessageFull(original, log);
+  Message part(&log, &clock);
+  part.createFromText(whole.headers + "\r\n\r\n" + std::string(selection), false);
+  part.setFilename(getUnusedFilename(false, original.parent_path(), "DupeMsg", ".eml", clock).string());
   // Only the list shows the mark; the file keeps its subject line.
-  if (part.Subject.find("PART:") == std::string::npos) part.Subject = "PART: " + part.Subject;
-  SaveMessage(part, log);
+  if (part.subject.find("PART:") == std::string::npos) part.subject = "PART: " + part.subject;
+  saveMessage(part, log);
   return part;
 }
 

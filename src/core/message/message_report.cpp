@@ -44,113 +44,113 @@ class Report {
   std::string out_;
 };
 
-void describeMembers(Report& r, const clsMessage& m) {
-  r.line("HeaderOnly", m.HeaderOnly);
-  r.line("StrippedBody", m.StrippedBody);
-  r.line("HtmlStrippedBody", m.HtmlStrippedBody);
-  r.line("SpamSplit", m.SpamSplit);
-  r.line("ContentTypeMain", m.ContentTypeMain);
-  r.line("VNLFilename", m.VNLFilename);
-  r.line("IdxRec", static_cast<long long>(m.IdxRec));
-  r.line("VNLFileLoc", static_cast<long long>(m.VNLFileLoc));
-  r.line("VNLFileEndLoc", static_cast<long long>(m.VNLFileEndLoc));
-  r.line("InVNLFile", m.InVNLFile);
-  r.line("Replied", m.Replied);
-  r.line("HighPriority", m.HighPriority);
-  r.line("XSpamStatus", m.XSpamStatus);
-  r.line("XSpamReport", m.XSpamReport);
-  r.line("XMailer", m.XMailer);
-  r.line("FilterReason", m.FilterReason);
-  r.line("Ignored", m.Ignored);
-  r.line("Suspicious", m.Suspicious);
-  r.line("Bayes", m.Bayes);
-  r.line("BlockedSender", m.BlockedSender);
-  r.line("BlockedRecip", m.BlockedRecip);
-  r.line("DomainKey", m.DomainKey);
-  r.line("ReturnReceiptTo", m.ReturnReceiptTo);
-  r.line("FileDate", m.FileDate);
-  r.line("MessageNumThisAcc", static_cast<long long>(m.MessageNumThisAcc));
-  r.line("AttachmentsFolder", m.AttachmentsFolder);
-  r.line("RunThisFile", m.RunThisFile);
+void describeMembers(Report& r, const Message& m) {
+  r.line("HeaderOnly", m.headerOnly);
+  r.line("StrippedBody", m.strippedBody);
+  r.line("HtmlStrippedBody", m.htmlStrippedBody);
+  r.line("SpamSplit", m.spamSplit);
+  r.line("ContentTypeMain", m.contentTypeMain);
+  r.line("VNLFilename", m.vnlFilename);
+  r.line("IdxRec", static_cast<long long>(m.idxRec));
+  r.line("VNLFileLoc", static_cast<long long>(m.vnlFileLoc));
+  r.line("VNLFileEndLoc", static_cast<long long>(m.vnlFileEndLoc));
+  r.line("InVNLFile", m.inVnlFile);
+  r.line("Replied", m.replied);
+  r.line("HighPriority", m.highPriority);
+  r.line("XSpamStatus", m.xSpamStatus);
+  r.line("XSpamReport", m.xSpamReport);
+  r.line("XMailer", m.xMailer);
+  r.line("FilterReason", m.filterReason);
+  r.line("Ignored", m.ignored);
+  r.line("Suspicious", m.suspicious);
+  r.line("Bayes", m.bayes);
+  r.line("BlockedSender", m.blockedSender);
+  r.line("BlockedRecip", m.blockedRecip);
+  r.line("DomainKey", m.domainKey);
+  r.line("ReturnReceiptTo", m.returnReceiptTo);
+  r.line("FileDate", m.fileDate);
+  r.line("MessageNumThisAcc", static_cast<long long>(m.messageNumThisAcc));
+  r.line("AttachmentsFolder", m.attachmentsFolder);
+  r.line("RunThisFile", m.runThisFile);
 }
 
-void describeParts(Report& r, const clsMessage& m) {
-  r.line("MimePartCount", static_cast<long long>(m.MimePartCount()));
-  for (std::size_t i = 1; i <= m.MimePartCount(); ++i) {
-    const clsMimeType& part = m.MimePart(i);
+void describeParts(Report& r, const Message& m) {
+  r.line("MimePartCount", static_cast<long long>(m.mimePartCount()));
+  for (std::size_t i = 1; i <= m.mimePartCount(); ++i) {
+    const MimePart& part = m.mimePart(i);
     const std::string name = "MimePart(" + std::to_string(i) + ").";
-    r.line(name + "ContentType", part.ContentType);
-    r.line(name + "Filename", part.Filename);
-    r.line(name + "SectionName", part.SectionName);
-    r.line(name + "Encoding", part.Encoding);
-    r.line(name + "Size", static_cast<long long>(part.Size));
-    r.line(name + "Data", part.Data);
+    r.line(name + "ContentType", part.contentType);
+    r.line(name + "Filename", part.filename);
+    r.line(name + "SectionName", part.sectionName);
+    r.line(name + "Encoding", part.encoding);
+    r.line(name + "Size", static_cast<long long>(part.size));
+    r.line(name + "Data", part.data);
   }
 }
 
-std::string localSendDate(const clsMessage& m, int biasMinutes) {
+std::string localSendDate(const Message& m, int biasMinutes) {
   try {
-    return text::formatStoreDate(m.SendDateInZone(biasMinutes));
+    return text::formatStoreDate(m.sendDateInZone(biasMinutes));
   } catch (const AppError& error) {
     return "(error " + std::to_string(error.number()) + ": " + error.description() + ")";
   }
 }
 
-void describeProperties(Report& r, const clsMessage& m, int biasMinutes) {
-  r.line("AttachmentFilenames", m.AttachmentFilenames());
+void describeProperties(Report& r, const Message& m, int biasMinutes) {
+  r.line("AttachmentFilenames", m.attachmentFilenames());
   r.line("SendDateInLocalZone", localSendDate(m, biasMinutes));
   describeParts(r, m);
-  r.line("SpamTestsFailed", m.SpamTestsFailed);
-  r.line("XEnvelopeTo", m.XEnvelopeTo);
-  r.line("Deleted", m.Deleted);
-  r.line("HasAttachment", m.HasAttachment);
-  r.line("Read", m.Read);
-  r.line("Tags", m.Tags());
-  r.line("FromAccount", static_cast<long long>(m.FromAccount));
-  r.line("Colour", static_cast<long long>(m.Colour));
-  r.line("Size", m.Size);
-  for (std::size_t i = 0; i < m.AttachmentNames().size(); ++i) {
-    r.line("AttachmentNames(" + std::to_string(i + 1) + ")", m.AttachmentNames()[i]);
+  r.line("SpamTestsFailed", m.spamTestsFailed);
+  r.line("XEnvelopeTo", m.xEnvelopeTo);
+  r.line("Deleted", m.deleted);
+  r.line("HasAttachment", m.hasAttachment);
+  r.line("Read", m.read);
+  r.line("Tags", m.tags());
+  r.line("FromAccount", static_cast<long long>(m.fromAccount));
+  r.line("Colour", static_cast<long long>(m.colour));
+  r.line("Size", m.size);
+  for (std::size_t i = 0; i < m.attachmentNames().size(); ++i) {
+    r.line("AttachmentNames(" + std::to_string(i + 1) + ")", m.attachmentNames()[i]);
   }
-  r.line("Headers", m.Headers);
-  r.line("Filename", m.Filename());
-  r.line("DestFolder", m.DestFolder);
-  r.line("MessageBody", m.MessageBody());
-  r.line("Messagetext", m.Messagetext());
-  r.line("Encrypted", m.Encrypted);
-  r.line("Comments", m.Comments);
-  r.line("Keywords", m.Keywords);
-  r.line("References", m.References);
-  r.line("InReplyTo", m.InReplyTo);
-  r.line("OrigIP", m.OrigIP);
-  r.line("UserAgent", m.UserAgent);
-  r.line("To_Email", m.To_Email());
-  r.line("DeliveredTo_Email", m.DeliveredTo_Email);
-  r.line("BCC", m.BCC);
-  r.line("CC", m.CC);
-  r.line("Sender", m.Sender);
-  r.line("ReplyTo", m.ReplyTo);
-  r.line("Subject", m.Subject);
-  r.line("From", m.From);
-  r.line("MessageTo", m.MessageTo);
-  r.line("MessageID", m.MessageID);
-  r.line("SendDate", m.SendDate);
-  r.line("Received", m.Received);
-  r.line("ReceiveDate", m.ReceiveDate);
-  r.line("ReturnPath", m.ReturnPath);
+  r.line("Headers", m.headers);
+  r.line("Filename", m.filename());
+  r.line("DestFolder", m.destFolder);
+  r.line("MessageBody", m.messageBody());
+  r.line("Messagetext", m.messageText());
+  r.line("Encrypted", m.encrypted);
+  r.line("Comments", m.comments);
+  r.line("Keywords", m.keywords);
+  r.line("References", m.references);
+  r.line("InReplyTo", m.inReplyTo);
+  r.line("OrigIP", m.origIp);
+  r.line("UserAgent", m.userAgent);
+  r.line("To_Email", m.toEmail());
+  r.line("DeliveredTo_Email", m.deliveredToEmail);
+  r.line("BCC", m.bcc);
+  r.line("CC", m.cc);
+  r.line("Sender", m.sender);
+  r.line("ReplyTo", m.replyTo);
+  r.line("Subject", m.subject);
+  r.line("From", m.from);
+  r.line("MessageTo", m.messageTo);
+  r.line("MessageID", m.messageId);
+  r.line("SendDate", m.sendDate);
+  r.line("Received", m.received);
+  r.line("ReceiveDate", m.receiveDate);
+  r.line("ReturnPath", m.returnPath);
 }
 
 }  // namespace
 
-std::string DescribeMessage(const clsMessage& message, int biasMinutes) {
+std::string describeMessage(const Message& message, int biasMinutes) {
   Report report;
   describeMembers(report, message);
   describeProperties(report, message, biasMinutes);
-  const std::string raw = message.RawMessage();
+  const std::string raw = message.rawMessage();
   report.line("RawMessage", raw);
-  clsMessage reread = message;
-  reread.CreateFromText(raw, message.HeaderOnly);
-  const std::string again = reread.RawMessage();
+  Message reread = message;
+  reread.createFromText(raw, message.headerOnly);
+  const std::string again = reread.rawMessage();
   report.line("RawMessage after re-reading", again == raw ? std::string_view("(the same)") : std::string_view(again));
   return report.take();
 }

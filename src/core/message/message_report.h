@@ -10,8 +10,8 @@ namespace vonel::message {
 
 // Control characters are shown escaped (CR as \r, LF as \n, others as \xNN)
 // and the text comes out as UTF-8. The local send date is worked out for the
-// given bias; RawMessage is shown, then whether reading it back and writing
+// given bias; rawMessage is shown, then whether reading it back and writing
 // it again gives the same text.
-std::string DescribeMessage(const clsMessage& message, int biasMinutes);
+std::string describeMessage(const Message& message, int biasMinutes);
 
 }  // namespace vonel::message

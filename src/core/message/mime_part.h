@@ -7,17 +7,17 @@
 
 namespace vonel::message {
 
-struct clsMimeType {
-  std::string ContentType;  // lower case, may be empty
-  std::string Data;         // decoded unless the part is an attachment or an unknown encoding
-  std::string Filename;
-  std::string SectionName;  // always empty
-  std::string Encoding;     // still to be undone; empty when done or none
-  std::int32_t Size = 0;
+struct MimePart {
+  std::string contentType;  // lower case, may be empty
+  std::string data;         // decoded unless the part is an attachment or an unknown encoding
+  std::string filename;
+  std::string sectionName;  // always empty
+  std::string encoding;     // still to be undone; empty when done or none
+  std::int32_t size = 0;
 };
 
 struct MimeContent {
-  std::vector<clsMimeType> parts;
+  std::vector<MimePart> parts;
   std::vector<std::string> attachmentNames;
   std::int16_t attachedMessages = 0;
 };

@@ -67,29 +67,29 @@ class MimeWalker {
     std::string_view body = text.substr(std::min(blankLine + 3, text.size()));
     if (body.starts_with(kBlankLine)) body.remove_prefix(kBlankLine.size());
 
-    std::string type = ExtractContentType(header);
-    std::string encoding = ExtractContentEncoding(header);
+    std::string type = extractContentType(header);
+    std::string encoding = extractContentEncoding(header);
     if (type.empty() && !encoding.empty()) type = "text/plain";
 
     if (text::startsWithNoCase(type, "multipart/") && walks_.size() < kDeepestWalk) {
-      std::string marker = "--" + ExtractBoundaryString(header);
+      std::string marker = "--" + extractBoundaryString(header);
       const std::size_t first = text::find(body, marker);
       if (first != 0) walks_.push_back(SectionWalk{body, std::move(marker), first});
       return;
     }
 
-    std::string filename = ExtractFilename(header, type);
+    std::string filename = extractFilename(header, type);
     std::string data(body);
     if (!filename.empty()) {
-      filename = AppendExtension(filename, type);
+      filename = appendExtension(filename, type);
       content_.attachmentNames.push_back(filename);
     } else if (type != "message/rfc822") {
       if (encoding == "quoted-printable") {
-        data = QuotedPrintableDecode(data);
+        data = quotedPrintableDecode(data);
         encoding.clear();
       }
       if (encoding == "base64") {
-        data = DecodeMime64(data);
+        data = decodeMime64(data);
         encoding.clear();
       }
     } else {
@@ -101,15 +101,15 @@ class MimeWalker {
   }
 
   void addPart(std::string type, std::string data, std::string filename, std::string encoding) {
-    clsMimeType part;
-    part.ContentType = std::move(type);
-    part.Filename = std::move(filename);
+    MimePart part;
+    part.contentType = std::move(type);
+    part.filename = std::move(filename);
     std::erase(encoding, '\r');
-    part.Encoding = std::move(encoding);
+    part.encoding = std::move(encoding);
     // Trailing dashes go on purpose: they are a signature line or what is left of a boundary.
-    text::EatCrapFromEnd(data);
-    part.Data = std::move(data);
-    part.Size = static_cast<std::int32_t>(part.Data.size());
+    text::trimJunkFromEnd(data);
+    part.data = std::move(data);
+    part.size = static_cast<std::int32_t>(part.data.size());
     content_.parts.push_back(std::move(part));
   }
 
@@ -119,9 +119,9 @@ class MimeWalker {
 
 }  // namespace
 
-void NewDecodePart(std::string_view text, MimeContent& content) { MimeWalker(content).run(text); }
+void newDecodePart(std::string_view text, MimeContent& content) { MimeWalker(content).run(text); }
 
-std::string ExtractContentType(std::string_view header) {
+std::string extractContentType(std::string_view header) {
   const std::size_t blankLine = text::find(header, kBlankLine);
   std::size_t at = text::findNoCase(header, "content-type: ");
   at = std::max(at, text::findNoCase(header, "prev-content-type"));
@@ -131,7 +131,7 @@ std::string ExtractContentType(std::string_view header) {
   return beforeSemicolon(text::lower(restOfLine(header, colon + 1, colon + 2)));
 }
 
-std::string ExtractContentEncoding(std::string_view header) {
+std::string extractContentEncoding(std::string_view header) {
   static constexpr std::string_view kName = "content-transfer-encoding:";
   const std::size_t blankLine = text::find(header, kBlankLine);
   const std::string lowered = text::lower(header);
@@ -142,7 +142,7 @@ std::string ExtractContentEncoding(std::string_view header) {
   return value;
 }
 
-std::string ExtractBoundaryString(std::string_view header) {
+std::string extractBoundaryString(std::string_view header) {
   static constexpr std::string_view kName = "boundary=";
   const std::size_t at = text::findNoCase(header, kName);
   if (at == 0) return {};
@@ -152,7 +152,7 @@ std::string ExtractBoundaryString(std::string_view header) {
   return text::trim(value.substr(0, value.find_first_of("\"\r")));
 }
 
-std::string ExtractFilename(std::string_view header, std::string_view contentType) {
+std::string extractFilename(std::string_view header, std::string_view contentType) {
   const std::string lowered = text::lower(header);
   std::size_t at = text::find(lowered, "name=");
   std::size_t valueStart = at + 5;
@@ -175,7 +175,7 @@ std::string ExtractFilename(std::string_view header, std::string_view contentTyp
   return text::trim(text::replaceAll(name, "Attachment:", ""));
 }
 
-std::string AppendExtension(std::string_view filename, std::string_view contentType) {
+std::string appendExtension(std::string_view filename, std::string_view contentType) {
   std::string name(filename);
   // A name without a dot has no extension, so the type's own is always added.
   if (name.find('.') == std::string::npos) {
@@ -187,7 +187,7 @@ std::string AppendExtension(std::string_view filename, std::string_view contentT
       name += ".eml";
     }
   }
-  return text::CleanString(name);
+  return text::cleanString(name);
 }
 
 }  // namespace vonel::message

@@ -10,13 +10,13 @@ namespace vonel::message {
 
 // Walks `text` (a whole message or one section of it) and appends its parts
 // and attachment names to `content`.
-void NewDecodePart(std::string_view text, MimeContent& content);
+void newDecodePart(std::string_view text, MimeContent& content);
 
 // The pieces of a part header the walk reads.
-std::string ExtractContentType(std::string_view header);
-std::string ExtractContentEncoding(std::string_view header);
-std::string ExtractBoundaryString(std::string_view header);
-std::string ExtractFilename(std::string_view header, std::string_view contentType);
-std::string AppendExtension(std::string_view filename, std::string_view contentType);
+std::string extractContentType(std::string_view header);
+std::string extractContentEncoding(std::string_view header);
+std::string extractBoundaryString(std::string_view header);
+std::string extractFilename(std::string_view header, std::string_view contentType);
+std::string appendExtension(std::string_view filename, std::string_view contentType);
 
 }  // namespace vonel::message

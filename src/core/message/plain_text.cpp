@@ -38,62 +38,62 @@ void cleanUp(std::string& text, bool tweaks) {
     cutBeforeNoCase(text, "------------------------ Yahoo! Groups Sponsor --------------------~-->");
     cutBeforeNoCase(text, "Yahoo! Groups Links");
   }
-  text::ReplaceWith(text, "\x85", "...");
-  text::ReplaceWith(text, "\x8B", "<");
-  text::ReplaceWith(text, "\x97", "--");
+  text::replaceWith(text, "\x85", "...");
+  text::replaceWith(text, "\x8B", "<");
+  text::replaceWith(text, "\x97", "--");
   std::erase(text, '\0');
-  if (text::trimView(text).size() > 1) text::HtmlToChar(text);
+  if (text::trimView(text).size() > 1) text::htmlToChar(text);
 }
 
-const clsMimeType* firstPartOfType(const clsMessage& message, std::string_view type) {
-  for (std::size_t i = 1; i <= message.MimePartCount(); ++i) {
-    if (message.MimePart(i).ContentType == type) return &message.MimePart(i);
+const MimePart* firstPartOfType(const Message& message, std::string_view type) {
+  for (std::size_t i = 1; i <= message.mimePartCount(); ++i) {
+    if (message.mimePart(i).contentType == type) return &message.mimePart(i);
   }
   return nullptr;
 }
 
-std::string chooseText(const clsMessage& message) {
-  const std::size_t count = message.MimePartCount();
+std::string chooseText(const Message& message) {
+  const std::size_t count = message.mimePartCount();
   // HTML first and plain second-to-last: both are shown, the HTML first.
-  if (count >= 2 && message.MimePart(1).ContentType == "text/html" &&
-      message.MimePart(count - 1).ContentType == "text/plain") {
-    return ExtractHtmlPartText(message.MimePart(1)) + "\r\n" + ExtractDecodedPartText(message.MimePart(2));
+  if (count >= 2 && message.mimePart(1).contentType == "text/html" &&
+      message.mimePart(count - 1).contentType == "text/plain") {
+    return extractHtmlPartText(message.mimePart(1)) + "\r\n" + extractDecodedPartText(message.mimePart(2));
   }
-  if (const clsMimeType* plain = firstPartOfType(message, "text/plain"); plain && !plain->Data.empty()) {
-    return plain->Data;
+  if (const MimePart* plain = firstPartOfType(message, "text/plain"); plain && !plain->data.empty()) {
+    return plain->data;
   }
-  if (const clsMimeType* html = firstPartOfType(message, "text/html")) return ExtractHtmlPartText(*html);
+  if (const MimePart* html = firstPartOfType(message, "text/html")) return extractHtmlPartText(*html);
   if (count >= 2) return {};
-  std::string body(message.MessageBody());
-  if (text::findNoCase(body, "<html>")) return ExtractHtmlPartText(message.MimePart(1));
-  text::EatCrapFromEnd(body);
+  std::string body(message.messageBody());
+  if (text::findNoCase(body, "<html>")) return extractHtmlPartText(message.mimePart(1));
+  text::trimJunkFromEnd(body);
   return body;
 }
 
 }  // namespace
 
-std::string ExtractDecodedPartText(const clsMimeType& part) {
-  std::string data = part.Data;
-  if (part.Encoding == "quoted-printable") data = QuotedPrintableDecode(data);
-  if (part.Encoding == "base64") data = DecodeMime64(data);
+std::string extractDecodedPartText(const MimePart& part) {
+  std::string data = part.data;
+  if (part.encoding == "quoted-printable") data = quotedPrintableDecode(data);
+  if (part.encoding == "base64") data = decodeMime64(data);
   return data;
 }
 
-std::string ExtractHtmlPartText(const clsMimeType& part) {
-  std::string text = ExtractDecodedPartText(part);
+std::string extractHtmlPartText(const MimePart& part) {
+  std::string text = extractDecodedPartText(part);
   markQuotedBlocks(text);
-  for (const std::string_view lineEnd : {"\r\n", "\r", "\n"}) text::ReplaceWith(text, lineEnd, "");
-  text::ReplaceWith_NC(text, "<br>", "\r\n");
-  text::ReplaceWith_NC(text, "</p>", "\r\n");
+  for (const std::string_view lineEnd : {"\r\n", "\r", "\n"}) text::replaceWith(text, lineEnd, "");
+  text::replaceWithNoCase(text, "<br>", "\r\n");
+  text::replaceWithNoCase(text, "</p>", "\r\n");
   // Link targets stay visible in the text.
-  for (const std::string_view link : {"<a href=\"", "<a href='", "<a href=", "</a>"}) text::ReplaceWith(text, link, " ");
-  text::StripHtml(text);
-  text::HtmlToChar(text);
-  text::HTMLConstToChar(text);
+  for (const std::string_view link : {"<a href=\"", "<a href='", "<a href=", "</a>"}) text::replaceWith(text, link, " ");
+  text::stripHtml(text);
+  text::htmlToChar(text);
+  text::htmlConstToChar(text);
   return text;
 }
 
-std::string ExtractPlainMessage(const clsMessage& message, bool tweaks, cSharedLogging* log) {
+std::string extractPlainMessage(const Message& message, bool tweaks, Log* log) {
   std::string text;
   try {
     text = chooseText(message);
@@ -104,8 +104,8 @@ std::string ExtractPlainMessage(const clsMessage& message, bool tweaks, cSharedL
   return text;
 }
 
-std::string ExtractPlainMessage(const clsMessage& message, AppContext& context) {
-  return ExtractPlainMessage(message, context.Settings.RetrieveSetting("Tweaks", Value(false)).flag(), &context.log);
+std::string extractPlainMessage(const Message& message, AppContext& context) {
+  return extractPlainMessage(message, context.settings.get("Tweaks", Value(false)).flag(), &context.log);
 }
 
 }  // namespace vonel::message

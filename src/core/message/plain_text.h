@@ -4,23 +4,23 @@
 // rendered as plain text.
 #include <string>
 
-#include "core/log/logging.h"
+#include "core/log/log.h"
 #include "core/message/message.h"
-#include "core/services/app_context.h"
+#include "core/context/app_context.h"
 
 namespace vonel::message {
 
 // `tweaks` is the "Tweaks" setting: it cuts off a mailing-list footer.
 // A failure is logged (when there is a log) and what was made so far returned.
-std::string ExtractPlainMessage(const clsMessage& message, bool tweaks, cSharedLogging* log = nullptr);
+std::string extractPlainMessage(const Message& message, bool tweaks, Log* log = nullptr);
 // The same with the program's "Tweaks" setting (default false) and its log.
-std::string ExtractPlainMessage(const clsMessage& message, AppContext& context);
+std::string extractPlainMessage(const Message& message, AppContext& context);
 
 // The part's data with its transfer encoding undone, mark-up turned into
 // plain lines, link targets kept visible and entities decoded.
-std::string ExtractHtmlPartText(const clsMimeType& part);
+std::string extractHtmlPartText(const MimePart& part);
 
 // The part's data with its transfer encoding undone.
-std::string ExtractDecodedPartText(const clsMimeType& part);
+std::string extractDecodedPartText(const MimePart& part);
 
 }  // namespace vonel::message

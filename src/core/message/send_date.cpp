@@ -143,7 +143,7 @@ std::string zoneTextOfBias(int biasMinutes) {
 
 }  // namespace
 
-std::optional<text::DateTime> ReadDateText(std::string_view text) {
+std::optional<text::DateTime> readDateText(std::string_view text) {
   DateParts parts;
   for (const auto& token : text::split(text, " ")) {
     if (token.empty()) continue;
@@ -152,7 +152,7 @@ std::optional<text::DateTime> ReadDateText(std::string_view text) {
   return assemble(parts);
 }
 
-int StandardZoneBias() {
+int standardZoneBias() {
 #ifdef _WIN32
   long seconds = 0;
   _tzset();
@@ -164,7 +164,7 @@ int StandardZoneBias() {
 #endif
 }
 
-text::DateTime LocalSendDate(std::string_view dateHeader, int biasMinutes) {
+text::DateTime localSendDate(std::string_view dateHeader, int biasMinutes) {
   std::string date(dateHeader.substr(0, dateHeader.find('(')));
   std::string zone;
   std::size_t sign = date.rfind('-');
@@ -177,7 +177,7 @@ text::DateTime LocalSendDate(std::string_view dateHeader, int biasMinutes) {
   date = text::trim(date);
   zone = text::trim(zone);
 
-  const auto sent = ReadDateText(date);
+  const auto sent = readDateText(date);
   if (!sent) throw AppError(error_number::kTypeMismatch, "Type mismatch");
   const int shiftMinutes = zoneMinutes(zoneTextOfBias(biasMinutes)) - zoneMinutes(zone);
   return text::DateTime::fromSerial(sent->serial() + shiftMinutes / 1440.0);

@@ -28,8 +28,8 @@ void writeFlag(std::string& text, bool flag, std::string_view line) {
     return;
   }
   if (text.find(line) == std::string::npos) return;  // no copy of a large message for nothing
-  text::ReplaceWith(text, lineWithEnd, "");
-  text::ReplaceWith(text, line, "");
+  text::replaceWith(text, lineWithEnd, "");
+  text::replaceWith(text, line, "");
 }
 
 void writeTags(std::string& text, std::string_view tags) {
@@ -46,14 +46,14 @@ void writeTags(std::string& text, std::string_view tags) {
 
 }  // namespace
 
-void clsMessage::setTags(std::string_view tags) {
+void Message::setTags(std::string_view tags) {
   std::string normal = text::trim(tags);
   if (normal == ",") normal.clear();
   if (normal.size() > 1 && normal.front() == ',') normal.erase(0, 1);
   tags_ = std::move(normal);
 }
 
-bool clsMessage::TagsPresent(std::string_view list) const {
+bool Message::tagsPresent(std::string_view list) const {
   if (list.empty()) return true;
   for (const auto& item : text::split(list, ",")) {
     if (!item.empty() && text::findNoCase(tags_, item)) return true;
@@ -61,41 +61,41 @@ bool clsMessage::TagsPresent(std::string_view list) const {
   return false;
 }
 
-void clsMessage::TagAsSpam() {
-  if (text::find(Headers, "Subject: SPAM:")) return;
+void Message::tagAsSpam() {
+  if (text::find(headers, "Subject: SPAM:")) return;
   // The whole raw text, body included; Subject and Headers stay as they were.
-  ReplaceRawMessage(text::replaceAll(*raw_, "Subject: ", "Subject: SPAM: "));
+  replaceRawMessage(text::replaceAll(*raw_, "Subject: ", "Subject: SPAM: "));
 }
 
-std::string clsMessage::RawMessage() const {
+std::string Message::rawMessage() const {
   // Room for the store's header lines, so that adding them never copies the message again.
   constexpr std::size_t kStoreLinesRoom = 512;
   std::string text;
   text.reserve(raw_->size() + tags_.size() + kStoreLinesRoom);
   text = *raw_;
-  writeFlag(text, Read, "X-Message-Read: 1");
-  writeFlag(text, Replied, "X-Message-Replied: 1");
+  writeFlag(text, read, "X-Message-Read: 1");
+  writeFlag(text, replied, "X-Message-Replied: 1");
   if (text.find(kReceiveDateName) == std::string::npos) {
     const text::DateTime now = clock_ ? clock_->now() : SystemClock().now();
     insertHeaderLine(text, std::string(kReceiveDateName).append(": ").append(text::formatStoreDate(now)));
   }
-  writeFlag(text, HighPriority, "X-Message-HighPriority: 1");
+  writeFlag(text, highPriority, "X-Message-HighPriority: 1");
   writeTags(text, tags_);
   return text;
 }
 
-void clsMessage::RemoveReceiveDate() {
+void Message::removeReceiveDate() {
   const std::size_t at = raw_->find(kReceiveDateName);
   if (at == std::string::npos) return;
   // The line end is looked for in the serialised text, not in the raw text
   // the line is cut from; where flag lines were inserted before it the two
   // differ, and the cut lands elsewhere. That has always been so.
-  const std::size_t lineEnd = RawMessage().find(kLineEnd, at);
+  const std::size_t lineEnd = rawMessage().find(kLineEnd, at);
   // Without a line end the rest is taken from the second character on.
   const std::size_t resumeAt = lineEnd == std::string::npos ? 1 : lineEnd + 2;
   std::string text = raw_->substr(0, at);
   if (resumeAt < raw_->size()) text.append(*raw_, resumeAt);
-  ReplaceRawMessage(std::move(text));
+  replaceRawMessage(std::move(text));
 }
 
 }  // namespace vonel::message

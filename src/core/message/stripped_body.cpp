@@ -17,47 +17,47 @@ struct ChosenText {
 };
 
 // The first part, or the first later part with any text; base64 is undone on the way.
-ChosenText chooseText(const clsMessage& message) {
-  if (message.MimePartCount() == 0) {
-    const std::string_view body = message.MessageBody();
+ChosenText chooseText(const Message& message) {
+  if (message.mimePartCount() == 0) {
+    const std::string_view body = message.messageBody();
     return {body.size() > kLargestUnparsedBody ? std::string() : std::string(body), {}};
   }
-  ChosenText chosen{message.MimePart(1).Data, message.MimePart(1).ContentType};
-  for (std::size_t i = 2; i <= message.MimePartCount() && text::trimView(chosen.body).empty(); ++i) {
-    const clsMimeType& part = message.MimePart(i);
-    chosen = {part.Data, part.ContentType};
-    if (!part.Data.empty() && part.Encoding == "base64") chosen.body = DecodeMime64(part.Data);
+  ChosenText chosen{message.mimePart(1).data, message.mimePart(1).contentType};
+  for (std::size_t i = 2; i <= message.mimePartCount() && text::trimView(chosen.body).empty(); ++i) {
+    const MimePart& part = message.mimePart(i);
+    chosen = {part.data, part.contentType};
+    if (!part.data.empty() && part.encoding == "base64") chosen.body = decodeMime64(part.data);
   }
   return chosen;
 }
 
 void decodeEntities(std::string& text) {
-  text::HTMLConstToChar(text);
-  text::HtmlToChar(text);
+  text::htmlConstToChar(text);
+  text::htmlToChar(text);
 }
 
 }  // namespace
 
-void clsMessage::CreateStrippedBody() {
+void Message::createStrippedBody() {
   ChosenText chosen = chooseText(*this);
   // Whatever the part says its encoding is.
-  if (chosen.body.find('=') != std::string::npos) chosen.body = QuotedPrintableDecode(chosen.body);
+  if (chosen.body.find('=') != std::string::npos) chosen.body = quotedPrintableDecode(chosen.body);
 
-  StrippedBody = chosen.body;
-  if (!StrippedBody.empty()) {
-    for (const std::string_view lineEnd : {"\r\n", "\r", "\n"}) text::ReplaceWith(StrippedBody, lineEnd, " ");
-    decodeEntities(StrippedBody);
+  strippedBody = chosen.body;
+  if (!strippedBody.empty()) {
+    for (const std::string_view lineEnd : {"\r\n", "\r", "\n"}) text::replaceWith(strippedBody, lineEnd, " ");
+    decodeEntities(strippedBody);
   }
 
   const std::string type = text::lower(chosen.type);
   if (chosen.body.empty() || (type.find("html") == std::string::npos && type.find("text") == std::string::npos)) {
-    HtmlStrippedBody.clear();
+    htmlStrippedBody.clear();
     return;
   }
-  HtmlStrippedBody = std::move(chosen.body);
-  for (const std::string_view lineEnd : {"\r\n", "\r", "\n"}) text::ReplaceWith(HtmlStrippedBody, lineEnd, "");
-  decodeEntities(HtmlStrippedBody);
-  text::StripHtml(HtmlStrippedBody);
+  htmlStrippedBody = std::move(chosen.body);
+  for (const std::string_view lineEnd : {"\r\n", "\r", "\n"}) text::replaceWith(htmlStrippedBody, lineEnd, "");
+  decodeEntities(htmlStrippedBody);
+  text::stripHtml(htmlStrippedBody);
 }
 
 }  // namespace vonel::message

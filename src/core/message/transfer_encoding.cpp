@@ -60,44 +60,44 @@ std::string decodeHexPairs(std::string_view text) {
 
 }  // namespace
 
-std::string QuotedPrintableDecode(std::string_view input) {
+std::string quotedPrintableDecode(std::string_view input) {
   if (input.find('=') == std::string_view::npos) return std::string(input);
   std::string text(input);
-  if (isCleanlySoftWrapped(text)) text::ReplaceWith(text, "=\r\n", "");
+  if (isCleanlySoftWrapped(text)) text::replaceWith(text, "=\r\n", "");
   if (text::find(text, "=0D")) {
-    text::ReplaceWith(text, "\r\n", "");
-    text::ReplaceWith(text, "=0D", "\r\n");
+    text::replaceWith(text, "\r\n", "");
+    text::replaceWith(text, "=0D", "\r\n");
   }
-  text::ReplaceWith(text, "=0A", "");
+  text::replaceWith(text, "=0A", "");
   if (text::find(text, "=2E")) {
     // The dot code is taken as a line end: people's paragraphs came through that way.
-    text::ReplaceWith(text, "\r\n", "");
-    text::ReplaceWith(text, "=2E", "\r\n");
+    text::replaceWith(text, "\r\n", "");
+    text::replaceWith(text, "=2E", "\r\n");
   }
   bool keptEquals = false;
   if (text::find(text, "=\r\n")) {
     if (text::findNoCase(text, "ebay")) {
       keptEquals = true;
-      text::ReplaceWith(text, "=\r\n", "");
-      text::ReplaceWith(text, "=3D", "\x01");
-      text::ReplaceWith(text, "=20\r\n", " ");
-      text::ReplaceWith(text, "=2E\r\n", " ");
-      text::ReplaceWith(text, "=09", "");
+      text::replaceWith(text, "=\r\n", "");
+      text::replaceWith(text, "=3D", "\x01");
+      text::replaceWith(text, "=20\r\n", " ");
+      text::replaceWith(text, "=2E\r\n", " ");
+      text::replaceWith(text, "=09", "");
     } else {
-      text::ReplaceWith(text, "=\r\n", "\r\n");
+      text::replaceWith(text, "=\r\n", "\r\n");
     }
   }
   if (text.empty()) return text;
-  text = text::ByteArrayToString(decodeHexPairs(text));
+  text = text::byteArrayToString(decodeHexPairs(text));
   if (keptEquals) {
-    text::ReplaceWith(text, "\x01", "=");
+    text::replaceWith(text, "\x01", "=");
   } else {
-    text::ReplaceWith(text, "=\r", "\r");
+    text::replaceWith(text, "=\r", "\r");
   }
   return text;
 }
 
-std::string DecodeBase64Bytes(std::string_view text) {
+std::string decodeBase64Bytes(std::string_view text) {
   std::string out(text.size() / 4 * 3 + 3, '\0');
   char* written = out.data();
   const auto& values = base64Values();
@@ -118,19 +118,19 @@ std::string DecodeBase64Bytes(std::string_view text) {
   return out;
 }
 
-std::string DecodeMime64(std::string_view text) {
+std::string decodeMime64(std::string_view text) {
   // The fill is measured without line ends; the decoder skips them anyway.
   std::size_t lineEnds = 0;
   for (std::size_t at = text.find("\r\n"); at != std::string_view::npos; at = text.find("\r\n", at + 2)) ++lineEnds;
   const std::size_t length = text.size() - 2 * lineEnds;
   if (length == 0) return {};
   const auto bufferSize = text::toWhole<std::size_t>(3.0 * (static_cast<double>(length) / 4.0) + 2.0);
-  std::string out = DecodeBase64Bytes(text);
+  std::string out = decodeBase64Bytes(text);
   if (out.size() < bufferSize) out.resize(bufferSize, ' ');
   return out;
 }
 
-std::string DecodeQuotedPrintableBytes(std::string_view text) {
+std::string decodeQuotedPrintableBytes(std::string_view text) {
   std::string out;
   out.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -157,7 +157,7 @@ std::string DecodeQuotedPrintableBytes(std::string_view text) {
   return out;
 }
 
-std::string EncodeMime64String(std::string_view text) {
+std::string encodeMime64String(std::string_view text) {
   if (text.empty()) return {};
   std::string out;
   out.reserve((text.size() + 2) / 3 * 4);

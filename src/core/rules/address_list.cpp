@@ -1,7 +1,7 @@
 #include "core/rules/address_list.h"
 
 #include "core/message/address.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/text/strings.h"
 
 namespace vonel::rules {
@@ -17,14 +17,14 @@ std::optional<std::filesystem::file_time_type> modifiedTime(const std::filesyste
 }
 }  // namespace
 
-std::string DomainOf(std::string_view address) {
-  const std::string email = message::ExtractEmail(address);
+std::string domainOf(std::string_view address) {
+  const std::string email = message::extractEmail(address);
   const std::size_t at = email.find('@');
   if (at == std::string::npos) return std::string(address);
   return text::trim(std::string_view(email).substr(at + 1));
 }
 
-void AddressList::Refresh() {
+void AddressList::refresh() {
   const auto time = modifiedTime(file_);
   if (stamped_ && time == stamp_) return;
   stamped_ = true;
@@ -37,14 +37,14 @@ void AddressList::Refresh() {
 void AddressList::load() {
   entries_.clear();
   std::string text;
-  if (!files::FileExists(file_)) return;
-  if (!guardedStep(log_, "LoadList", kModule, [&] { text = files::LoadTextFile(file_); })) return;
+  if (!files::fileExists(file_)) return;
+  if (!guardedStep(log_, "LoadList", kModule, [&] { text = files::loadTextFile(file_); })) return;
   std::string_view rest = text;
   while (!rest.empty()) {
     const std::string_view line = text::nextLine(rest);
     if (text::trimView(line).empty()) continue;
     if (!entries_.add(std::string(line), true)) {
-      log_.AddAction("\"" + std::string(line) + "\" is listed twice in " + file_.filename().string() +
+      log_.addAction("\"" + std::string(line) + "\" is listed twice in " + file_.filename().string() +
                          "; the entries after it were not read",
                      "LoadList", kModule);
       return;
@@ -55,23 +55,23 @@ void AddressList::load() {
 void AddressList::save() {
   guardedStep(log_, "SaveList", kModule, [&] {
     if (entries_.empty()) {
-      files::EraseFile(file_);
+      files::eraseFile(file_);
       return;
     }
     std::string text;
     for (const auto& entry : entries_) text.append(entry.key).append("\r\n");
-    files::WriteTextFile(file_, text);
+    files::writeTextFile(file_, text);
   });
   stamp_ = modifiedTime(file_);
 }
 
-void AddressList::Add(std::string entry) {
-  Refresh();
+void AddressList::add(std::string entry) {
+  refresh();
   if (entries_.add(std::move(entry), true)) save();
 }
 
-void AddressList::Remove(std::string_view entry) {
-  Refresh();
+void AddressList::remove(std::string_view entry) {
+  refresh();
   if (entries_.remove(entry)) save();
 }
 

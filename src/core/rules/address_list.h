@@ -8,26 +8,26 @@
 #include <string>
 #include <string_view>
 
-#include "core/log/logging.h"
+#include "core/log/log.h"
 #include "core/text/keyed_collection.h"
 
 namespace vonel::rules {
 
 // The part of an address after the first "@" of its e-mail address,
 // trimmed; an address with no "@" is taken whole, as given.
-std::string DomainOf(std::string_view address);
+std::string domainOf(std::string_view address);
 
 class AddressList {
  public:
-  AddressList(std::filesystem::path file, cSharedLogging& log) : file_(std::move(file)), log_(log) {}
+  AddressList(std::filesystem::path file, Log& log) : file_(std::move(file)), log_(log) {}
 
   // Reads the file again when its time differs from the last read.
-  void Refresh();
+  void refresh();
   // Never touches the disk.
-  bool Contains(std::string_view entry) const { return entries_.contains(entry); }
+  bool contains(std::string_view entry) const { return entries_.contains(entry); }
   // Each brings the list up to date first and writes the file after.
-  void Add(std::string entry);
-  void Remove(std::string_view entry);
+  void add(std::string entry);
+  void remove(std::string_view entry);
 
   std::size_t size() const { return entries_.size(); }
   const std::filesystem::path& file() const { return file_; }
@@ -37,7 +37,7 @@ class AddressList {
   void save();
 
   std::filesystem::path file_;
-  cSharedLogging& log_;
+  Log& log_;
   text::KeyedCollection<bool> entries_;
   std::optional<std::filesystem::file_time_type> stamp_;
   bool stamped_ = false;  // a missing file has no time, which is itself a stamp

@@ -4,7 +4,7 @@
 
 namespace vonel::rules {
 
-std::string CurrentActionCode(std::string_view code) {
+std::string currentActionCode(std::string_view code) {
   static constexpr std::array<std::string_view, 5> kByOldCode = {action::kDelete, action::kSuspicious,
                                                                  action::kMoveToFolder, action::kAllow,
                                                                  action::kSaveAttachments};
@@ -12,11 +12,11 @@ std::string CurrentActionCode(std::string_view code) {
   return std::string(code);
 }
 
-void clsFilterNew::setFields(int n, std::string value) {
+void FilterRule::setFields(int n, std::string value) {
   if (n >= 1 && n <= kMaxConditions) fields_[n - 1] = std::move(value);
 }
 
-std::string& clsFilterNew::at(Column& column, int n) {
+std::string& FilterRule::at(Column& column, int n) {
   if (n < 1 || n > kMaxConditions) throw AppError(9, "Subscript out of range");
   return column[n - 1];
 }

@@ -20,7 +20,7 @@ inline constexpr std::string_view kTag = "700";
 }  // namespace action
 
 // The old single-digit code as its current one; any other text unchanged.
-std::string CurrentActionCode(std::string_view code);
+std::string currentActionCode(std::string_view code);
 
 // The field names a condition can read, as stored and shown.
 namespace field {
@@ -40,28 +40,28 @@ inline constexpr std::string_view kBody = "Message Body";
 inline constexpr std::string_view kContains = "cnt";
 inline constexpr std::string_view kDoesNotContain = "!cnt";
 
-class clsFilterNew {
+class FilterRule {
  public:
   static constexpr int kMaxConditions = 4;
 
-  std::string FilterName;
-  std::int16_t Category = 0;  // 0 shared, 1 private
-  bool StopProcessing = false;
-  std::int16_t RuleCount = 0;
-  std::string Action;
-  std::string DestFolder;
+  std::string filterName;
+  std::int16_t category = 0;  // 0 shared, 1 private
+  bool stopProcessing = false;
+  std::int16_t ruleCount = 0;
+  std::string action;
+  std::string destFolder;
 
   // Conditions are numbered 1 to 4. Reading any of them, or setting a
   // comparison or text, outside that range throws; setting a field there is
   // ignored, as it always was.
-  const std::string& Fields(int n) const { return at(fields_, n); }
-  const std::string& Comparisons(int n) const { return at(comparisons_, n); }
-  const std::string& Strings(int n) const { return at(strings_, n); }
+  const std::string& fields(int n) const { return at(fields_, n); }
+  const std::string& comparisons(int n) const { return at(comparisons_, n); }
+  const std::string& strings(int n) const { return at(strings_, n); }
   void setFields(int n, std::string value);
   void setComparisons(int n, std::string value) { at(comparisons_, n) = std::move(value); }
   void setStrings(int n, std::string value) { at(strings_, n) = std::move(value); }
 
-  bool operator==(const clsFilterNew&) const = default;
+  bool operator==(const FilterRule&) const = default;
 
  private:
   using Column = std::array<std::string, kMaxConditions>;

@@ -41,7 +41,7 @@ constexpr std::size_t kIndexedLength = 128;
 
 }  // namespace
 
-TrigramSet::Hashes TrigramSet::HashesOf(std::string_view text) {
+TrigramSet::Hashes TrigramSet::hashesOf(std::string_view text) {
   Hashes hashes;
   for (std::size_t i = 0; i + 3 <= text.size(); ++i) hashes.push_back(trigramHash(text.data() + i));
   return hashes;
@@ -51,7 +51,7 @@ TrigramSet::TrigramSet(std::string_view text) {
   for (std::size_t i = 0; i + 3 <= text.size(); ++i) bits_.set(trigramHash(text.data() + i));
 }
 
-bool TrigramSet::MayHold(const Hashes& hashes) const {
+bool TrigramSet::mayHold(const Hashes& hashes) const {
   return std::all_of(hashes.begin(), hashes.end(), [this](std::uint16_t hash) { return bits_.test(hash); });
 }
 
@@ -59,24 +59,24 @@ FoldedField::FoldedField(std::string text) : text_(std::move(text)) {
   if (text_.size() >= kIndexedLength) trigrams_ = std::make_unique<TrigramSet>(text_);
 }
 
-bool FoldedField::Holds(std::string_view foldedText, const TrigramSet::Hashes& hashes) const {
+bool FoldedField::holds(std::string_view foldedText, const TrigramSet::Hashes& hashes) const {
   if (text_.empty()) return false;
-  if (trigrams_ && !trigrams_->MayHold(hashes)) return false;
+  if (trigrams_ && !trigrams_->mayHold(hashes)) return false;
   return std::string_view(text_).find(foldedText) != std::string_view::npos;
 }
 
 std::string_view FoldedFields::source(RuleField field) {
   switch (field) {
-    case RuleField::Subject: return m_.Subject;
-    case RuleField::To: return m_.To_Email();
-    case RuleField::From: return m_.From.empty() ? m_.Sender : m_.From;
-    case RuleField::EnvelopeTo: return m_.XEnvelopeTo;
-    case RuleField::ReturnPath: return m_.ReturnPath;
-    case RuleField::AllHeaders: return m_.Headers;
-    case RuleField::CC: return m_.CC;
-    case RuleField::BCC: return m_.BCC;
-    case RuleField::SpamTestsFailed: return m_.SpamTestsFailed;
-    case RuleField::Body: return m_.StrippedBody;
+    case RuleField::Subject: return m_.subject;
+    case RuleField::To: return m_.toEmail();
+    case RuleField::From: return m_.from.empty() ? m_.sender : m_.from;
+    case RuleField::EnvelopeTo: return m_.xEnvelopeTo;
+    case RuleField::ReturnPath: return m_.returnPath;
+    case RuleField::AllHeaders: return m_.headers;
+    case RuleField::CC: return m_.cc;
+    case RuleField::BCC: return m_.bcc;
+    case RuleField::SpamTestsFailed: return m_.spamTestsFailed;
+    case RuleField::Body: return m_.strippedBody;
     case RuleField::AttachmentNames:
     case RuleField::Unknown: break;
   }
@@ -85,41 +85,41 @@ std::string_view FoldedFields::source(RuleField field) {
 
 const FoldedField& FoldedFields::value(RuleField field) {
   auto& slot = folded_[static_cast<std::size_t>(field)];
-  if (!slot) slot.emplace(text::upper(field == RuleField::AttachmentNames ? m_.AttachmentFilenames() : source(field)));
+  if (!slot) slot.emplace(text::upper(field == RuleField::AttachmentNames ? m_.attachmentFilenames() : source(field)));
   return *slot;
 }
 
 const FoldedField& FoldedFields::cleanSubject() {
   if (!cleanSubject_) {
-    std::string cleaned = text::CleanWord(m_.Subject);
-    cleanSubject_.emplace(text::upper(cleaned.empty() ? std::string_view(m_.Subject) : std::string_view(cleaned)));
+    std::string cleaned = text::cleanWord(m_.subject);
+    cleanSubject_.emplace(text::upper(cleaned.empty() ? std::string_view(m_.subject) : std::string_view(cleaned)));
   }
   return *cleanSubject_;
 }
 
-PreparedRule::PreparedRule(const clsFilterNew& rule) : rule_(&rule) {
-  const int held = std::clamp<int>(rule.RuleCount, 0, clsFilterNew::kMaxConditions);
-  countsMoreThanItHolds_ = rule.RuleCount > clsFilterNew::kMaxConditions;
+PreparedRule::PreparedRule(const FilterRule& rule) : rule_(&rule) {
+  const int held = std::clamp<int>(rule.ruleCount, 0, FilterRule::kMaxConditions);
+  countsMoreThanItHolds_ = rule.ruleCount > FilterRule::kMaxConditions;
   for (int n = 1; n <= held; ++n) {
-    const std::string& comparison = rule.Comparisons(n);
-    conditions_.push_back({fieldNamed(rule.Fields(n)),
+    const std::string& comparison = rule.comparisons(n);
+    conditions_.push_back({fieldNamed(rule.fields(n)),
                            text::equalsNoCase(comparison, kContains)          ? Comparison::Contains
                            : text::equalsNoCase(comparison, kDoesNotContain) ? Comparison::DoesNotContain
                                                                                : Comparison::Other,
-                           text::upper(rule.Strings(n)), {}});
-    conditions_.back().trigrams = TrigramSet::HashesOf(conditions_.back().foldedText);
+                           text::upper(rule.strings(n)), {}});
+    conditions_.back().trigrams = TrigramSet::hashesOf(conditions_.back().foldedText);
   }
   // The old single-digit codes count as their new ones.
-  action_ = text::toNumber(CurrentActionCode(text::trimView(rule.Action)));
+  action_ = text::toNumber(currentActionCode(text::trimView(rule.action)));
 }
 
 // A comparison other than the two known ones leaves the result as it stood:
 // false first, true after a condition that held.
-bool PreparedRule::Holds(FoldedFields& fields) const {
+bool PreparedRule::holds(FoldedFields& fields) const {
   bool matched = false;
   for (const Condition& c : conditions_) {
-    bool found = fields.value(c.field).Holds(c.foldedText, c.trigrams);
-    if (!found && c.field == RuleField::Subject) found = fields.cleanSubject().Holds(c.foldedText, c.trigrams);
+    bool found = fields.value(c.field).holds(c.foldedText, c.trigrams);
+    if (!found && c.field == RuleField::Subject) found = fields.cleanSubject().holds(c.foldedText, c.trigrams);
     if (c.comparison == Comparison::Contains) {
       matched = found;
     } else if (c.comparison == Comparison::DoesNotContain) {
@@ -131,7 +131,7 @@ bool PreparedRule::Holds(FoldedFields& fields) const {
   return matched;
 }
 
-double PreparedRule::ActionNumber() const {
+double PreparedRule::actionNumber() const {
   if (!action_) throw AppError(13, "Type mismatch");
   return *action_;
 }

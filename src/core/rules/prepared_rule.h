@@ -27,9 +27,9 @@ enum class RuleField { Subject, To, From, EnvelopeTo, ReturnPath, AllHeaders, CC
 class TrigramSet {
  public:
   using Hashes = std::vector<std::uint16_t>;
-  static Hashes HashesOf(std::string_view text);
+  static Hashes hashesOf(std::string_view text);
   explicit TrigramSet(std::string_view text);
-  bool MayHold(const Hashes& hashes) const;
+  bool mayHold(const Hashes& hashes) const;
 
  private:
   static constexpr std::size_t kBits = 8192;
@@ -41,7 +41,7 @@ class FoldedField {
  public:
   explicit FoldedField(std::string text);
   // The empty field holds nothing, not even the empty text.
-  bool Holds(std::string_view foldedText, const TrigramSet::Hashes& hashes) const;
+  bool holds(std::string_view foldedText, const TrigramSet::Hashes& hashes) const;
 
  private:
   std::string text_;
@@ -51,7 +51,7 @@ class FoldedField {
 // One message's fields, each folded at its first use.
 class FoldedFields {
  public:
-  explicit FoldedFields(const message::clsMessage& message) : m_(message) {}
+  explicit FoldedFields(const message::Message& message) : m_(message) {}
   const FoldedField& value(RuleField field);
   // The subject with its disguises undone; the subject itself when that leaves nothing.
   const FoldedField& cleanSubject();
@@ -59,21 +59,21 @@ class FoldedFields {
  private:
   std::string_view source(RuleField field);
 
-  const message::clsMessage& m_;
+  const message::Message& m_;
   std::array<std::optional<FoldedField>, static_cast<std::size_t>(RuleField::Unknown) + 1> folded_;
   std::optional<FoldedField> cleanSubject_;
 };
 
 class PreparedRule {
  public:
-  explicit PreparedRule(const clsFilterNew& rule);
+  explicit PreparedRule(const FilterRule& rule);
 
   // True when every condition holds. Throws, as reading a fifth condition
   // always did, when the first four hold and the rule counts more.
-  bool Holds(FoldedFields& fields) const;
+  bool holds(FoldedFields& fields) const;
   // The action code as a number; throws when it isn't one.
-  double ActionNumber() const;
-  const clsFilterNew& rule() const { return *rule_; }
+  double actionNumber() const;
+  const FilterRule& rule() const { return *rule_; }
 
  private:
   enum class Comparison { Contains, DoesNotContain, Other };
@@ -84,7 +84,7 @@ class PreparedRule {
     TrigramSet::Hashes trigrams;
   };
 
-  const clsFilterNew* rule_;
+  const FilterRule* rule_;
   std::vector<Condition> conditions_;
   bool countsMoreThanItHolds_ = false;
   std::optional<double> action_;

@@ -5,7 +5,7 @@
 #include <optional>
 #include <unordered_set>
 
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 
@@ -40,11 +40,11 @@ std::optional<bool> stopFlag(std::string_view value) {
 
 class RuleReader {
  public:
-  RuleReader(RuleSet& rules, bool clear, cSharedLogging& log) : rules_(rules), clear_(clear), log_(log) {
+  RuleReader(RuleSet& rules, bool clear, Log& log) : rules_(rules), clear_(clear), log_(log) {
     if (clear) {
       rules_.clear();
     } else {
-      for (const auto& rule : rules_) names_.insert(rule.FilterName);
+      for (const auto& rule : rules_) names_.insert(rule.filterName);
     }
   }
 
@@ -53,8 +53,8 @@ class RuleReader {
     const std::string& key = parsed.key;
     if (key == "filtername") {
       endRule();
-      current_ = clsFilterNew{};
-      current_->FilterName = std::string(parsed.value);
+      current_ = FilterRule{};
+      current_->filterName = std::string(parsed.value);
       conditions_ = 0;
       broken_.clear();
       return;
@@ -72,7 +72,7 @@ class RuleReader {
     if (current_) store(false);
     current_.reset();
     if (outsideRule_ > 0) {
-      log_.AddAction(std::to_string(outsideRule_) + " rule lines before the first Filtername were skipped",
+      log_.addAction(std::to_string(outsideRule_) + " rule lines before the first Filtername were skipped",
                      "LoadFilters", kModule);
     }
   }
@@ -84,7 +84,7 @@ class RuleReader {
   }
 
   void apply(std::string_view key, std::string_view value) {
-    clsFilterNew& rule = *current_;
+    FilterRule& rule = *current_;
     if (key == "filterfield") {
       if (conditions_ == std::numeric_limits<std::int16_t>::max()) throw AppError(6, "Overflow");
       rule.setFields(++conditions_, std::string(value));
@@ -93,13 +93,13 @@ class RuleReader {
     } else if (key == "filterstring") {
       rule.setStrings(conditions_, std::string(value));
     } else if (key == "filter_category") {
-      rule.Category = text::toWhole<std::int16_t>(text::val(value));
+      rule.category = text::toWhole<std::int16_t>(text::val(value));
     } else if (key == "filteraction") {
-      rule.Action = CurrentActionCode(text::trimView(value));
+      rule.action = currentActionCode(text::trimView(value));
     } else if (key == "filterdest") {
-      rule.DestFolder = std::string(value);
+      rule.destFolder = std::string(value);
     } else if (const auto stop = stopFlag(value)) {
-      rule.StopProcessing = *stop;
+      rule.stopProcessing = *stop;
     } else {
       broken_ = "its FilterStop \"" + std::string(value) + "\" is not a yes or no";
     }
@@ -110,22 +110,22 @@ class RuleReader {
   }
 
   void store(bool dropDuplicateName) {
-    clsFilterNew& rule = *current_;
-    rule.RuleCount = static_cast<std::int16_t>(conditions_);
+    FilterRule& rule = *current_;
+    rule.ruleCount = static_cast<std::int16_t>(conditions_);
     if (!broken_.empty()) {
-      log_.AddAction("Rule \"" + rule.FilterName + "\" skipped: " + broken_, "LoadFilters", kModule);
+      log_.addAction("Rule \"" + rule.filterName + "\" skipped: " + broken_, "LoadFilters", kModule);
       return;
     }
-    if (dropDuplicateName && names_.count(rule.FilterName) != 0) return;
-    names_.insert(rule.FilterName);
+    if (dropDuplicateName && names_.count(rule.filterName) != 0) return;
+    names_.insert(rule.filterName);
     rules_.push_back(std::move(rule));
   }
 
   RuleSet& rules_;
   bool clear_;
-  cSharedLogging& log_;
+  Log& log_;
   std::unordered_set<std::string> names_;
-  std::optional<clsFilterNew> current_;
+  std::optional<FilterRule> current_;
   int conditions_ = 0;
   std::string broken_;
   long outsideRule_ = 0;
@@ -137,7 +137,7 @@ void appendLine(std::string& out, std::string_view key, std::string_view value) 
 
 }  // namespace
 
-void ReadRules(std::string_view text, RuleSet& rules, bool clear, cSharedLogging& log) {
+void readRules(std::string_view text, RuleSet& rules, bool clear, Log& log) {
   RuleReader reader(rules, clear, log);
   try {
     while (!text.empty()) reader.take(text::nextLine(text));
@@ -147,47 +147,47 @@ void ReadRules(std::string_view text, RuleSet& rules, bool clear, cSharedLogging
   }
 }
 
-void LoadFilters(RuleSet& rules, const std::filesystem::path& file, bool clear, cSharedLogging& log) {
+void loadFilters(RuleSet& rules, const std::filesystem::path& file, bool clear, Log& log) {
   std::string text;
   try {
-    text = files::LoadTextFile(file);
+    text = files::loadTextFile(file);
   } catch (const AppError& e) {
     if (clear) rules.clear();
     logFailure(log, e, "LoadFilters", kModule);
     return;
   }
-  ReadRules(text, rules, clear, log);
+  readRules(text, rules, clear, log);
 }
 
-std::string RuleFileText(const RuleSet& rules, bool sharedOnly) {
+std::string ruleFileText(const RuleSet& rules, bool sharedOnly) {
   std::string out;
   for (const auto& rule : rules) {
-    if (sharedOnly && rule.Category != 0) continue;
-    appendLine(out, "Filtername", rule.FilterName);
+    if (sharedOnly && rule.category != 0) continue;
+    appendLine(out, "Filtername", rule.filterName);
     // More than four conditions can't be held; writing the four keeps the file readable.
-    const int conditions = std::min<int>(rule.RuleCount, clsFilterNew::kMaxConditions);
+    const int conditions = std::min<int>(rule.ruleCount, FilterRule::kMaxConditions);
     for (int n = 1; n <= conditions; ++n) {
-      appendLine(out, "FilterField", rule.Fields(n));
-      appendLine(out, "FilterComparison", rule.Comparisons(n));
-      appendLine(out, "FilterString", rule.Strings(n));
+      appendLine(out, "FilterField", rule.fields(n));
+      appendLine(out, "FilterComparison", rule.comparisons(n));
+      appendLine(out, "FilterString", rule.strings(n));
     }
-    appendLine(out, "FilterAction", rule.Action);
-    appendLine(out, "FilterDest", rule.DestFolder);
-    appendLine(out, "FilterStop", rule.StopProcessing ? "-1" : "0");
-    appendLine(out, "Filter_Category", text::printForm(static_cast<long long>(rule.Category)));
+    appendLine(out, "FilterAction", rule.action);
+    appendLine(out, "FilterDest", rule.destFolder);
+    appendLine(out, "FilterStop", rule.stopProcessing ? "-1" : "0");
+    appendLine(out, "Filter_Category", text::printForm(static_cast<long long>(rule.category)));
   }
   return out;
 }
 
-bool SaveFilters(const std::filesystem::path& file, const RuleSet& rules, bool sharedOnly, cSharedLogging& log) {
-  return guardedStep(log, "SaveFilters", kModule, [&] { files::WriteTextFile(file, RuleFileText(rules, sharedOnly)); });
+bool saveFilters(const std::filesystem::path& file, const RuleSet& rules, bool sharedOnly, Log& log) {
+  return guardedStep(log, "SaveFilters", kModule, [&] { files::writeTextFile(file, ruleFileText(rules, sharedOnly)); });
 }
 
-void MergeFilters(RuleSet& source, RuleSet& destination) {
+void mergeFilters(RuleSet& source, RuleSet& destination) {
   std::unordered_set<std::string> present;
-  for (const auto& rule : destination) present.insert(text::upper(text::trimView(rule.FilterName)));
+  for (const auto& rule : destination) present.insert(text::upper(text::trimView(rule.filterName)));
   for (auto& rule : source) {
-    if (present.insert(text::upper(text::trimView(rule.FilterName))).second) destination.push_back(std::move(rule));
+    if (present.insert(text::upper(text::trimView(rule.filterName))).second) destination.push_back(std::move(rule));
   }
   source.clear();
 }

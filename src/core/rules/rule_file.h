@@ -7,27 +7,27 @@
 #include <string_view>
 #include <vector>
 
-#include "core/log/logging.h"
+#include "core/log/log.h"
 #include "core/rules/filter_rule.h"
 
 namespace vonel::rules {
 
-using RuleSet = std::vector<clsFilterNew>;
+using RuleSet = std::vector<FilterRule>;
 
 // Adds the rules of the text to `rules`, after emptying it when `clear` is
 // set. Without `clear` a rule whose name is already present is dropped,
 // except the file's last rule. A line the reader can't take ends the read,
 // keeping the rules read so far, and is logged.
-void ReadRules(std::string_view text, RuleSet& rules, bool clear, cSharedLogging& log);
-void LoadFilters(RuleSet& rules, const std::filesystem::path& file, bool clear, cSharedLogging& log);
+void readRules(std::string_view text, RuleSet& rules, bool clear, Log& log);
+void loadFilters(RuleSet& rules, const std::filesystem::path& file, bool clear, Log& log);
 
 // The file form of the rules; `sharedOnly` leaves out private rules.
-std::string RuleFileText(const RuleSet& rules, bool sharedOnly);
+std::string ruleFileText(const RuleSet& rules, bool sharedOnly);
 // False (and logged) when the file could not be written; the old one is then untouched.
-bool SaveFilters(const std::filesystem::path& file, const RuleSet& rules, bool sharedOnly, cSharedLogging& log);
+bool saveFilters(const std::filesystem::path& file, const RuleSet& rules, bool sharedOnly, Log& log);
 
 // Appends each rule of `source` whose trimmed name, ignoring case, isn't in
 // `destination` yet; existing rules are never changed. Empties `source`.
-void MergeFilters(RuleSet& source, RuleSet& destination);
+void mergeFilters(RuleSet& source, RuleSet& destination);
 
 }  // namespace vonel::rules

@@ -8,7 +8,7 @@ class SpamScorer {
  public:
   virtual ~SpamScorer() = default;
   // From 0.01 to 0.99 into `score`; a failure leaves `score` as it stood.
-  virtual void Spamminess(message::clsMessage& message, bool headersOnly, float& score) = 0;
+  virtual void spamminess(message::Message& message, bool headersOnly, float& score) = 0;
 };
 
 }  // namespace vonel::rules

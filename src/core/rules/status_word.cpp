@@ -1,17 +1,17 @@
 #include "core/rules/status_word.h"
 
-#include "core/rules/frm_filters.h"
+#include "core/rules/rule_engine.h"
 
 namespace vonel::rules {
 
-std::string StatusWord(const message::clsMessage& m) {
-  if (m.Deleted) return m.BlockedSender || m.BlockedRecip ? "BLOCK" : "FAIL";
-  if (m.Ignored) return "IGNORE";
-  if (m.Suspicious) return "SPAM?";
+std::string statusWord(const message::Message& m) {
+  if (m.deleted) return m.blockedSender || m.blockedRecip ? "BLOCK" : "FAIL";
+  if (m.ignored) return "IGNORE";
+  if (m.suspicious) return "SPAM?";
   return "PASS";
 }
 
-std::string ColourName(std::int32_t value) {
+std::string colourName(std::int32_t value) {
   switch (value) {
     case colour::kGreen: return "green";
     case colour::kRed: return "red";

@@ -8,9 +8,9 @@
 namespace vonel::rules {
 
 // "BLOCK" or "FAIL" for a deleted message, then "IGNORE", "SPAM?", "PASS".
-std::string StatusWord(const message::clsMessage& message);
+std::string statusWord(const message::Message& message);
 
 // "green", "red", "grey", "orange" or "purple"; another value as its number.
-std::string ColourName(std::int32_t colour);
+std::string colourName(std::int32_t colour);
 
 }  // namespace vonel::rules

@@ -30,7 +30,7 @@ void appendCut(std::string& out, std::string_view line, std::string_view separat
 
 }  // namespace
 
-std::string FormatMail(std::string_view text) {
+std::string formatMail(std::string_view text) {
   if (text.empty()) return {};
   std::string_view separator = separatorOf(text);
   const std::vector<std::string> lines =

@@ -10,31 +10,31 @@ namespace vonel::send {
 enum class EncodeType : std::int32_t { Mime = 0, UUEncode = 1 };
 
 struct MailFields {
-  std::vector<std::string> Recipient;
-  std::vector<std::string> RecipientDisplayName;  // aligned with Recipient; may be shorter
-  std::vector<std::string> CcRecipient;
-  std::vector<std::string> CcDisplayName;
-  std::vector<std::string> BccRecipient;
-  std::string From;
-  std::string FromDisplayName;
-  std::string ReplyToAddress;
-  std::string Subject;
-  std::string Message;  // already made fit for DATA
-  std::string InReplyTo;
+  std::vector<std::string> recipient;
+  std::vector<std::string> recipientDisplayName;  // aligned with Recipient; may be shorter
+  std::vector<std::string> ccRecipient;
+  std::vector<std::string> ccDisplayName;
+  std::vector<std::string> bccRecipient;
+  std::string from;
+  std::string fromDisplayName;
+  std::string replyToAddress;
+  std::string subject;
+  std::string message;  // already made fit for DATA
+  std::string inReplyTo;
   std::vector<std::string> attachmentPaths;
   std::vector<std::string> attachmentNames;
   std::int64_t attachmentNameBytes = 0;
   std::int64_t attachmentFileBytes = 0;
-  std::int32_t Priority = 3;
+  std::int32_t priority = 3;
   std::string priorityWord;
-  bool AsHTML = false;
-  std::string ContentBase;
+  bool asHtml = false;
+  std::string contentBase;
   EncodeType encodeType = EncodeType::Mime;
-  bool Receipt = false;
+  bool receipt = false;
   bool eightBit = false;
-  bool UseAuthentication = false;
-  std::string Username;
-  std::string Password;
+  bool useAuthentication = false;
+  std::string username;
+  std::string password;
 };
 
 // The error texts of the recipient checks that both sending and spooling make.

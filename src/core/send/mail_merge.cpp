@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/settings/accounts.h"
 #include "core/store/tag_files.h"
 #include "core/text/shared_text.h"
@@ -47,18 +47,18 @@ std::optional<std::string> mergedText(std::string_view templateText, const std::
   return text;
 }
 
-message::clsMessage mergedMessage(std::string text, const std::string& to, const MergeSender& sender) {
-  message::clsMessage message;
-  message.FromAccount = static_cast<std::int16_t>(sender.account);
-  message.From = message.Sender = message.ReturnPath = sender.replyAddress;
+message::Message mergedMessage(std::string text, const std::string& to, const MergeSender& sender) {
+  message::Message message;
+  message.fromAccount = static_cast<std::int16_t>(sender.account);
+  message.from = message.sender = message.returnPath = sender.replyAddress;
   if (hasSubjectLine(text)) {
     const std::size_t lineEnd = text::find(text, "\r");
     const std::string subjectLine = lineEnd == 0 ? text : text::left(text, lineEnd - 1);
     text = lineEnd == 0 ? std::string() : text::mid(text, lineEnd);
-    text::EatCrapFromStart(text);
-    message.Subject = text::trim(text::replaceAllNoCase(subjectLine, "subject:", ""));
+    text::trimJunkFromStart(text);
+    message.subject = text::trim(text::replaceAllNoCase(subjectLine, "subject:", ""));
   }
-  message.setTo_Email(to);
+  message.setToEmail(to);
   message.setMessageBody(std::move(text));
   return message;
 }
@@ -67,13 +67,13 @@ message::clsMessage mergedMessage(std::string text, const std::string& to, const
 
 NoEmailField::NoEmailField() : AppError(0, "Error: Your mail merge data file must contain an $EMAIL field") {}
 
-MergeSender FirstAccountSender(const cSHAREDSettings& settings) {
-  const int account = std::max(FirstAccount(settings), 0);
-  return {account, settings.RetrieveSetting(accountKey("REPLYADDRESS", account), Value("")).text()};
+MergeSender firstAccountSender(const SettingsStore& settings) {
+  const int account = std::max(firstAccount(settings), 0);
+  return {account, settings.get(accountKey("REPLYADDRESS", account), Value("")).text()};
 }
 
-MergeCounts MergeTexts(std::string_view data, std::string_view templateText, const MergeSender& sender,
-                       const std::function<void(message::clsMessage&)>& spool, Progress& progress) {
+MergeCounts mergeTexts(std::string_view data, std::string_view templateText, const MergeSender& sender,
+                       const std::function<void(message::Message&)>& spool, Progress& progress) {
   const std::vector<std::string> rows = text::split(data, "\r\n");
   const std::vector<std::string> header = text::split(rows.front(), ",");
   const auto email = std::find_if(header.begin(), header.end(),
@@ -88,7 +88,7 @@ MergeCounts MergeTexts(std::string_view data, std::string_view templateText, con
     const std::string& to = (*fields)[emailColumn];
     auto text = mergedText(templateText, header, *fields);
     if (text && to.find('@') != std::string::npos) {
-      message::clsMessage message = mergedMessage(std::move(*text), to, sender);
+      message::Message message = mergedMessage(std::move(*text), to, sender);
       spool(message);
       ++counts.saved;
     } else {
@@ -99,33 +99,33 @@ MergeCounts MergeTexts(std::string_view data, std::string_view templateText, con
   return counts;
 }
 
-bool AcceptMergeFiles(AppContext& context, const fs::path& dataFile, const fs::path& templateFile) {
-  if (!files::FileExists(dataFile)) {
+bool acceptMergeFiles(AppContext& context, const fs::path& dataFile, const fs::path& templateFile) {
+  if (!files::fileExists(dataFile)) {
     tell(context, "Name list file not found");
     return false;
   }
-  if (!files::FileExists(templateFile)) {
+  if (!files::fileExists(templateFile)) {
     tell(context, "Email template file not found");
     return false;
   }
   bool subjectLine = false;
   guardedStep(context.log, "cmdGo_Click", "frmMailMerge",
-              [&] { subjectLine = hasSubjectLine(files::ReadFileStart(templateFile, 8)); });
+              [&] { subjectLine = hasSubjectLine(files::readFileStart(templateFile, 8)); });
   if (!subjectLine) tell(context, "Warning: The first line of your email template should be 'Subject: [subject here]'");
-  context.Settings.StoreSetting("MergeDataFile", Value(files::TextFromPath(dataFile)));
-  context.Settings.StoreSetting("MergeTemplateFile", Value(files::TextFromPath(templateFile)));
+  context.settings.set("MergeDataFile", Value(files::textFromPath(dataFile)));
+  context.settings.set("MergeTemplateFile", Value(files::textFromPath(templateFile)));
   return true;
 }
 
-MergeCounts DoMailMerge(AppContext& context, MessageSpooler& spooler, Progress& progress, const fs::path& dataFile,
+MergeCounts doMailMerge(AppContext& context, MessageSpooler& spooler, Progress& progress, const fs::path& dataFile,
                         const fs::path& templateFile) {
   MergeCounts counts;
   guardedStep(context.log, "DoMailMerge", kModule, [&] {
     std::string data;
     std::string templateText;
     try {
-      data = files::LoadTextFile(dataFile);
-      templateText = files::LoadTextFile(templateFile);
+      data = files::loadTextFile(dataFile);
+      templateText = files::loadTextFile(templateFile);
     } catch (const AppError& error) {
       tell(context, "Error: " + error.description());
       throw;
@@ -137,17 +137,17 @@ MergeCounts DoMailMerge(AppContext& context, MessageSpooler& spooler, Progress& 
     if (!hasSubjectLine(templateText) && context.prompt.ask(kMergeNoSubject, Buttons::YesNo, kTitle) == Answer::No) {
       return;
     }
-    const MergeSender sender = FirstAccountSender(context.Settings);
+    const MergeSender sender = firstAccountSender(context.settings);
     try {
-      counts = MergeTexts(data, templateText, sender,
-                          [&](message::clsMessage& message) { spooler.SpoolMessage(message, "", ""); }, progress);
+      counts = mergeTexts(data, templateText, sender,
+                          [&](message::Message& message) { spooler.spoolMessage(message, "", ""); }, progress);
     } catch (const NoEmailField& error) {
       tell(context, error.description());
       return;
     }
     // One change of the outbox's count for the whole merge rather than one a message.
     if (counts.saved > 0) {
-      store::AddToUnreadTag(context.log, context.folders.OutboxFolderPath, static_cast<int>(counts.saved));
+      store::addToUnreadTag(context.log, context.folders.outboxFolderPath, static_cast<int>(counts.saved));
     }
     tell(context, "Processed " + std::to_string(counts.saved + counts.invalid) + " name(s)\r\n" +
                       std::to_string(counts.saved) + " saved to the outbox and \r\n" +

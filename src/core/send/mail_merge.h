@@ -9,8 +9,8 @@
 #include <string_view>
 
 #include "core/message/message.h"
-#include "core/services/app_context.h"
-#include "core/services/progress.h"
+#include "core/context/app_context.h"
+#include "core/interaction/progress.h"
 
 namespace vonel::send {
 
@@ -18,7 +18,7 @@ namespace vonel::send {
 class MessageSpooler {
  public:
   virtual ~MessageSpooler() = default;
-  virtual void SpoolMessage(message::clsMessage& message, const std::string& fromOverride,
+  virtual void spoolMessage(message::Message& message, const std::string& fromOverride,
                             const std::string& nameOverride) = 0;
 };
 
@@ -30,7 +30,7 @@ struct MergeSender {
   int account = 0;
   std::string replyAddress;
 };
-MergeSender FirstAccountSender(const cSHAREDSettings& settings);
+MergeSender firstAccountSender(const SettingsStore& settings);
 
 // The data file has no $EMAIL column.
 class NoEmailField : public AppError {
@@ -46,18 +46,18 @@ struct MergeCounts {
 // Merges the texts row by row and hands each message with an address to
 // `spool`; rows with fewer fields than the header are skipped uncounted.
 // Throws NoEmailField.
-MergeCounts MergeTexts(std::string_view data, std::string_view templateText, const MergeSender& sender,
-                       const std::function<void(message::clsMessage&)>& spool, Progress& progress);
+MergeCounts mergeTexts(std::string_view data, std::string_view templateText, const MergeSender& sender,
+                       const std::function<void(message::Message&)>& spool, Progress& progress);
 
 // The checks of the merge window's Go button: the missing file's text in a
 // box and false, or true once both names are kept in the settings. A
 // template without a subject line only earns a warning.
-bool AcceptMergeFiles(AppContext& context, const std::filesystem::path& dataFile,
+bool acceptMergeFiles(AppContext& context, const std::filesystem::path& dataFile,
                       const std::filesystem::path& templateFile);
 
 // The merge of two files into the outbox, with its questions and its result
 // in boxes. Returns the counts; both are 0 when the merge stopped early.
-MergeCounts DoMailMerge(AppContext& context, MessageSpooler& spooler, Progress& progress,
+MergeCounts doMailMerge(AppContext& context, MessageSpooler& spooler, Progress& progress,
                         const std::filesystem::path& dataFile, const std::filesystem::path& templateFile);
 
 }  // namespace vonel::send

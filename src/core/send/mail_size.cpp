@@ -26,22 +26,22 @@ std::int64_t credentialSize(const std::string& credential) {
 
 }  // namespace
 
-std::int64_t EstimateMailSize(const MailFields& mail) {
-  std::int64_t size = len(mail.From) + 93;
-  if (mail.UseAuthentication) size += 25 + len(mail.From) + credentialSize(mail.Username) + credentialSize(mail.Password);
-  size += addressesSize(mail.Recipient, 15, 2) + addressesSize(mail.CcRecipient, 15, 2);
-  size += namesSize(mail.RecipientDisplayName) + namesSize(mail.CcDisplayName);
-  size += addressesSize(mail.BccRecipient, 15, 1);
-  if (!mail.FromDisplayName.empty()) size += len(mail.FromDisplayName) + 3;
-  size += len(mail.From);
-  if (!mail.ReplyToAddress.empty()) size += len(mail.ReplyToAddress) + 14;
-  size += len(mail.Subject) + len(mail.Message);
+std::int64_t estimateMailSize(const MailFields& mail) {
+  std::int64_t size = len(mail.from) + 93;
+  if (mail.useAuthentication) size += 25 + len(mail.from) + credentialSize(mail.username) + credentialSize(mail.password);
+  size += addressesSize(mail.recipient, 15, 2) + addressesSize(mail.ccRecipient, 15, 2);
+  size += namesSize(mail.recipientDisplayName) + namesSize(mail.ccDisplayName);
+  size += addressesSize(mail.bccRecipient, 15, 1);
+  if (!mail.fromDisplayName.empty()) size += len(mail.fromDisplayName) + 3;
+  size += len(mail.from);
+  if (!mail.replyToAddress.empty()) size += len(mail.replyToAddress) + 14;
+  size += len(mail.subject) + len(mail.message);
   const std::int64_t fileBytes = mail.attachmentFileBytes;
   const bool attachments = !mail.attachmentPaths.empty();
   if (mail.encodeType == EncodeType::Mime) {
     size += 64;
-    if (!mail.ContentBase.empty() && mail.AsHTML) size += 18 + len(mail.ContentBase);
-    if (mail.Receipt) size += 36 + len(mail.FromDisplayName) + len(mail.From);
+    if (!mail.contentBase.empty() && mail.asHtml) size += 18 + len(mail.contentBase);
+    if (mail.receipt) size += 36 + len(mail.fromDisplayName) + len(mail.from);
     if (attachments) {
       size += fileBytes * 4 / 3 + 42 + fileBytes / 57 * 2 + mail.attachmentNameBytes * 2 +
               182 * static_cast<std::int64_t>(mail.attachmentPaths.size()) + 290;

@@ -6,6 +6,6 @@
 
 namespace vonel::send {
 
-std::int64_t EstimateMailSize(const MailFields& mail);
+std::int64_t estimateMailSize(const MailFields& mail);
 
 }  // namespace vonel::send

@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "core/message/message_file.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/store/tag_files.h"
 #include "core/text/dates.h"
 #include "core/text/numbers.h"
@@ -49,23 +49,23 @@ bool spooledBefore(std::string_view a, std::string_view b) {
 
 }  // namespace
 
-std::string AccountDigits(int account) {
+std::string accountDigits(int account) {
   char digits[16];
   std::snprintf(digits, sizeof digits, "%02d", account);
   return digits;
 }
 
-std::string OutboxFileName(int account, int counter) {
-  return AccountDigits(account) + "_outbound_" + std::to_string(counter) + ".eml";
+std::string outboxFileName(int account, int counter) {
+  return accountDigits(account) + "_outbound_" + std::to_string(counter) + ".eml";
 }
 
-int FreeOutboxCounter(const fs::path& outbox, int account, int from) {
+int freeOutboxCounter(const fs::path& outbox, int account, int from) {
   int counter = from;
-  while (files::FileExists(outbox / OutboxFileName(account, counter))) ++counter;
+  while (files::fileExists(outbox / outboxFileName(account, counter))) ++counter;
   return counter;
 }
 
-std::vector<std::string> ListOutboxFiles(const fs::path& outbox) {
+std::vector<std::string> listOutboxFiles(const fs::path& outbox) {
   std::vector<std::string> names;
   std::error_code ec;
   for (fs::directory_iterator it(outbox, ec), end; !ec && it != end; it.increment(ec)) {
@@ -78,24 +78,24 @@ std::vector<std::string> ListOutboxFiles(const fs::path& outbox) {
   return names;
 }
 
-bool AccountHasMail(const std::vector<std::string>& names, int account) {
-  const std::string digits = AccountDigits(account);
+bool accountHasMail(const std::vector<std::string>& names, int account) {
+  const std::string digits = accountDigits(account);
   return std::any_of(names.begin(), names.end(), [&](const std::string& name) { return text::left(name, 2) == digits; });
 }
 
-std::size_t FirstFileOfAccount(const std::vector<std::string>& names, int account) {
+std::size_t firstFileOfAccount(const std::vector<std::string>& names, int account) {
   const auto found = std::find_if(names.begin(), names.end(), [&](const std::string& name) {
     return text::val(text::left(name, 2)) == account;
   });
   return static_cast<std::size_t>(found - names.begin());
 }
 
-std::string Fileroot(std::string_view name) {
+std::string fileRoot(std::string_view name) {
   const std::size_t dot = name.rfind('.');
   return std::string(dot == std::string_view::npos ? name : name.substr(0, dot));
 }
 
-std::string WithSentDate(const std::string& raw, const text::DateTime& now) {
+std::string withSentDate(const std::string& raw, const text::DateTime& now) {
   const std::size_t blankLine = text::find(raw, "\r\n\r\n");
   if (blankLine == 0) return raw;
   const std::size_t dateLine = text::findNoCase(raw, "\rDate:");
@@ -104,26 +104,26 @@ std::string WithSentDate(const std::string& raw, const text::DateTime& now) {
          text::mid(raw, blankLine + 4);
 }
 
-SentMessage MoveToSentItems(const fs::path& outbox, const fs::path& sentItems, const std::string& name,
-                            cSharedLogging& log, const Clock& clock) {
+SentMessage moveToSentItems(const fs::path& outbox, const fs::path& sentItems, const std::string& name,
+                            Log& log, const Clock& clock) {
   const fs::path spooled = outbox / name;
-  message::clsMessage message = message::ReadMessageFull(spooled, log);
-  SentMessage sent{false, message.Subject, message.To_Email()};
+  message::Message message = message::readMessageFull(spooled, log);
+  SentMessage sent{false, message.subject, message.toEmail()};
   const text::DateTime now = clock.now();
-  message.SendDate = text::formatStoreDate(now);
-  message.ReplaceRawMessage(WithSentDate(message.RawMessage(), now));
-  message.setFilename(message::GetUnusedFilename(true, sentItems, Fileroot(name), ".eml", clock).string());
-  message.Read = true;
-  message::SaveMessage(message, log);
-  // SaveMessage logs its own failure; the copy is checked before the original goes.
-  if (!files::FileExists(message.Filename())) {
-    log.AddAction("Unable to file " + name + " in Sent Items; it stays in the outbox", "MoveToSentItems", kModule);
+  message.sendDate = text::formatStoreDate(now);
+  message.replaceRawMessage(withSentDate(message.rawMessage(), now));
+  message.setFilename(message::getUnusedFilename(true, sentItems, fileRoot(name), ".eml", clock).string());
+  message.read = true;
+  message::saveMessage(message, log);
+  // saveMessage logs its own failure; the copy is checked before the original goes.
+  if (!files::fileExists(message.filename())) {
+    log.addAction("Unable to file " + name + " in Sent Items; it stays in the outbox", "MoveToSentItems", kModule);
     return sent;
   }
-  if (!files::EraseFile(spooled)) {
-    log.AddAction("Unable to delete " + name + " from the outbox after filing it", "MoveToSentItems", kModule);
+  if (!files::eraseFile(spooled)) {
+    log.addAction("Unable to delete " + name + " from the outbox after filing it", "MoveToSentItems", kModule);
   }
-  store::RemoveFromUnreadTag(log, outbox);
+  store::removeFromUnreadTag(log, outbox);
   sent.filed = true;
   return sent;
 }

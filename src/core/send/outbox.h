@@ -8,36 +8,36 @@
 #include <string_view>
 #include <vector>
 
-#include "core/log/logging.h"
-#include "core/services/clock.h"
+#include "core/log/log.h"
+#include "core/time/clock.h"
 
 namespace vonel::send {
 
 // The account as the first two characters of an outbox name: "07".
-std::string AccountDigits(int account);
+std::string accountDigits(int account);
 // "07_outbound_3.eml".
-std::string OutboxFileName(int account, int counter);
+std::string outboxFileName(int account, int counter);
 // The first counter of the account, from `from` upward, whose name isn't
 // taken in the outbox.
-int FreeOutboxCounter(const std::filesystem::path& outbox, int account, int from = 0);
+int freeOutboxCounter(const std::filesystem::path& outbox, int account, int from = 0);
 
 // Bare names of the ".eml" files (extension in any case) in the outbox, in
 // the order they were spooled: by account, then by counter.
-std::vector<std::string> ListOutboxFiles(const std::filesystem::path& outbox);
+std::vector<std::string> listOutboxFiles(const std::filesystem::path& outbox);
 
 // True when some name begins with the account's two digits.
-bool AccountHasMail(const std::vector<std::string>& names, int account);
+bool accountHasMail(const std::vector<std::string>& names, int account);
 // Index of the first name whose first two characters have the account's
 // value; names.size() when there is none.
-std::size_t FirstFileOfAccount(const std::vector<std::string>& names, int account);
+std::size_t firstFileOfAccount(const std::vector<std::string>& names, int account);
 
 // The name without its extension.
-std::string Fileroot(std::string_view name);
+std::string fileRoot(std::string_view name);
 
 // The raw text with a "Date: " line at the end of its header, unless a CR
 // straight followed by "Date:" (any case) stands before the blank line, or
 // there is no blank line at all. A "Date:" line after CR LF doesn't count.
-std::string WithSentDate(const std::string& raw, const text::DateTime& now);
+std::string withSentDate(const std::string& raw, const text::DateTime& now);
 
 struct SentMessage {
   bool filed = false;  // false: the copy couldn't be written and the outbox file is untouched
@@ -47,7 +47,7 @@ struct SentMessage {
 
 // Files a sent outbox message into Sent Items, read and dated, and only then
 // deletes it from the outbox.
-SentMessage MoveToSentItems(const std::filesystem::path& outbox, const std::filesystem::path& sentItems,
-                     const std::string& name, cSharedLogging& log, const Clock& clock);
+SentMessage moveToSentItems(const std::filesystem::path& outbox, const std::filesystem::path& sentItems,
+                     const std::string& name, Log& log, const Clock& clock);
 
 }  // namespace vonel::send

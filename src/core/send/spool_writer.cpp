@@ -5,7 +5,7 @@
 
 #include "core/send/content_type.h"
 #include "core/message/transfer_encoding.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/text/strings.h"
 
 namespace vonel::send {
@@ -61,41 +61,41 @@ class SpoolText {
 void writeHeaders(SpoolText& out, const MailFields& mail, const std::string& boundary, const std::string& version) {
   const std::string sender = senderText(mail);
   out.line("From: " + sender);
-  out.line("To: " + addressList(mail.Recipient, mail.RecipientDisplayName));
-  if (const std::string cc = addressList(mail.CcRecipient, mail.CcDisplayName); !cc.empty()) out.line("Cc: " + cc);
-  if (const std::string bcc = bccList(mail.BccRecipient); !bcc.empty()) out.line("Bcc: " + bcc);
-  if (!mail.ReplyToAddress.empty()) out.line("Reply-to: <" + mail.ReplyToAddress + ">");
-  if (!mail.InReplyTo.empty()) out.line("In-Reply-To: " + mail.InReplyTo);
-  out.line("Subject: " + mail.Subject);
+  out.line("To: " + addressList(mail.recipient, mail.recipientDisplayName));
+  if (const std::string cc = addressList(mail.ccRecipient, mail.ccDisplayName); !cc.empty()) out.line("Cc: " + cc);
+  if (const std::string bcc = bccList(mail.bccRecipient); !bcc.empty()) out.line("Bcc: " + bcc);
+  if (!mail.replyToAddress.empty()) out.line("Reply-to: <" + mail.replyToAddress + ">");
+  if (!mail.inReplyTo.empty()) out.line("In-Reply-To: " + mail.inReplyTo);
+  out.line("Subject: " + mail.subject);
   if (mail.encodeType != EncodeType::Mime) return;
   out.line("MIME-Version: 1.0");
-  out.line("X-Priority: " + std::to_string(mail.Priority));
+  out.line("X-Priority: " + std::to_string(mail.priority));
   out.line("X-MSMail-Priority: " + mail.priorityWord);
   out.line("X-Mailer: Vonel " + version);
-  if (mail.Receipt) out.line("Disposition-Notification-To: " + sender);
+  if (mail.receipt) out.line("Disposition-Notification-To: " + sender);
   if (!mail.attachmentPaths.empty()) {
     out.line("Content-Type: multipart/mixed;");
     out.line("\tboundary=" + inQuotes(boundary) + std::string(kCrLf));
     out.line("This is a multi-part message in MIME format." + std::string(kCrLf));
     out.line("--" + boundary);
   }
-  out.line(std::string("Content-Type: ") + (mail.AsHTML ? "text/html;" : "text/plain;"));
+  out.line(std::string("Content-Type: ") + (mail.asHtml ? "text/html;" : "text/plain;"));
   out.line("\tcharset=" + inQuotes("iso-8859-1"));
   out.line(std::string("Content-Transfer-Encoding: ") + (mail.eightBit ? "8bit" : "7bit"));
-  if (mail.AsHTML && !mail.ContentBase.empty()) out.line("Content-Base: " + inQuotes(mail.ContentBase));
+  if (mail.asHtml && !mail.contentBase.empty()) out.line("Content-Base: " + inQuotes(mail.contentBase));
 }
 
 // One base64 line per slice, read as it goes, so a large file costs one slice
 // of memory. The uuencode mode never worked: its loop reads from a buffer it
 // never fills, at an invalid position, so the first slice is an error. Kept so.
 // Files only ever go to the spool, never straight to the socket.
-void EncodeAndSendFile(SpoolText& out, const std::string& path, EncodeType mode) {
+void encodeAndSendFile(SpoolText& out, const std::string& path, EncodeType mode) {
   if (mode == EncodeType::UUEncode) throw AttachmentFailed(error_number::kInvalidCall, "Invalid procedure call or argument");
-  std::ifstream in(files::PathFromText(path), std::ios::binary);
+  std::ifstream in(files::pathFromText(path), std::ios::binary);
   if (!in) throw AttachmentFailed(error_number::kFileNotFound, "File not found: " + path);
   std::string slice(kBase64Slice, '\0');
   while (in.read(slice.data(), static_cast<std::streamsize>(slice.size())) || in.gcount() > 0) {
-    out.line(message::EncodeMime64String(std::string_view(slice).substr(0, static_cast<std::size_t>(in.gcount()))));
+    out.line(message::encodeMime64String(std::string_view(slice).substr(0, static_cast<std::size_t>(in.gcount()))));
   }
   if (in.bad()) throw AttachmentFailed(error_number::kDeviceIo, "Device I/O error: " + path);
 }
@@ -104,16 +104,16 @@ void writeAttachment(SpoolText& out, const std::string& boundary, const std::str
                      EncodeType mode) {
   if (mode == EncodeType::UUEncode) {
     out.line("begin 600 " + name);
-    EncodeAndSendFile(out, path, mode);
+    encodeAndSendFile(out, path, mode);
     return;
   }
   out.line("--" + boundary);
-  out.line("Content-Type: " + GetContentType(name, "application/octet-stream") + ";");
+  out.line("Content-Type: " + getContentType(name, "application/octet-stream") + ";");
   out.line("\tname=" + inQuotes(name));
   out.line("Content-Transfer-Encoding: base64");
   out.line("Content-Disposition: attachment;");
   out.line("\tfilename=" + inQuotes(name) + std::string(kCrLf));
-  EncodeAndSendFile(out, path, mode);
+  encodeAndSendFile(out, path, mode);
   out.line();
   out.line();
 }
@@ -127,7 +127,7 @@ std::string spoolBoundary(const text::DateTime& now) {
 }
 
 std::string senderText(const MailFields& mail) {
-  return inQuotes(mail.FromDisplayName.empty() ? mail.From : mail.FromDisplayName) + " <" + mail.From + ">";
+  return inQuotes(mail.fromDisplayName.empty() ? mail.from : mail.fromDisplayName) + " <" + mail.from + ">";
 }
 
 void writeSpoolFile(const std::filesystem::path& file, const MailFields& mail, const text::DateTime& now,
@@ -138,7 +138,7 @@ void writeSpoolFile(const std::filesystem::path& file, const MailFields& mail, c
   writeHeaders(out, mail, boundary, version);
   out.line();
   out.line();
-  out.line(mail.Message);
+  out.line(mail.message);
   out.line();
   for (std::size_t i = 0; i < mail.attachmentPaths.size(); ++i) {
     writeAttachment(out, boundary, mail.attachmentPaths[i], mail.attachmentNames[i], mail.encodeType);

@@ -11,7 +11,7 @@ namespace vonel::send {
 
 namespace {
 
-void RemoveCRLFFromEnd(std::string& text) {
+void removeCrLfFromEnd(std::string& text) {
   while (!text.empty() && (text.back() == '\r' || text.back() == '\n')) text.pop_back();
 }
 
@@ -26,26 +26,26 @@ std::string joined(const std::vector<std::string>& items) {
 
 }  // namespace
 
-AddressList SplitAddressList(std::string_view list) {
+AddressList splitAddressList(std::string_view list) {
   if (list.empty()) return {};
   std::vector<std::string> addresses;
   std::vector<std::string> names;
   for (const std::string& piece : text::split(list, ";")) {
-    addresses.push_back(message::ExtractEmail(piece));
-    const std::string name = message::ExtractName(piece);
+    addresses.push_back(message::extractEmail(piece));
+    const std::string name = message::extractName(piece);
     names.push_back(name.empty() ? joined(addresses) : name);
   }
   return {joined(addresses), joined(names)};
 }
 
-std::string AddressesOf(std::string_view list) {
+std::string addressesOf(std::string_view list) {
   if (list.empty()) return {};
   std::vector<std::string> addresses;
-  for (const std::string& piece : text::split(list, ";")) addresses.push_back(message::ExtractEmail(piece));
+  for (const std::string& piece : text::split(list, ";")) addresses.push_back(message::extractEmail(piece));
   return joined(addresses);
 }
 
-std::string CutBccHeader(const std::string& text) {
+std::string cutBccHeader(const std::string& text) {
   const std::size_t bcc = text::findNoCase(text, "Bcc:");
   if (bcc == 0) return text;
   const std::size_t nextColon = text::find(text, ":", bcc + 5);
@@ -55,10 +55,10 @@ std::string CutBccHeader(const std::string& text) {
   return text::left(text, bcc - 1) + text::mid(text, lineEnd + 2);
 }
 
-std::string WireText(std::string text) {
-  RemoveCRLFFromEnd(text);
+std::string wireText(std::string text) {
+  removeCrLfFromEnd(text);
   std::erase(text, '\n');
-  return FormatMail(text::replaceAll(text, "\r", "\r\n"));
+  return formatMail(text::replaceAll(text, "\r", "\r\n"));
 }
 
 }  // namespace vonel::send

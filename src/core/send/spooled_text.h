@@ -13,17 +13,17 @@ struct AddressList {
 
 // Splits on ";": each piece gives its address and its name; a piece without a
 // name takes the addresses so far (its own included) as its name.
-AddressList SplitAddressList(std::string_view list);
+AddressList splitAddressList(std::string_view list);
 
-// The addresses of a ";" list, each through ExtractEmail, joined with ";".
-std::string AddressesOf(std::string_view list);
+// The addresses of a ";" list, each through extractEmail, joined with ";".
+std::string addressesOf(std::string_view list);
 
 // Cuts the first "Bcc:" header (any case) with its folded lines: up to the
 // last line end before the next ":". Left as it is when no ":" follows.
-std::string CutBccHeader(const std::string& text);
+std::string cutBccHeader(const std::string& text);
 
 // Trailing line ends off, every LF dropped, every CR made CR LF; then
-// FormatMail once.
-std::string WireText(std::string text);
+// formatMail once.
+std::string wireText(std::string text);
 
 }  // namespace vonel::send

@@ -7,6 +7,6 @@ namespace vonel::send {
 
 // At most 63 bytes; longer input gives empty text. Starts with the table
 // entry of the length; one byte in the last group adds "==", two add "=".
-std::string UUEncodeString(std::string_view text);
+std::string uuEncodeString(std::string_view text);
 
 }  // namespace vonel::send

@@ -8,67 +8,67 @@ namespace vonel {
 
 std::string accountKey(std::string_view name, int account) { return std::string(name) + std::to_string(account); }
 
-bool Account::polled() const { return !text::trimView(Server).empty(); }
+bool Account::polled() const { return !text::trimView(server).empty(); }
 
-Account readAccount(const cSHAREDSettings& settings, int n, AccountReader reader) {
+Account readAccount(const SettingsStore& settings, int n, AccountReader reader) {
   const bool unsetFlag = reader == AccountReader::Session;
-  auto text = [&](std::string_view name) { return settings.RetrieveSetting(accountKey(name, n), Value("")).text(); };
+  auto text = [&](std::string_view name) { return settings.get(accountKey(name, n), Value("")).text(); };
   auto flag = [&](std::string_view name, bool fallback) {
-    return settings.RetrieveSetting(accountKey(name, n), Value(fallback)).flag();
+    return settings.get(accountKey(name, n), Value(fallback)).flag();
   };
   auto number = [&](std::string_view name, int fallback) {
-    const double value = settings.RetrieveSetting(accountKey(name, n), Value(fallback)).numberOr(fallback);
+    const double value = settings.get(accountKey(name, n), Value(fallback)).numberOr(fallback);
     return value > 0 ? text::toWhole<int>(value) : fallback;
   };
 
   Account a;
   a.index = n;
-  a.Title = AccountTitle(settings, n);
-  a.Server = text("SERVER");
-  a.UserName = text("UNAME");
-  a.Password = Decrypt(text("PWD"));
-  a.Check = flag("CHECK", unsetFlag);
-  a.StopAtLast = flag("STOPATLAST", unsetFlag);
-  a.PopPort = number("POPPORT", 110);
-  a.Smtp = text("SMTP");
-  a.SmtpPort = number("SMTPPORT", 25);
-  a.SmtpAuth = flag("SMTPAuth", false);
-  a.SmtpUserName = text("SMTPUNAME");
-  a.SmtpPassword = Decrypt(text("SMTPPWD"));
-  a.ReplyAddress = text("REPLYADDRESS");
-  a.DisplayName = text("DISPLAYNAME");
-  a.Exclusive0 = settings.RetrieveSetting("EXCLUSIVE0_" + std::to_string(n), Value("")).text();
-  a.Exclusive1 = settings.RetrieveSetting("EXCLUSIVE1_" + std::to_string(n), Value("")).text();
+  a.title = accountTitle(settings, n);
+  a.server = text("SERVER");
+  a.userName = text("UNAME");
+  a.password = decrypt(text("PWD"));
+  a.check = flag("CHECK", unsetFlag);
+  a.stopAtLast = flag("STOPATLAST", unsetFlag);
+  a.popPort = number("POPPORT", 110);
+  a.smtp = text("SMTP");
+  a.smtpPort = number("SMTPPORT", 25);
+  a.smtpAuth = flag("SMTPAuth", false);
+  a.smtpUserName = text("SMTPUNAME");
+  a.smtpPassword = decrypt(text("SMTPPWD"));
+  a.replyAddress = text("REPLYADDRESS");
+  a.displayName = text("DISPLAYNAME");
+  a.exclusive0 = settings.get("EXCLUSIVE0_" + std::to_string(n), Value("")).text();
+  a.exclusive1 = settings.get("EXCLUSIVE1_" + std::to_string(n), Value("")).text();
   return a;
 }
 
-void writeAccount(cSHAREDSettings& settings, const Account& a) {
+void writeAccount(SettingsStore& settings, const Account& a) {
   const int n = a.index;
-  settings.StoreSetting(accountKey("TITLE", n), Value(a.Title));
-  settings.StoreSetting(accountKey("SERVER", n), Value(a.Server));
-  settings.StoreSetting(accountKey("UNAME", n), Value(a.UserName));
-  settings.StoreSetting(accountKey("PWD", n), Value(Encrypt(a.Password)));
-  settings.StoreSetting(accountKey("CHECK", n), Value(a.Check));
-  settings.StoreSetting(accountKey("STOPATLAST", n), Value(a.StopAtLast));
-  settings.StoreSetting(accountKey("POPPORT", n), Value(a.PopPort));
-  settings.StoreSetting(accountKey("SMTP", n), Value(a.Smtp));
-  settings.StoreSetting(accountKey("SMTPPORT", n), Value(a.SmtpPort));
-  settings.StoreSetting(accountKey("SMTPAuth", n), Value(a.SmtpAuth));
-  settings.StoreSetting(accountKey("SMTPUNAME", n), Value(a.SmtpUserName));
-  settings.StoreSetting(accountKey("SMTPPWD", n), Value(Encrypt(a.SmtpPassword)));
-  settings.StoreSetting(accountKey("REPLYADDRESS", n), Value(a.ReplyAddress));
-  settings.StoreSetting(accountKey("DISPLAYNAME", n), Value(a.DisplayName));
-  settings.StoreSetting("EXCLUSIVE0_" + std::to_string(n), Value(a.Exclusive0));
-  settings.StoreSetting("EXCLUSIVE1_" + std::to_string(n), Value(a.Exclusive1));
+  settings.set(accountKey("TITLE", n), Value(a.title));
+  settings.set(accountKey("SERVER", n), Value(a.server));
+  settings.set(accountKey("UNAME", n), Value(a.userName));
+  settings.set(accountKey("PWD", n), Value(encrypt(a.password)));
+  settings.set(accountKey("CHECK", n), Value(a.check));
+  settings.set(accountKey("STOPATLAST", n), Value(a.stopAtLast));
+  settings.set(accountKey("POPPORT", n), Value(a.popPort));
+  settings.set(accountKey("SMTP", n), Value(a.smtp));
+  settings.set(accountKey("SMTPPORT", n), Value(a.smtpPort));
+  settings.set(accountKey("SMTPAuth", n), Value(a.smtpAuth));
+  settings.set(accountKey("SMTPUNAME", n), Value(a.smtpUserName));
+  settings.set(accountKey("SMTPPWD", n), Value(encrypt(a.smtpPassword)));
+  settings.set(accountKey("REPLYADDRESS", n), Value(a.replyAddress));
+  settings.set(accountKey("DISPLAYNAME", n), Value(a.displayName));
+  settings.set("EXCLUSIVE0_" + std::to_string(n), Value(a.exclusive0));
+  settings.set("EXCLUSIVE1_" + std::to_string(n), Value(a.exclusive1));
 }
 
-std::string AccountTitle(const cSHAREDSettings& settings, int n) {
-  return settings.RetrieveSetting(accountKey("TITLE", n), Value("Account " + std::to_string(n + 1))).text();
+std::string accountTitle(const SettingsStore& settings, int n) {
+  return settings.get(accountKey("TITLE", n), Value("Account " + std::to_string(n + 1))).text();
 }
 
-int FirstAccount(const cSHAREDSettings& settings) {
+int firstAccount(const SettingsStore& settings) {
   for (int n = 0; n < kAccountCount; ++n) {
-    if (!settings.RetrieveSetting(accountKey("REPLYADDRESS", n), Value("")).text().empty()) return n;
+    if (!settings.get(accountKey("REPLYADDRESS", n), Value("")).text().empty()) return n;
   }
   return -1;
 }

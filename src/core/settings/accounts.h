@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/settings/settings.h"
+#include "core/settings/settings_store.h"
 
 namespace vonel {
 
@@ -20,41 +20,41 @@ enum class AccountReader { Session, Dialog };
 
 struct Account {
   int index = 0;
-  std::string Title;
-  std::string Server;
-  std::string UserName;
-  std::string Password;  // plain in memory, scrambled in the file
-  bool Check = true;
-  bool StopAtLast = true;
-  int PopPort = 110;
-  std::string Smtp;
-  int SmtpPort = 25;
-  bool SmtpAuth = false;
-  std::string SmtpUserName;
-  std::string SmtpPassword;
-  std::string ReplyAddress;
-  std::string DisplayName;
-  std::string Exclusive0;
-  std::string Exclusive1;
+  std::string title;
+  std::string server;
+  std::string userName;
+  std::string password;  // plain in memory, scrambled in the file
+  bool check = true;
+  bool stopAtLast = true;
+  int popPort = 110;
+  std::string smtp;
+  int smtpPort = 25;
+  bool smtpAuth = false;
+  std::string smtpUserName;
+  std::string smtpPassword;
+  std::string replyAddress;
+  std::string displayName;
+  std::string exclusive0;
+  std::string exclusive1;
 
-  bool inUse() const { return !ReplyAddress.empty(); }
+  bool inUse() const { return !replyAddress.empty(); }
   bool polled() const;
 };
 
-Account readAccount(const cSHAREDSettings& settings, int account, AccountReader reader);
-void writeAccount(cSHAREDSettings& settings, const Account& account);
+Account readAccount(const SettingsStore& settings, int account, AccountReader reader);
+void writeAccount(SettingsStore& settings, const Account& account);
 
 // The name shown for an account: TITLE<n>, or "Account " + (n+1).
-std::string AccountTitle(const cSHAREDSettings& settings, int account);
+std::string accountTitle(const SettingsStore& settings, int account);
 
 // The lowest account in use, or -1 when there is none.
-int FirstAccount(const cSHAREDSettings& settings);
+int firstAccount(const SettingsStore& settings);
 
 // Asks for a password the file doesn't hold.
 class PasswordPrompt {
  public:
   virtual ~PasswordPrompt() = default;
-  virtual std::string getpassword(std::string_view title, std::string_view prompt, bool& cancelled, bool& save) = 0;
+  virtual std::string askPassword(std::string_view title, std::string_view prompt, bool& cancelled, bool& save) = 0;
 };
 
 }  // namespace vonel

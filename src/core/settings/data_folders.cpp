@@ -1,66 +1,66 @@
 #include "core/settings/data_folders.h"
 
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/text/strings.h"
 
 namespace vonel {
 
-DataFolders::DataFolders(cSHAREDSettings& pathSettings, cSharedLogging& log, std::filesystem::path installFolder)
+DataFolders::DataFolders(SettingsStore& pathSettings, Log& log, std::filesystem::path installFolder)
     : pathSettings_(pathSettings), log_(log), installFolder_(std::move(installFolder)) {}
 
 std::filesystem::path DataFolders::readFolderKey(const char* key, const std::filesystem::path& fallback) {
-  std::string value = pathSettings_.RetrieveSetting(key, Value("")).text();
+  std::string value = pathSettings_.get(key, Value("")).text();
   // A blank key would put the data in whatever folder the program runs from.
-  if (text::trimView(value).empty()) value = files::TextFromPath(fallback);
+  if (text::trimView(value).empty()) value = files::textFromPath(fallback);
   // Exactly one trailing separator goes.
   if (value.size() > 1 && (value.back() == '\\' || value.back() == '/')) value.pop_back();
-  pathSettings_.StoreSetting(key, Value(value));
-  return files::PathFromText(value);
+  pathSettings_.set(key, Value(value));
+  return files::pathFromText(value);
 }
 
 void DataFolders::makeFolder(const std::filesystem::path& folder) {
-  if (!files::MkMissingDir(folder)) log_.AddAction("Unable to create folder " + files::TextFromPath(folder));
+  if (!files::mkMissingDir(folder)) log_.addAction("Unable to create folder " + files::textFromPath(folder));
 }
 
-void DataFolders::ReadMessageFolder() {
-  MessageFolderPath = readFolderKey("MessageFolder", installFolder_ / "Messages");
-  InboxFolderPath = MessageFolderPath / "Inbox";
-  OutboxFolderPath = MessageFolderPath / "Outbox";
-  SentFolderPath = MessageFolderPath / "Sent Items";
-  DeletedFolderPath = MessageFolderPath / "Deleted";
-  ArchiveFolderPath = MessageFolderPath / "Archive";
-  for (const auto& folder : {MessageFolderPath, SentFolderPath, InboxFolderPath, OutboxFolderPath, DeletedFolderPath,
-                             ArchiveFolderPath, MessageFolderPath / "SpamBayes",
-                             MessageFolderPath / "SpamBayes" / "BayesOld"}) {
+void DataFolders::readMessageFolder() {
+  messageFolderPath = readFolderKey("MessageFolder", installFolder_ / "Messages");
+  inboxFolderPath = messageFolderPath / "Inbox";
+  outboxFolderPath = messageFolderPath / "Outbox";
+  sentFolderPath = messageFolderPath / "Sent Items";
+  deletedFolderPath = messageFolderPath / "Deleted";
+  archiveFolderPath = messageFolderPath / "Archive";
+  for (const auto& folder : {messageFolderPath, sentFolderPath, inboxFolderPath, outboxFolderPath, deletedFolderPath,
+                             archiveFolderPath, messageFolderPath / "SpamBayes",
+                             messageFolderPath / "SpamBayes" / "BayesOld"}) {
     makeFolder(folder);
   }
 }
 
-void DataFolders::ReadFilterFolder() {
-  FilterFolderPath = readFolderKey("FilterFolder", installFolder_);
-  makeFolder(FilterFolderPath);
+void DataFolders::readFilterFolder() {
+  filterFolderPath = readFolderKey("FilterFolder", installFolder_);
+  makeFolder(filterFolderPath);
 }
 
-void DataFolders::ReadDataFolder() {
-  DataFolderPath = readFolderKey("DataFolder", installFolder_);
-  FolderNamesIni = DataFolderPath / "foldernames.ini";
-  FolderListIni = DataFolderPath / "folderlist.ini";
-  makeFolder(DataFolderPath);
+void DataFolders::readDataFolder() {
+  dataFolderPath = readFolderKey("DataFolder", installFolder_);
+  folderNamesIni = dataFolderPath / "foldernames.ini";
+  folderListIni = dataFolderPath / "folderlist.ini";
+  makeFolder(dataFolderPath);
 }
 
-void DataFolders::SetMessageFolder(const std::filesystem::path& folder) {
-  pathSettings_.StoreSetting("MessageFolder", Value(files::TextFromPath(folder)));
-  ReadMessageFolder();
+void DataFolders::setMessageFolder(const std::filesystem::path& folder) {
+  pathSettings_.set("MessageFolder", Value(files::textFromPath(folder)));
+  readMessageFolder();
 }
 
-void DataFolders::SetFilterFolder(const std::filesystem::path& folder) {
-  pathSettings_.StoreSetting("FilterFolder", Value(files::TextFromPath(folder)));
-  ReadFilterFolder();
+void DataFolders::setFilterFolder(const std::filesystem::path& folder) {
+  pathSettings_.set("FilterFolder", Value(files::textFromPath(folder)));
+  readFilterFolder();
 }
 
-void DataFolders::SetDataFolder(const std::filesystem::path& folder) {
-  pathSettings_.StoreSetting("DataFolder", Value(files::TextFromPath(folder)));
-  ReadDataFolder();
+void DataFolders::setDataFolder(const std::filesystem::path& folder) {
+  pathSettings_.set("DataFolder", Value(files::textFromPath(folder)));
+  readDataFolder();
 }
 
 }  // namespace vonel

@@ -5,41 +5,41 @@
 // into the paths settings and creates its folders.
 #include <filesystem>
 
-#include "core/log/logging.h"
-#include "core/settings/settings.h"
+#include "core/log/log.h"
+#include "core/settings/settings_store.h"
 
 namespace vonel {
 
 class DataFolders {
  public:
-  DataFolders(cSHAREDSettings& pathSettings, cSharedLogging& log, std::filesystem::path installFolder);
+  DataFolders(SettingsStore& pathSettings, Log& log, std::filesystem::path installFolder);
 
-  void ReadMessageFolder();
-  void ReadFilterFolder();
-  void ReadDataFolder();
-  void SetMessageFolder(const std::filesystem::path& folder);
-  void SetFilterFolder(const std::filesystem::path& folder);
-  void SetDataFolder(const std::filesystem::path& folder);
+  void readMessageFolder();
+  void readFilterFolder();
+  void readDataFolder();
+  void setMessageFolder(const std::filesystem::path& folder);
+  void setFilterFolder(const std::filesystem::path& folder);
+  void setDataFolder(const std::filesystem::path& folder);
 
   const std::filesystem::path& installFolder() const { return installFolder_; }
 
-  std::filesystem::path MessageFolderPath;
-  std::filesystem::path InboxFolderPath;
-  std::filesystem::path OutboxFolderPath;
-  std::filesystem::path SentFolderPath;
-  std::filesystem::path DeletedFolderPath;
-  std::filesystem::path ArchiveFolderPath;
-  std::filesystem::path FilterFolderPath;
-  std::filesystem::path DataFolderPath;
-  std::filesystem::path FolderNamesIni;
-  std::filesystem::path FolderListIni;
+  std::filesystem::path messageFolderPath;
+  std::filesystem::path inboxFolderPath;
+  std::filesystem::path outboxFolderPath;
+  std::filesystem::path sentFolderPath;
+  std::filesystem::path deletedFolderPath;
+  std::filesystem::path archiveFolderPath;
+  std::filesystem::path filterFolderPath;
+  std::filesystem::path dataFolderPath;
+  std::filesystem::path folderNamesIni;
+  std::filesystem::path folderListIni;
 
  private:
   std::filesystem::path readFolderKey(const char* key, const std::filesystem::path& fallback);
   void makeFolder(const std::filesystem::path& folder);
 
-  cSHAREDSettings& pathSettings_;
-  cSharedLogging& log_;
+  SettingsStore& pathSettings_;
+  Log& log_;
   std::filesystem::path installFolder_;
 };
 

@@ -55,13 +55,13 @@ std::optional<unsigned char> decodeEntity(std::string_view name) {
 
 }  // namespace
 
-std::string Encrypt(std::string_view plain) {
+std::string encrypt(std::string_view plain) {
   std::string out = escape(plain);
   for (char& c : out) c = static_cast<char>(static_cast<unsigned char>(c) + kShift);
   return out;
 }
 
-std::string Decrypt(std::string_view scrambled) {
+std::string decrypt(std::string_view scrambled) {
   if (scrambled.empty()) return {};
   if (static_cast<unsigned char>(scrambled.front()) < kFirstScrambledByte) return std::string(scrambled);
   std::string shifted(scrambled);

@@ -6,7 +6,7 @@
 
 namespace vonel {
 
-std::string Encrypt(std::string_view plain);
-std::string Decrypt(std::string_view scrambled);
+std::string encrypt(std::string_view plain);
+std::string decrypt(std::string_view scrambled);
 
 }  // namespace vonel

@@ -65,7 +65,7 @@ class PieceFields {
 
   bool present(Field field) const { return state_[field] != State::Absent; }
   std::string text(Field field) const {
-    return state_[field] == State::Plain ? HtmlDecode(value_[field]) : HtmlDecode(extracted(field));
+    return state_[field] == State::Plain ? htmlDecode(value_[field]) : htmlDecode(extracted(field));
   }
   double number(Field field) const {
     return state_[field] == State::Plain ? text::val(value_[field]) : text::val(extracted(field));
@@ -87,7 +87,7 @@ class PieceFields {
   std::string extracted(Field field) const {
     if (state_[field] == State::Absent) return {};
     const std::string name(kFieldNames[field]);
-    return ExtractBetweenTags(piece_, "<" + name + ">", "</" + name + ">");
+    return extractBetweenTags(piece_, "<" + name + ">", "</" + name + ">");
   }
 
   std::string_view piece_;
@@ -97,23 +97,23 @@ class PieceFields {
 
 CachedMessage readPiece(const PieceFields& fields, const fs::path& file) {
   CachedMessage m;
-  m.Filename = message::PathInReadCase(file.string(), true);
-  m.Bayes = static_cast<float>(fields.number(kBayes));
-  m.ReceiveDate = fields.text(kReceiveDate);
-  m.SendDate = fields.text(kSendDate);
-  m.Size = static_cast<float>(fields.number(kSize));
+  m.filename = message::pathInReadCase(file.string(), true);
+  m.bayes = static_cast<float>(fields.number(kBayes));
+  m.receiveDate = fields.text(kReceiveDate);
+  m.sendDate = fields.text(kSendDate);
+  m.size = static_cast<float>(fields.number(kSize));
   if (fields.present(kFiledate)) {
-    if (const auto date = text::parseStoreDate(fields.text(kFiledate))) m.FileDate = *date;
+    if (const auto date = text::parseStoreDate(fields.text(kFiledate))) m.fileDate = *date;
   }
-  m.Read = fields.flag(kRead);
-  m.Replied = fields.flag(kReplied);
-  m.HighPriority = fields.flag(kHighPriority);
-  m.HasAttachment = fields.flag(kHasAttachment);
-  m.From = fields.text(kFrom);
-  m.Subject = fields.text(kSubject);
-  m.To_Email = fields.text(kTo);
-  m.MessageID = fields.text(kMessageId);
-  m.Tags = fields.text(kTags);
+  m.read = fields.flag(kRead);
+  m.replied = fields.flag(kReplied);
+  m.highPriority = fields.flag(kHighPriority);
+  m.hasAttachment = fields.flag(kHasAttachment);
+  m.from = fields.text(kFrom);
+  m.subject = fields.text(kSubject);
+  m.toEmail = fields.text(kTo);
+  m.messageId = fields.text(kMessageId);
+  m.tags = fields.text(kTags);
   return m;
 }
 
@@ -129,22 +129,22 @@ std::string_view messagesSection(std::string_view text, std::string& edited) {
   const std::string_view inner =
       text.substr(start + kOpen.size(), end == std::string_view::npos ? std::string_view::npos : end - start - kOpen.size());
   if (findNoCaseAt(inner, kOpen, 0) == std::string_view::npos) return inner;
-  edited = ExtractBetweenTags(text, kOpen, kClose);
+  edited = extractBetweenTags(text, kOpen, kClose);
   return edited;
 }
 
 }  // namespace
 
-double CacheFileVersion(std::string_view text) {
+double cacheFileVersion(std::string_view text) {
   // The writer never closed this element, so the extraction runs to the end of
   // the file; the number in it ends at the first line end all the same, and
   // looking only that far keeps a big file from being copied for it.
   const std::size_t start = findNoCaseAt(text, kVersionOpen, 0);
   if (start == std::string_view::npos) return 0;
-  return ExtractFloat(text.substr(0, text.find('\r', start)), kVersionOpen, kVersionClose);
+  return extractFloat(text.substr(0, text.find('\r', start)), kVersionOpen, kVersionClose);
 }
 
-fs::path RebaseCachedPath(std::string_view listed, const fs::path& storeRoot) {
+fs::path rebaseCachedPath(std::string_view listed, const fs::path& storeRoot) {
   std::string_view relative = listed;
   const std::string root = storeRoot.string();
   std::size_t at = root.empty() ? std::string_view::npos : findNoCaseAt(listed, root, 0);
@@ -171,9 +171,9 @@ fs::path RebaseCachedPath(std::string_view listed, const fs::path& storeRoot) {
   return storeRoot / fs::path(portable);
 }
 
-bool ReadCacheText(std::string_view text, const fs::path& storeRoot, const FileExistsTest& exists,
+bool readCacheText(std::string_view text, const fs::path& storeRoot, const FileExistsTest& exists,
                    const CachedMessageSink& add) {
-  if (CacheFileVersion(text) < kCacheVersion) return false;
+  if (cacheFileVersion(text) < kCacheVersion) return false;
   std::string edited;
   const std::string_view all = messagesSection(text, edited);
   constexpr std::string_view kEnd = "</MESSAGE>";
@@ -184,35 +184,35 @@ bool ReadCacheText(std::string_view text, const fs::path& storeRoot, const FileE
     const std::string_view piece = all.substr(start, end - start);
     if (findNoCaseAt(piece, "<MESSAGE>", 0) == std::string_view::npos) continue;
     const PieceFields fields(piece);
-    const fs::path file = RebaseCachedPath(fields.text(kFilename), storeRoot);
+    const fs::path file = rebaseCachedPath(fields.text(kFilename), storeRoot);
     if (exists(file)) add(readPiece(fields, file));
   }
   return true;
 }
 
-std::string_view CacheFileHead() {
+std::string_view cacheFileHead() {
   return "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\r\n<VONELCACHE>\r\n\t<CACHEVER>3<CACHEVER>\r\n\t<MESSAGES>\r\n";
 }
 
-std::string_view CacheFileTail() { return "\t</MESSAGES>\r\n</VONELCACHE>\r\n"; }
+std::string_view cacheFileTail() { return "\t</MESSAGES>\r\n</VONELCACHE>\r\n"; }
 
-void AppendCacheElement(std::string& out, const CachedMessage& m, const std::optional<text::DateTime>& fileDate) {
+void appendCacheElement(std::string& out, const CachedMessage& m, const std::optional<text::DateTime>& fileDate) {
   out.append("\t<MESSAGE>\r\n");
-  appendElement(out, "Filename", HtmlEncode(m.PathInReadCase()));
-  appendElement(out, "SIZE", numberForm(m.Size));
-  if (m.Bayes != 0.0f) appendElement(out, "Bayes", numberForm(m.Bayes));
-  if (fileDate) appendElement(out, "Filedate", HtmlEncode(text::formatStoreDate(*fileDate)));
-  appendElement(out, "SendDate", HtmlEncode(m.SendDate));
-  appendElement(out, "ReceiveDate", HtmlEncode(m.ReceiveDate));
-  appendFlag(out, "Read", m.Read);
-  appendFlag(out, "Replied", m.Replied);
-  appendFlag(out, "HighPriority", m.HighPriority);
-  appendFlag(out, "HasAttachment", m.HasAttachment);
-  appendElement(out, "From", HtmlEncode(m.From));
-  appendElement(out, "To", HtmlEncode(m.To_Email));
-  appendElement(out, "MessageID", HtmlEncode(m.MessageID));
-  if (!m.Tags.empty()) appendElement(out, "Tags", HtmlEncode(m.Tags));
-  appendElement(out, "Subject", HtmlEncode(m.Subject));
+  appendElement(out, "Filename", htmlEncode(m.pathInReadCase()));
+  appendElement(out, "SIZE", numberForm(m.size));
+  if (m.bayes != 0.0f) appendElement(out, "Bayes", numberForm(m.bayes));
+  if (fileDate) appendElement(out, "Filedate", htmlEncode(text::formatStoreDate(*fileDate)));
+  appendElement(out, "SendDate", htmlEncode(m.sendDate));
+  appendElement(out, "ReceiveDate", htmlEncode(m.receiveDate));
+  appendFlag(out, "Read", m.read);
+  appendFlag(out, "Replied", m.replied);
+  appendFlag(out, "HighPriority", m.highPriority);
+  appendFlag(out, "HasAttachment", m.hasAttachment);
+  appendElement(out, "From", htmlEncode(m.from));
+  appendElement(out, "To", htmlEncode(m.toEmail));
+  appendElement(out, "MessageID", htmlEncode(m.messageId));
+  if (!m.tags.empty()) appendElement(out, "Tags", htmlEncode(m.tags));
+  appendElement(out, "Subject", htmlEncode(m.subject));
   out.append("\t</MESSAGE>\r\n");
 }
 

@@ -16,7 +16,7 @@ namespace vonel::store {
 inline constexpr int kCacheVersion = 3;
 
 // The numeric value of the version element.
-double CacheFileVersion(std::string_view text);
+double cacheFileVersion(std::string_view text);
 
 // Where a listed message file lies now: the path rebased onto the store root
 // (through the root itself or the "messages" folder), with its name folded to
@@ -27,17 +27,17 @@ using FileExistsTest = std::function<bool(const std::filesystem::path&)>;
 // nothing handed, when the file's version is too old. Pieces that can't be
 // read are skipped.
 using CachedMessageSink = std::function<void(CachedMessage&&)>;
-bool ReadCacheText(std::string_view text, const std::filesystem::path& storeRoot, const FileExistsTest& exists,
+bool readCacheText(std::string_view text, const std::filesystem::path& storeRoot, const FileExistsTest& exists,
                    const CachedMessageSink& add);
 
 // The path of a listed file on this store: the store root joined with what
 // follows the old root or the "messages" folder in it.
-std::filesystem::path RebaseCachedPath(std::string_view listed, const std::filesystem::path& storeRoot);
+std::filesystem::path rebaseCachedPath(std::string_view listed, const std::filesystem::path& storeRoot);
 
 // One message's element, as the writer lays it out. `fileDate` is the time
 // of the file on disk; none leaves the element out.
-void AppendCacheElement(std::string& out, const CachedMessage& message, const std::optional<text::DateTime>& fileDate);
-std::string_view CacheFileHead();
-std::string_view CacheFileTail();
+void appendCacheElement(std::string& out, const CachedMessage& message, const std::optional<text::DateTime>& fileDate);
+std::string_view cacheFileHead();
+std::string_view cacheFileTail();
 
 }  // namespace vonel::store

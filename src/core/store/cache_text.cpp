@@ -33,7 +33,7 @@ std::string withoutTag(std::string_view text, std::string_view tag) {
 
 }  // namespace
 
-std::string HtmlEncode(std::string_view text) {
+std::string htmlEncode(std::string_view text) {
   static constexpr char kHex[] = "0123456789ABCDEF";
   std::string out;
   out.reserve(text.size() + text.size() / 2);
@@ -50,7 +50,7 @@ std::string HtmlEncode(std::string_view text) {
   return out;
 }
 
-std::string HtmlDecode(std::string_view text) {
+std::string htmlDecode(std::string_view text) {
   if (text.find('%') == std::string_view::npos) return std::string(text);
   std::string out;
   out.reserve(text.size());
@@ -67,7 +67,7 @@ std::string HtmlDecode(std::string_view text) {
   return out;
 }
 
-std::string ExtractBetweenTags(std::string_view text, std::string_view open, std::string_view close) {
+std::string extractBetweenTags(std::string_view text, std::string_view open, std::string_view close) {
   const std::size_t start = findNoCaseAt(text, open, 0);
   if (start == std::string_view::npos) return {};
   const std::size_t end = findNoCaseAt(text, close, start);
@@ -76,16 +76,16 @@ std::string ExtractBetweenTags(std::string_view text, std::string_view open, std
   return withoutTag(withoutTag(inner, open), close);
 }
 
-double ExtractFloat(std::string_view text, std::string_view open, std::string_view close) {
-  return text::val(ExtractBetweenTags(text, open, close));
+double extractFloat(std::string_view text, std::string_view open, std::string_view close) {
+  return text::val(extractBetweenTags(text, open, close));
 }
 
-bool ExtractBool(std::string_view text, std::string_view open, std::string_view close) {
-  return ExtractBetweenTags(text, open, close) == "-1";
+bool extractBool(std::string_view text, std::string_view open, std::string_view close) {
+  return extractBetweenTags(text, open, close) == "-1";
 }
 
-std::string ExtractString(std::string_view text, std::string_view open, std::string_view close) {
-  return HtmlDecode(ExtractBetweenTags(text, open, close));
+std::string extractString(std::string_view text, std::string_view open, std::string_view close) {
+  return htmlDecode(extractBetweenTags(text, open, close));
 }
 
 }  // namespace vonel::store

@@ -10,16 +10,16 @@ namespace vonel::store {
 
 // Letters, digits and ":" "." "," "?" stay; every other byte becomes "%" and
 // two upper-case hex digits.
-std::string HtmlEncode(std::string_view text);
+std::string htmlEncode(std::string_view text);
 // The reverse, forgiving: a "%" without two characters after it stays.
-std::string HtmlDecode(std::string_view text);
+std::string htmlDecode(std::string_view text);
 
 // From the first `open` (any case) up to the first `close` after it, or to
 // the end; every occurrence of both tags deleted. Empty when `open` is absent.
-std::string ExtractBetweenTags(std::string_view text, std::string_view open, std::string_view close);
-double ExtractFloat(std::string_view text, std::string_view open, std::string_view close);
+std::string extractBetweenTags(std::string_view text, std::string_view open, std::string_view close);
+double extractFloat(std::string_view text, std::string_view open, std::string_view close);
 // True only for "-1".
-bool ExtractBool(std::string_view text, std::string_view open, std::string_view close);
-std::string ExtractString(std::string_view text, std::string_view open, std::string_view close);
+bool extractBool(std::string_view text, std::string_view open, std::string_view close);
+std::string extractString(std::string_view text, std::string_view open, std::string_view close);
 
 }  // namespace vonel::store

@@ -2,48 +2,48 @@
 
 namespace vonel::store {
 
-CachedMessage CachedMessage::from(const message::clsMessage& m) {
+CachedMessage CachedMessage::of(const message::Message& m) {
   CachedMessage c;
-  c.Filename = m.Filename();
-  c.Size = m.Size;
-  c.Bayes = m.Bayes;
-  c.FileDate = m.FileDate;
-  c.SendDate = m.SendDate;
-  c.ReceiveDate = m.ReceiveDate;
-  c.From = m.From;
-  c.To_Email = m.To_Email();
-  c.MessageID = m.MessageID;
-  c.Tags = m.Tags();
-  c.Subject = m.Subject;
-  c.Read = m.Read;
-  c.Replied = m.Replied;
-  c.HighPriority = m.HighPriority;
-  c.HasAttachment = m.HasAttachment;
+  c.filename = m.filename();
+  c.size = m.size;
+  c.bayes = m.bayes;
+  c.fileDate = m.fileDate;
+  c.sendDate = m.sendDate;
+  c.receiveDate = m.receiveDate;
+  c.from = m.from;
+  c.toEmail = m.toEmail();
+  c.messageId = m.messageId;
+  c.tags = m.tags();
+  c.subject = m.subject;
+  c.read = m.read;
+  c.replied = m.replied;
+  c.highPriority = m.highPriority;
+  c.hasAttachment = m.hasAttachment;
   return c;
 }
 
-message::clsMessage CachedMessage::toMessage() const {
-  message::clsMessage m;
-  m.HeaderOnly = true;
-  m.setFilename(Filename);
-  m.Size = Size;
-  m.Bayes = Bayes;
-  m.FileDate = FileDate;
-  m.SendDate = SendDate;
-  m.ReceiveDate = ReceiveDate;
-  m.From = From;
-  m.setTo_Email(To_Email);
-  m.MessageID = MessageID;
-  m.setTags(Tags);
-  m.Subject = Subject;
-  m.Read = Read;
-  m.Replied = Replied;
-  m.HighPriority = HighPriority;
-  m.HasAttachment = HasAttachment;
+message::Message CachedMessage::toMessage() const {
+  message::Message m;
+  m.headerOnly = true;
+  m.setFilename(filename);
+  m.size = size;
+  m.bayes = bayes;
+  m.fileDate = fileDate;
+  m.sendDate = sendDate;
+  m.receiveDate = receiveDate;
+  m.from = from;
+  m.setToEmail(toEmail);
+  m.messageId = messageId;
+  m.setTags(tags);
+  m.subject = subject;
+  m.read = read;
+  m.replied = replied;
+  m.highPriority = highPriority;
+  m.hasAttachment = hasAttachment;
   return m;
 }
 
-std::string MessageKey(std::string_view path) {
+std::string messageKey(std::string_view path) {
   const std::size_t nameStart = path.find_last_of("\\/") + 1;  // npos + 1 is 0
   return std::string(path.substr(nameStart));
 }

@@ -9,30 +9,30 @@
 namespace vonel::store {
 
 struct CachedMessage {
-  std::string Filename;  // the path as stored; its name's case is not the read state
-  float Size = 0.0f;
-  float Bayes = 0.0f;
-  text::DateTime FileDate;
-  std::string SendDate;
-  std::string ReceiveDate;
-  std::string From;
-  std::string To_Email;
-  std::string MessageID;
-  std::string Tags;
-  std::string Subject;
-  bool Read = false;
-  bool Replied = false;
-  bool HighPriority = false;
-  bool HasAttachment = false;
+  std::string filename;  // the path as stored; its name's case is not the read state
+  float size = 0.0f;
+  float bayes = 0.0f;
+  text::DateTime fileDate;
+  std::string sendDate;
+  std::string receiveDate;
+  std::string from;
+  std::string toEmail;
+  std::string messageId;
+  std::string tags;
+  std::string subject;
+  bool read = false;
+  bool replied = false;
+  bool highPriority = false;
+  bool hasAttachment = false;
 
-  static CachedMessage from(const message::clsMessage& message);
+  static CachedMessage of(const message::Message& message);
   // A header-only message with the kept fields filled in.
-  message::clsMessage toMessage() const;
+  message::Message toMessage() const;
   // The path with the name in the case of the read state, as a message gives it.
-  std::string PathInReadCase() const { return message::PathInReadCase(Filename, Read); }
+  std::string pathInReadCase() const { return message::pathInReadCase(filename, read); }
 };
 
 // The name part of a path: the cache's key for a message, compared ignoring case.
-std::string MessageKey(std::string_view path);
+std::string messageKey(std::string_view path);
 
 }  // namespace vonel::store

@@ -8,8 +8,8 @@
 #include <sys/stat.h>
 #endif
 
-#include "core/services/clock.h"
-#include "core/services/file_subs.h"
+#include "core/time/clock.h"
+#include "core/files/files.h"
 #include "core/text/strings.h"
 
 namespace vonel::store {
@@ -26,7 +26,7 @@ bool isMessageName(std::string_view name) {
 }  // namespace
 
 #ifdef _WIN32
-std::vector<ListedFile> ListMessageFiles(const fs::path& folder) {
+std::vector<ListedFile> listMessageFiles(const fs::path& folder) {
   // The directory entries of this system carry the times, so no file is looked at.
   std::vector<ListedFile> files;
   std::error_code ec;
@@ -37,10 +37,10 @@ std::vector<ListedFile> ListMessageFiles(const fs::path& folder) {
     const auto written = it->last_write_time(statError);
     if (statError) continue;  // gone between the listing and the look
     std::string key = text::upper(name);
-    files.push_back({std::move(name), std::move(key), files::LocalFileTime(written)});
+    files.push_back({std::move(name), std::move(key), files::localFileTime(written)});
   }
 #else
-std::vector<ListedFile> ListMessageFiles(const fs::path& folder) {
+std::vector<ListedFile> listMessageFiles(const fs::path& folder) {
   std::vector<ListedFile> files;
   DIR* directory = ::opendir(folder.c_str());
   if (directory == nullptr) return files;

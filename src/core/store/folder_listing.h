@@ -17,6 +17,6 @@ struct ListedFile {
 
 // The files whose name ends in ".eml" in any case, sorted by name ignoring
 // case. A folder that can't be read gives none.
-std::vector<ListedFile> ListMessageFiles(const std::filesystem::path& folder);
+std::vector<ListedFile> listMessageFiles(const std::filesystem::path& folder);
 
 }  // namespace vonel::store

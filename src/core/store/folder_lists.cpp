@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/text/shared_text.h"
 #include "core/text/strings.h"
 
@@ -31,7 +31,7 @@ std::vector<std::string> listFolders(const fs::path& root) {
 
 }  // namespace
 
-std::vector<std::string> ListStoreFolders(const fs::path& root) {
+std::vector<std::string> listStoreFolders(const fs::path& root) {
   auto paths = listFolders(root);
   // The same order the old neighbour-exchange sort gave: ascending by byte.
   std::sort(paths.begin(), paths.end());
@@ -56,30 +56,30 @@ std::string folderNamesText(const std::vector<std::string>& paths) {
 
 }  // namespace
 
-void GenerateFolderIni(cSharedLogging& log, const DataFolders& folders) {
+void generateFolderIni(Log& log, const DataFolders& folders) {
   guardedStep(log, "GenerateFolderIni", kModule, [&] {
-    const auto paths = ListStoreFolders(folders.MessageFolderPath);
+    const auto paths = listStoreFolders(folders.messageFolderPath);
     std::string list;
     for (const std::string& path : paths) list += path + "\r\n";
-    files::WriteTextFile(folders.FolderNamesIni, folderNamesText(paths));
-    files::WriteTextFile(folders.FolderListIni, list);
+    files::writeTextFile(folders.folderNamesIni, folderNamesText(paths));
+    files::writeTextFile(folders.folderListIni, list);
   });
 }
 
-std::vector<std::string> FillMailFolders(cSharedLogging& log, const DataFolders& folders) {
+std::vector<std::string> fillMailFolders(Log& log, const DataFolders& folders) {
   std::vector<std::string> result;
   guardedStep(log, "FillMailFolders", kModule, [&] {
-    if (!files::FileExists(folders.FolderListIni)) GenerateFolderIni(log, folders);
-    for (std::string& line : text::split(files::LoadTextFile(folders.FolderListIni), "\r\n")) {
+    if (!files::fileExists(folders.folderListIni)) generateFolderIni(log, folders);
+    for (std::string& line : text::split(files::loadTextFile(folders.folderListIni), "\r\n")) {
       if (!text::trim(line).empty()) result.push_back(std::move(line));
     }
   });
   return result;
 }
 
-FolderChoices FillFolderCombo(cSharedLogging& log, const DataFolders& folders) {
+FolderChoices fillFolderCombo(Log& log, const DataFolders& folders) {
   FolderChoices choices;
-  for (const std::string& folder : FillMailFolders(log, folders)) {
+  for (const std::string& folder : fillMailFolders(log, folders)) {
     if (folder == "Outbox\\") continue;
     choices.items.push_back("\\" + folder);
     if (choices.items.back() == "\\Inbox\\") choices.selected = static_cast<int>(choices.items.size()) - 1;
@@ -87,21 +87,21 @@ FolderChoices FillFolderCombo(cSharedLogging& log, const DataFolders& folders) {
   return choices;
 }
 
-fs::path StoreFolder(const fs::path& root, std::string_view relative) {
+fs::path storeFolder(const fs::path& root, std::string_view relative) {
   fs::path folder = root;
   for (const std::string& piece : text::split(relative, "\\")) {
-    if (!piece.empty()) folder = files::ResolveAnyCase(folder, piece);
+    if (!piece.empty()) folder = files::resolveAnyCase(folder, piece);
   }
   return folder;
 }
 
-std::string MakeNewFolder(cSharedLogging& log, const DataFolders& folders, std::string_view parent, std::string& name) {
-  text::RemoveNonAlphaNumeric(name);
+std::string makeNewFolder(Log& log, const DataFolders& folders, std::string_view parent, std::string& name) {
+  text::removeNonAlphaNumeric(name);
   if (name.empty()) return "Please enter a folder name";
-  const fs::path parentFolder = StoreFolder(folders.MessageFolderPath, parent);
-  if (files::FindAnyCase(parentFolder, name)) return "There's already a folder called " + name + ".  Please try again.";
-  if (!files::MkMissingDir(parentFolder / name)) {
-    log.AddAction("Can't make folder " + (parentFolder / name).string(), "MakeNewFolder", kModule);
+  const fs::path parentFolder = storeFolder(folders.messageFolderPath, parent);
+  if (files::findAnyCase(parentFolder, name)) return "There's already a folder called " + name + ".  Please try again.";
+  if (!files::mkMissingDir(parentFolder / name)) {
+    log.addAction("Can't make folder " + (parentFolder / name).string(), "MakeNewFolder", kModule);
     return "Can't make the folder " + (parentFolder / name).string() + ".";
   }
   return {};

@@ -2,7 +2,7 @@
 
 #include "core/message/attachment_files.h"
 #include "core/message/message_file.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/store/folder_lists.h"
 #include "core/store/tag_files.h"
 
@@ -16,35 +16,35 @@ constexpr std::string_view kModule = "frmMain";
 constexpr std::size_t kLongestName = 50;
 constexpr std::size_t kShortenedName = 35;
 
-fs::path targetFolder(const AppContext& context, const message::clsMessage& message) {
-  if (message.DestFolder.empty()) return context.folders.InboxFolderPath;
-  return StoreFolder(context.folders.MessageFolderPath, message.DestFolder);
+fs::path targetFolder(const AppContext& context, const message::Message& message) {
+  if (message.destFolder.empty()) return context.folders.inboxFolderPath;
+  return storeFolder(context.folders.messageFolderPath, message.destFolder);
 }
 
 // The inbox path is left as it was; only the root moves to the program's folder.
-fs::path madeTargetFolder(AppContext& context, const message::clsMessage& message) {
+fs::path madeTargetFolder(AppContext& context, const message::Message& message) {
   fs::path folder = targetFolder(context, message);
-  files::MkMissingDir(folder);
-  if (files::FolderExists(folder)) return folder;
+  files::mkMissingDir(folder);
+  if (files::folderExists(folder)) return folder;
   const fs::path fallbackRoot = context.installFolder() / "Messages";
-  context.prompt.ask("Cannot find mail folder: " + files::TextFromPath(context.folders.MessageFolderPath) +
-                         ". Mail will be saved to " + files::TextFromPath(context.installFolder()) + " instead.",
+  context.prompt.ask("Cannot find mail folder: " + files::textFromPath(context.folders.messageFolderPath) +
+                         ". Mail will be saved to " + files::textFromPath(context.installFolder()) + " instead.",
                      Buttons::Ok, "Vonel");
-  context.folders.MessageFolderPath = fallbackRoot;
-  files::MkMissingDir(fallbackRoot);
+  context.folders.messageFolderPath = fallbackRoot;
+  files::mkMissingDir(fallbackRoot);
   folder = targetFolder(context, message);
-  files::MkMissingDir(folder);
-  if (!files::FolderExists(folder)) throw AppError(76, "Path not found: " + files::TextFromPath(folder));
+  files::mkMissingDir(folder);
+  if (!files::folderExists(folder)) throw AppError(76, "Path not found: " + files::textFromPath(folder));
   return folder;
 }
 
-void saveRequestedAttachments(AppContext& context, const message::clsMessage& message) {
-  if (message.AttachmentsFolder.empty()) return;
-  const fs::path folder = files::PathFromText(message.AttachmentsFolder);
-  if (files::FolderExists(folder)) {
-    message::SaveAllAttachmentsNoUserInput(message, folder, &context.log);
+void saveRequestedAttachments(AppContext& context, const message::Message& message) {
+  if (message.attachmentsFolder.empty()) return;
+  const fs::path folder = files::pathFromText(message.attachmentsFolder);
+  if (files::folderExists(folder)) {
+    message::saveAllAttachmentsNoUserInput(message, folder, &context.log);
   } else {
-    context.log.AddAction("Filter calls for save all attachments, but folder " + message.AttachmentsFolder +
+    context.log.addAction("Filter calls for save all attachments, but folder " + message.attachmentsFolder +
                               " does not exist.",
                           "fGetMail_MessageReceived", kModule);
   }
@@ -52,28 +52,28 @@ void saveRequestedAttachments(AppContext& context, const message::clsMessage& me
 
 }  // namespace
 
-StoredMessage SaveReceivedMessage(AppContext& context, message::clsMessage& message) {
+StoredMessage saveReceivedMessage(AppContext& context, message::Message& message) {
   StoredMessage stored;
   stored.folder = madeTargetFolder(context, message);
-  const std::string_view subject = message.Subject;
+  const std::string_view subject = message.subject;
   const std::string_view name = subject.size() > kLongestName ? subject.substr(0, kShortenedName) : subject;
-  stored.file = message::GetUnusedFilename(message.Read, stored.folder, name, ".eml", context.clock);
-  files::MkMissingDir(stored.folder);
+  stored.file = message::getUnusedFilename(message.read, stored.folder, name, ".eml", context.clock);
+  files::mkMissingDir(stored.folder);
   message.setFilename(stored.file.string());
-  files::WriteTextFile(stored.file, message.RawMessage());
-  context.log.AddAction(files::TextFromPath(stored.file) + " saved", "fGetMail_MessageReceived", kModule);
+  files::writeTextFile(stored.file, message.rawMessage());
+  context.log.addAction(files::textFromPath(stored.file) + " saved", "fGetMail_MessageReceived", kModule);
   saveRequestedAttachments(context, message);
   return stored;
 }
 
-void AnnounceNewMessage(AppContext& context, const StoredMessage& stored, const message::clsMessage& message,
+void announceNewMessage(AppContext& context, const StoredMessage& stored, const message::Message& message,
                         NewMessageSink* mailer) {
   if (mailer != nullptr) {
-    mailer->AddNewMessage(stored.file, stored.folder, message);
+    mailer->addNewMessage(stored.file, stored.folder, message);
     return;
   }
-  AddToUnreadTag(context.log, stored.folder, 0);
-  AddToLastMessageTag(context.log, context.clock, stored.folder, message);
+  addToUnreadTag(context.log, stored.folder, 0);
+  addToLastMessageTag(context.log, context.clock, stored.folder, message);
 }
 
 }  // namespace vonel::store

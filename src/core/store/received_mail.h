@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "core/message/message.h"
-#include "core/services/app_context.h"
+#include "core/context/app_context.h"
 
 namespace vonel::store {
 
@@ -13,8 +13,8 @@ namespace vonel::store {
 class NewMessageSink {
  public:
   virtual ~NewMessageSink() = default;
-  virtual void AddNewMessage(const std::filesystem::path& file, const std::filesystem::path& folder,
-                             const message::clsMessage& message) = 0;
+  virtual void addNewMessage(const std::filesystem::path& file, const std::filesystem::path& folder,
+                             const message::Message& message) = 0;
 };
 
 struct StoredMessage {
@@ -26,10 +26,10 @@ struct StoredMessage {
 // when missing. A store root that can't be made is replaced for this run by
 // "Messages" in the program's folder, after telling the user once. Throws
 // AppError when the message could not be written.
-StoredMessage SaveReceivedMessage(AppContext& context, message::clsMessage& message);
+StoredMessage saveReceivedMessage(AppContext& context, message::Message& message);
 
 // Tells the open mail window, or else the folder's tag files, that the message arrived.
-void AnnounceNewMessage(AppContext& context, const StoredMessage& stored, const message::clsMessage& message,
+void announceNewMessage(AppContext& context, const StoredMessage& stored, const message::Message& message,
                         NewMessageSink* mailer);
 
 }  // namespace vonel::store

@@ -6,14 +6,14 @@
 
 namespace vonel::store {
 
-bool SuppressMessage(const message::clsMessage& message, const cSHAREDSettings& settings) {
-  const std::string account = std::to_string(message.FromAccount);
-  const std::string first = settings.sGet("Exclusive0_" + account, Value("")).text();
-  const std::string second = settings.sGet("Exclusive1_" + account, Value("")).text();
+bool suppressMessage(const message::Message& message, const SettingsStore& settings) {
+  const std::string account = std::to_string(message.fromAccount);
+  const std::string first = settings.get("Exclusive0_" + account, Value("")).text();
+  const std::string second = settings.get("Exclusive1_" + account, Value("")).text();
   if (first.empty() && second.empty()) return false;
   for (const std::string& address : {first, second}) {
     if (address.empty()) continue;
-    if (text::Contains(message.To_Email(), address) || text::Contains(message.CC, address)) return false;
+    if (text::contains(message.toEmail(), address) || text::contains(message.cc, address)) return false;
   }
   return true;
 }

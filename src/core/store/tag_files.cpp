@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "core/log/app_error.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 
@@ -22,25 +22,25 @@ constexpr std::string_view kShowUnreadHighOnly = "ShowUnreadHighOnly.tag";
 
 // The tag names have always been written in one spelling and read in
 // another; on a case-sensitive disk both must reach the one file there is.
-fs::path tagFile(const fs::path& folder, std::string_view name) { return files::ResolveAnyCase(folder, name); }
+fs::path tagFile(const fs::path& folder, std::string_view name) { return files::resolveAnyCase(folder, name); }
 
 std::string loadTag(const fs::path& folder, std::string_view name) {
   const fs::path file = tagFile(folder, name);
-  if (!files::FileExists(file)) return {};
+  if (!files::fileExists(file)) return {};
   try {
-    return files::LoadTextFile(file);
+    return files::loadTextFile(file);
   } catch (const AppError&) {
     return {};  // an unreadable aid counts as an empty one
   }
 }
 
-void changeUnreadCount(cSharedLogging& log, const fs::path& folder, long change, std::string_view procedure) {
+void changeUnreadCount(Log& log, const fs::path& folder, long change, std::string_view procedure) {
   guardedStep(log, procedure, kModule, [&] {
-    const long total = UnreadTagCount(folder) + change;
+    const long total = unreadTagCount(folder) + change;
     if (total < std::numeric_limits<std::int16_t>::min() || total > std::numeric_limits<std::int16_t>::max()) {
       throw AppError(error_number::kOverflow, "Overflow");
     }
-    files::WriteTextFile(tagFile(folder, kUnreadTag), std::to_string(total), files::Durability::Unsynced);
+    files::writeTextFile(tagFile(folder, kUnreadTag), std::to_string(total), files::Durability::Unsynced);
   });
 }
 
@@ -49,7 +49,7 @@ long dayNumber(const text::DateTime& moment) { return static_cast<long>(std::flo
 }  // namespace
 
 // The tag holds a day count; a date text of an older writer is read too.
-long DayFromTagText(std::string_view tag) {
+long dayFromTagText(std::string_view tag) {
   const std::string text = text::replaceAll(tag, "\r\n", "");
   if (text.find('\\') != std::string::npos) return 0;
   if (const auto number = text::toNumber(text)) return text::toWhole<long>(std::floor(*number));
@@ -57,61 +57,61 @@ long DayFromTagText(std::string_view tag) {
   return 0;
 }
 
-std::int16_t UnreadCountFromText(std::string_view text) { return text::toWhole<std::int16_t>(std::trunc(text::val(text))); }
+std::int16_t unreadCountFromText(std::string_view text) { return text::toWhole<std::int16_t>(std::trunc(text::val(text))); }
 
-std::int16_t UnreadTagCount(const fs::path& folder) { return UnreadCountFromText(loadTag(folder, kUnreadTag)); }
+std::int16_t unreadTagCount(const fs::path& folder) { return unreadCountFromText(loadTag(folder, kUnreadTag)); }
 
-long LastMessageTagDay(const fs::path& folder) { return DayFromTagText(loadTag(folder, kLastMessageTag)); }
+long lastMessageTagDay(const fs::path& folder) { return dayFromTagText(loadTag(folder, kLastMessageTag)); }
 
-void AddToUnreadTag(cSharedLogging& log, const fs::path& folder, int count) {
+void addToUnreadTag(Log& log, const fs::path& folder, int count) {
   changeUnreadCount(log, folder, count == 0 ? 1 : count, "AddToUnreadTag");
 }
 
-void RemoveFromUnreadTag(cSharedLogging& log, const fs::path& folder, int count) {
+void removeFromUnreadTag(Log& log, const fs::path& folder, int count) {
   changeUnreadCount(log, folder, count == 0 ? -1 : -static_cast<long>(count), "RemoveFromUnreadTag");
 }
 
-void CreateUnreadTag(cSharedLogging& log, const fs::path& folder, int count) {
+void createUnreadTag(Log& log, const fs::path& folder, int count) {
   guardedStep(log, "CreateUnreadTag", kModule, [&] {
-    files::WriteTextFile(tagFile(folder, kUnreadTag), std::to_string(count == 0 ? 1 : count), files::Durability::Unsynced);
+    files::writeTextFile(tagFile(folder, kUnreadTag), std::to_string(count == 0 ? 1 : count), files::Durability::Unsynced);
   });
 }
 
-void RemoveUnreadTag(cSharedLogging& log, const fs::path& folder) {
+void removeUnreadTag(Log& log, const fs::path& folder) {
   guardedStep(log, "RemoveUnreadTag", kModule, [&] {
-    if (!files::EraseFile(tagFile(folder, kUnreadTag))) throw AppError(error_number::kPermissionDenied, "Permission denied");
+    if (!files::eraseFile(tagFile(folder, kUnreadTag))) throw AppError(error_number::kPermissionDenied, "Permission denied");
   });
 }
 
-void AddToLastMessageTag(cSharedLogging& log, const Clock& clock, const fs::path& folder,
-                         const message::clsMessage& message) {
-  if (message.Read) return;
+void addToLastMessageTag(Log& log, const Clock& clock, const fs::path& folder,
+                         const message::Message& message) {
+  if (message.read) return;
   guardedStep(log, "AddToLastMessageTag", kModule, [&] {
-    const long oldDay = LastMessageTagDay(folder);
+    const long oldDay = lastMessageTagDay(folder);
     long newDay = dayNumber(clock.now());
-    if (!message.ReceiveDate.empty()) {
-      const auto received = text::parseStoreDate(message.ReceiveDate);
+    if (!message.receiveDate.empty()) {
+      const auto received = text::parseStoreDate(message.receiveDate);
       if (!received) throw AppError(error_number::kTypeMismatch, "Type mismatch");
       newDay = dayNumber(*received);
       if (newDay <= oldDay) return;
     }
-    files::WriteTextFile(tagFile(folder, kLastMessageTag), std::to_string(newDay), files::Durability::Unsynced);
+    files::writeTextFile(tagFile(folder, kLastMessageTag), std::to_string(newDay), files::Durability::Unsynced);
   });
 }
 
-ShowFilter FolderShowFilter(const fs::path& folder) {
-  if (files::FileExists(tagFile(folder, kShowUnreadOnly))) return ShowFilter::UnreadOnly;
-  if (files::FileExists(tagFile(folder, kShowUnreadHighOnly))) return ShowFilter::UnreadHighOnly;
+ShowFilter folderShowFilter(const fs::path& folder) {
+  if (files::fileExists(tagFile(folder, kShowUnreadOnly))) return ShowFilter::UnreadOnly;
+  if (files::fileExists(tagFile(folder, kShowUnreadHighOnly))) return ShowFilter::UnreadHighOnly;
   return ShowFilter::All;
 }
 
-void SetFolderShowFilter(cSharedLogging& log, const fs::path& folder, ShowFilter filter) {
+void setFolderShowFilter(Log& log, const fs::path& folder, ShowFilter filter) {
   guardedStep(log, "SetFolderShowFilter", kModule, [&] {
     const auto set = [&](std::string_view name, bool on) {
       const fs::path file = tagFile(folder, name);
       if (on) {
-        if (!files::FileExists(file)) files::WriteTextFile(file, "");
-      } else if (!files::EraseFile(file)) {
+        if (!files::fileExists(file)) files::writeTextFile(file, "");
+      } else if (!files::eraseFile(file)) {
         throw AppError(error_number::kPermissionDenied, "Permission denied");
       }
     };
@@ -120,7 +120,7 @@ void SetFolderShowFilter(cSharedLogging& log, const fs::path& folder, ShowFilter
   });
 }
 
-std::string RemoveCount(std::string_view text) {
+std::string removeCount(std::string_view text) {
   std::string result(text);
   for (auto open = result.find(" ("); open != std::string::npos; open = result.find(" (")) {
     // The ")" is looked for after the " (", so that a stray ")" before it can't make the cut run backwards.

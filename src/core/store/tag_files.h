@@ -8,39 +8,39 @@
 #include <string>
 #include <string_view>
 
-#include "core/log/logging.h"
+#include "core/log/log.h"
 #include "core/message/message.h"
-#include "core/services/clock.h"
+#include "core/time/clock.h"
 
 namespace vonel::store {
 
 // What the two tag files' texts hold: a count (0 without a number, held
 // within 16 bits) and a day number (0 when empty or unreadable).
-std::int16_t UnreadCountFromText(std::string_view text);
-long DayFromTagText(std::string_view text);
+std::int16_t unreadCountFromText(std::string_view text);
+long dayFromTagText(std::string_view text);
 
 // The number in "Unread.Tag"; 0 when it is missing or holds no number.
-std::int16_t UnreadTagCount(const std::filesystem::path& folder);
+std::int16_t unreadTagCount(const std::filesystem::path& folder);
 // The day number in "LastMsg.Tag"; 0 when it is missing or empty.
-long LastMessageTagDay(const std::filesystem::path& folder);
+long lastMessageTagDay(const std::filesystem::path& folder);
 
 // Adds `count` (1 when 0) to the folder's unread count.
-void AddToUnreadTag(cSharedLogging& log, const std::filesystem::path& folder, int count = 0);
+void addToUnreadTag(Log& log, const std::filesystem::path& folder, int count = 0);
 // Takes `count` (1 when 0) from it; a count of 0 becomes -1.
-void RemoveFromUnreadTag(cSharedLogging& log, const std::filesystem::path& folder, int count = 0);
+void removeFromUnreadTag(Log& log, const std::filesystem::path& folder, int count = 0);
 // Writes the count a folder scan found (1 when 0).
-void CreateUnreadTag(cSharedLogging& log, const std::filesystem::path& folder, int count);
-void RemoveUnreadTag(cSharedLogging& log, const std::filesystem::path& folder);
+void createUnreadTag(Log& log, const std::filesystem::path& folder, int count);
+void removeUnreadTag(Log& log, const std::filesystem::path& folder);
 // Moves the folder's newest-unread day forward to the message's receive day.
-void AddToLastMessageTag(cSharedLogging& log, const Clock& clock, const std::filesystem::path& folder,
-                         const message::clsMessage& message);
+void addToLastMessageTag(Log& log, const Clock& clock, const std::filesystem::path& folder,
+                         const message::Message& message);
 
 enum class ShowFilter { All, UnreadOnly, UnreadHighOnly };
 // At most one of the two filter files exists in a folder.
-ShowFilter FolderShowFilter(const std::filesystem::path& folder);
-void SetFolderShowFilter(cSharedLogging& log, const std::filesystem::path& folder, ShowFilter filter);
+ShowFilter folderShowFilter(const std::filesystem::path& folder);
+void setFolderShowFilter(Log& log, const std::filesystem::path& folder, ShowFilter filter);
 
 // A tree node's text without the unread counts it shows: "Inbox (3)" gives "Inbox".
-std::string RemoveCount(std::string_view text);
+std::string removeCount(std::string_view text);
 
 }  // namespace vonel::store

@@ -49,7 +49,7 @@ const EntityTable& table() {
   return instance;
 }
 
-// The order of CharToHtml: quote, blank, "<", ">", the dashes, then 161 to 255.
+// The order of charToHtml: quote, blank, "<", ">", the dashes, then 161 to 255.
 constexpr std::array<unsigned char, 6> kFirstBytes = {'"', ' ', '<', '>', 150, 151};
 
 }  // namespace
@@ -62,7 +62,7 @@ std::optional<unsigned char> byteForEntity(std::string_view name) {
   return it->second;
 }
 
-void CharToHtml(std::string& text) {
+void charToHtml(std::string& text) {
   if (trimView(text).empty()) return;
   // One pass: each byte takes the entity of the first table entry it matches
   // ignoring case, which is what replacing entry by entry in order gives.
@@ -87,7 +87,7 @@ void CharToHtml(std::string& text) {
   text = std::move(out);
 }
 
-void HtmlToChar(std::string& text) {
+void htmlToChar(std::string& text) {
   if (trimView(text).empty()) return;
   text = decodeEntities(text, byteForEntity);
 }

@@ -16,11 +16,11 @@ std::optional<unsigned char> byteForEntity(std::string_view name);
 // and each code 161 to 255 but 162 and 223 by its entity. An upper-case
 // letter comes first in that order, so its lower-case twin takes the same
 // entity ("a grave" becomes "&Agrave;"), as this conversion always has.
-void CharToHtml(std::string& text);
+void charToHtml(std::string& text);
 
 // Turns the entities of the table back into their bytes and cuts the text at
 // the first null byte.
-void HtmlToChar(std::string& text);
+void htmlToChar(std::string& text);
 
 // One pass from the left over "&name;" references (names up to seven
 // characters): each that `lookup` knows becomes its byte, the rest stay as

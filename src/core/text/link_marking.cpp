@@ -15,7 +15,7 @@ class LinkMarker {
  public:
   explicit LinkMarker(std::string_view text) : text_(text), underlined_(text.size(), false) {}
 
-  void MarkURL(std::string_view marker) {
+  void markUrl(std::string_view marker) {
     if (findNoCase(text_, marker) == 0) return;
     const bool mail = marker == "@";
     const std::string_view startStops = mail ? kMailStartStops : kWebStartStops;
@@ -59,9 +59,9 @@ class LinkMarker {
 
 }  // namespace
 
-std::vector<LinkSpan> UnderlineLinks(std::string_view text) {
+std::vector<LinkSpan> underlineLinks(std::string_view text) {
   LinkMarker marker(text);
-  for (const std::string_view urlMarker : {"http:", "ftp:", "https:", "www.", "@"}) marker.MarkURL(urlMarker);
+  for (const std::string_view urlMarker : {"http:", "ftp:", "https:", "www.", "@"}) marker.markUrl(urlMarker);
   return marker.take();
 }
 

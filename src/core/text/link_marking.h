@@ -15,6 +15,6 @@ struct LinkSpan {
 
 // Markers are taken in order; a marker whose next hit lies inside a link
 // already found stops its scan there, so later hits of it stay plain.
-std::vector<LinkSpan> UnderlineLinks(std::string_view text);
+std::vector<LinkSpan> underlineLinks(std::string_view text);
 
 }  // namespace vonel::text

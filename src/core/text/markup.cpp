@@ -44,7 +44,7 @@ void resolveStepwise(std::string& text) {
     if (semicolon == 0) return;
     const std::string reference = mid(text, start, semicolon - start + 1);
     char byte = 0;
-    ReplaceWith(text, reference, referenceByte(mid(text, start + 2, semicolon - start - 2), byte));
+    replaceWith(text, reference, referenceByte(mid(text, start + 2, semicolon - start - 2), byte));
   }
 }
 
@@ -84,7 +84,7 @@ void resolveDecimalReferences(std::string& text) {
 
 }  // namespace
 
-void MyReplace(std::string& text, std::string_view find, std::string_view replace, bool caseSensitive) {
+void myReplace(std::string& text, std::string_view find, std::string_view replace, bool caseSensitive) {
   // Most calls find nothing; they shouldn't pay for a copy of a whole body.
   if (caseSensitive) {
     if (text.find(find) != std::string::npos) text = replaceAll(text, find, replace);
@@ -93,23 +93,23 @@ void MyReplace(std::string& text, std::string_view find, std::string_view replac
   }
 }
 
-void MyReplaceNoCaps(std::string& text, std::string_view find, std::string_view replace) {
-  MyReplace(text, find, replace, true);
+void myReplaceNoCaps(std::string& text, std::string_view find, std::string_view replace) {
+  myReplace(text, find, replace, true);
 }
 
-void ReplaceWith(std::string& text, std::string_view find, std::string_view replace) {
-  MyReplace(text, find, replace, true);
+void replaceWith(std::string& text, std::string_view find, std::string_view replace) {
+  myReplace(text, find, replace, true);
 }
 
-void ReplaceWith_NC(std::string& text, std::string_view find, std::string_view replace) {
-  MyReplace(text, find, replace, false);
+void replaceWithNoCase(std::string& text, std::string_view find, std::string_view replace) {
+  myReplace(text, find, replace, false);
 }
 
-void ReplaceUsingC(std::string& text, std::string_view find, std::string_view replace) {
-  MyReplace(text, find, replace, true);
+void replaceUsingC(std::string& text, std::string_view find, std::string_view replace) {
+  myReplace(text, find, replace, true);
 }
 
-void cStripHTML(std::string& text) {
+void stripTags(std::string& text) {
   std::string out;
   out.reserve(text.size());
   std::size_t from = 0;
@@ -124,7 +124,7 @@ void cStripHTML(std::string& text) {
   text = std::move(out);
 }
 
-void StripHtml(std::string& text) {
+void stripHtml(std::string& text) {
   if (trimView(text).empty()) return;
   if (text.find_first_of("<>") == std::string::npos) return;
   std::size_t from = 1;
@@ -136,23 +136,23 @@ void StripHtml(std::string& text) {
     text.erase(open - 1, close + 8 - open);
     from = open;
   }
-  cStripHTML(text);
-  CutOffNull(text);
+  stripTags(text);
+  cutOffNull(text);
 }
 
-void HTMLConstToChar(std::string& text) {
+void htmlConstToChar(std::string& text) {
   // Every form below starts with "&".
   if (trimView(text).empty() || text.find('&') == std::string::npos) return;
-  ReplaceWith_NC(text, "&hellip;", "...");
-  ReplaceWith_NC(text, "&bull;", kBullet);
-  ReplaceWith(text, "&prime;", "'");
-  ReplaceWith(text, "&Prime;", "\"");
+  replaceWithNoCase(text, "&hellip;", "...");
+  replaceWithNoCase(text, "&bull;", kBullet);
+  replaceWith(text, "&prime;", "'");
+  replaceWith(text, "&Prime;", "\"");
   if (find(text, "&#") == 0) return;
-  for (const Swap& swap : kNumericForms) ReplaceWith_NC(text, swap.find, swap.replace);
+  for (const Swap& swap : kNumericForms) replaceWithNoCase(text, swap.find, swap.replace);
   resolveDecimalReferences(text);
 }
 
-std::string CleanWord(std::string_view text) {
+std::string cleanWord(std::string_view text) {
   std::string kept;
   kept.reserve(text.size());
   for (const char c : text) {

@@ -8,29 +8,29 @@ namespace vonel::text {
 
 // Replaces every occurrence; `caseSensitive` false compares ignoring case.
 // What was inserted is not searched again.
-void MyReplace(std::string& text, std::string_view find, std::string_view replace, bool caseSensitive);
+void myReplace(std::string& text, std::string_view find, std::string_view replace, bool caseSensitive);
 // Despite its name this one compares exactly.
-void MyReplaceNoCaps(std::string& text, std::string_view find, std::string_view replace);
-void ReplaceWith(std::string& text, std::string_view find, std::string_view replace);
-void ReplaceWith_NC(std::string& text, std::string_view find, std::string_view replace);
-// The fast exact replacement; it must give what ReplaceWith gives.
-void ReplaceUsingC(std::string& text, std::string_view find, std::string_view replace);
+void myReplaceNoCaps(std::string& text, std::string_view find, std::string_view replace);
+void replaceWith(std::string& text, std::string_view find, std::string_view replace);
+void replaceWithNoCase(std::string& text, std::string_view find, std::string_view replace);
+// The fast exact replacement; it must give what replaceWith gives.
+void replaceUsingC(std::string& text, std::string_view find, std::string_view replace);
 
 // Deletes every "<" ... ">" span, brackets included. A "<" with no ">" after
 // it is left, and so is the rest of the text behind it.
-void cStripHTML(std::string& text);
+void stripTags(std::string& text);
 
 // Drops <style> blocks (only the bare tag is recognised), then every tag.
 // A text with neither "<" nor ">" is left alone.
-void StripHtml(std::string& text);
+void stripHtml(std::string& text);
 
 // The typographic entities and numeric references the entity table lacks:
 // ellipsis, bullet, primes, the common &#82xx; forms, then any decimal
 // reference below 255 as its byte (others, hexadecimal ones included, are deleted).
-void HTMLConstToChar(std::string& text);
+void htmlConstToChar(std::string& text);
 
 // Undoes the usual disguises of spam subjects ("V1.AGRA", "fr_ee"): drops
 // . : ^ ' , then reads @ 1 () 0 _ as a i o o and a blank, then drops - ~ ( ) { }.
-std::string CleanWord(std::string_view text);
+std::string cleanWord(std::string_view text);
 
 }  // namespace vonel::text

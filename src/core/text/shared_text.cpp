@@ -16,31 +16,31 @@ bool isPlainAlphaNumeric(char c) {
 
 }  // namespace
 
-void CutOffNull(std::string& text) {
+void cutOffNull(std::string& text) {
   const auto null = text.find('\0');
   if (null != std::string::npos) text.resize(null);
 }
 
-void RemoveChar(std::string& text, std::string_view character) {
+void removeChar(std::string& text, std::string_view character) {
   if (character.empty()) return;
   std::erase(text, character.front());
 }
 
-void RemoveExtraSpaces(std::string& text) {
+void removeExtraSpaces(std::string& text) {
   const auto end = std::unique(text.begin(), text.end(), [](char a, char b) { return a == ' ' && b == ' '; });
   text.erase(end, text.end());
 }
 
-std::string cTrim(std::string_view text) {
+std::string trimBlanksAndNulls(std::string_view text) {
   const auto first = text.find_first_not_of(std::string_view(" \0", 2));
   if (first == std::string_view::npos) return {};
   const auto last = text.find_last_not_of(std::string_view(" \0", 2));
   return std::string(text.substr(first, last - first + 1));
 }
 
-std::string ByteArrayToString(std::string_view bytes) { return cTrim(bytes); }
+std::string byteArrayToString(std::string_view bytes) { return trimBlanksAndNulls(bytes); }
 
-std::size_t WordCount(std::string_view text) {
+std::size_t wordCount(std::string_view text) {
   std::size_t words = 0;
   bool inWord = false;
   for (const char c : text) {
@@ -51,14 +51,14 @@ std::size_t WordCount(std::string_view text) {
   return words;
 }
 
-void EatCrapFromEnd(std::string& text) {
+void trimJunkFromEnd(std::string& text) {
   while (!text.empty() && isCrap(text.back())) {
     text.pop_back();
     text.erase(text.find_last_not_of(' ') + 1);  // npos + 1 is 0: an all-blank rest goes too
   }
 }
 
-void EatCrapFromStart(std::string& text) {
+void trimJunkFromStart(std::string& text) {
   std::size_t from = 0;
   while (from < text.size() && isCrap(text[from])) {
     ++from;
@@ -67,18 +67,17 @@ void EatCrapFromStart(std::string& text) {
   text.erase(0, from);
 }
 
-void RemoveNonAlphaNumeric(std::string& text) {
+void removeNonAlphaNumeric(std::string& text) {
   std::erase_if(text, [](char c) { return !isPlainAlphaNumeric(c); });
   text = trim(text);
 }
 
-bool Contains(std::string_view text, std::string_view search) { return findNoCase(text, search) != 0; }
+bool contains(std::string_view text, std::string_view search) { return findNoCase(text, search) != 0; }
 
-bool StringContains(std::string_view text, std::string_view search) { return Contains(text, search); }
 
-bool StringsEqual(std::string_view a, std::string_view b) { return equalsNoCase(trimView(a), trimView(b)); }
+bool stringsEqual(std::string_view a, std::string_view b) { return equalsNoCase(trimView(a), trimView(b)); }
 
-std::string CleanString(std::string_view text) {
+std::string cleanString(std::string_view text) {
   static constexpr std::string_view kForbidden = "\\/:*?<>|&,%";
   std::string out(text);
   for (char& c : out) {

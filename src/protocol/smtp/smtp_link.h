@@ -19,16 +19,16 @@ class Link : public protocol::Link {
   virtual int state() const = 0;
 };
 
-class SendMailListener {
+class SmtpListener {
  public:
-  virtual ~SendMailListener() = default;
-  virtual void Connected() = 0;
-  virtual void ErrorConnecting() = 0;
-  virtual void Disconnected() = 0;
-  virtual void SendSuccessful() = 0;
-  virtual void SendFailed(const std::string& errors) = 0;
-  virtual void Status(const std::string& text) = 0;
-  virtual void Progress(std::int32_t percentage) = 0;
+  virtual ~SmtpListener() = default;
+  virtual void onConnected() = 0;
+  virtual void onErrorConnecting() = 0;
+  virtual void onDisconnected() = 0;
+  virtual void onSendSuccessful() = 0;
+  virtual void onSendFailed(const std::string& errors) = 0;
+  virtual void onStatus(const std::string& text) = 0;
+  virtual void onProgress(std::int32_t percentage) = 0;
 };
 
 }  // namespace vonel::smtp

@@ -1,4 +1,4 @@
-// The SMTP dialogue of frmSendMailNew: one reply per data event, decided by
+// The SMTP dialogue of SmtpSession: one reply per data event, decided by
 // the state. The replies accepted in the AUTH LOGIN states are 250 only, so a
 // server answering 334 or 235 fails there; the dialogue is kept as it is.
 #include <algorithm>
@@ -8,7 +8,7 @@
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 #include "protocol/smtp/date_line.h"
-#include "protocol/smtp/frm_send_mail_new.h"
+#include "protocol/smtp/smtp_session.h"
 
 namespace vonel::smtp {
 namespace {
@@ -40,142 +40,142 @@ std::string replyText(std::string_view chunk) {
 
 }  // namespace
 
-double frmSendMailNew::now() const {
+double SmtpSession::now() const {
   const text::DateTime moment = context_.clock.now();
   return moment.hour * 3600.0 + moment.minute * 60.0 + moment.second;
 }
 
-void frmSendMailNew::ResetTimeout() { deadline_ = static_cast<float>(now() + MessageTimeout_); }
+void SmtpSession::resetTimeout() { deadline_ = static_cast<float>(now() + messageTimeout_); }
 
-bool frmSendMailNew::Connect() {
+bool SmtpSession::connect() {
   keepOpen_ = true;
-  ConnectToHost();
+  connectToHost();
   return false;
 }
 
-void frmSendMailNew::Disconnect() {
+void SmtpSession::disconnect() {
   keepOpen_ = false;
-  SendQuit();
+  sendQuit();
 }
 
-void frmSendMailNew::Send() {
+void SmtpSession::send() {
   if (!initialised_) throw AppError(kNotInitialisedError, "Sendmail not initialised");
   checkRecipients();
   if (!errors_.empty()) {
-    SendFail();
+    sendFail();
     return;
   }
   bytesSent_ = 0;
-  bytesToSend_ = static_cast<std::int64_t>(mail_.Message.size());
+  bytesToSend_ = static_cast<std::int64_t>(mail_.message.size());
   failed_ = false;
   if (link_.state() != kSocketConnected) {
     connectAttempt_ = 0;
-    ConnectToHost();
+    connectToHost();
   } else {
-    SendMailFrom();
+    sendMailFrom();
   }
 }
 
-void frmSendMailNew::ConnectToHost() {
+void SmtpSession::connectToHost() {
   link_.setTimer(true);
-  ResetTimeout();
+  resetTimeout();
   if (connectAttempt_ < 2) {
-    listener_.Status("Connecting to Server...");
+    listener_.onStatus("Connecting to Server...");
   } else {
-    listener_.Status("Connecting to Server... (Attempt " + std::to_string(connectAttempt_) + " of " +
-                     std::to_string(ConnectRetry_) + ")");
+    listener_.onStatus("Connecting to Server... (Attempt " + std::to_string(connectAttempt_) + " of " +
+                     std::to_string(connectRetry_) + ")");
   }
   state_ = kGreeting;
   if (link_.state() > kSocketClosed) return;
-  context_.log.AddAction("Connecting", "ConnectToHost", kModule);
-  link_.connect(SMTPHost_, SMTPPort_);
+  context_.log.addAction("Connecting", "ConnectToHost", kModule);
+  link_.connect(smtpHost_, smtpPort_);
 }
 
-void frmSendMailNew::command(std::int32_t state, const std::string& line) {
+void SmtpSession::command(std::int32_t state, const std::string& line) {
   state_ = state;
   link_.send(line + "\r\n");
 }
 
-void frmSendMailNew::SendHello() {
-  const std::size_t at = mail_.From.find('@');
-  const std::string domain = at == std::string::npos ? mail_.From : mail_.From.substr(at + 1);
-  command(kHello, (mail_.UseAuthentication ? "EHLO " : "HELO ") + domain);
+void SmtpSession::sendHello() {
+  const std::size_t at = mail_.from.find('@');
+  const std::string domain = at == std::string::npos ? mail_.from : mail_.from.substr(at + 1);
+  command(kHello, (mail_.useAuthentication ? "EHLO " : "HELO ") + domain);
 }
 
-void frmSendMailNew::SendAuthLogin() { command(kAuthLogin, "AUTH LOGIN"); }
-void frmSendMailNew::SendUsername() { command(kUsername, message::EncodeMime64String(mail_.Username)); }
-void frmSendMailNew::SendPassword() { command(kPassword, message::EncodeMime64String(mail_.Password)); }
+void SmtpSession::sendAuthLogin() { command(kAuthLogin, "AUTH LOGIN"); }
+void SmtpSession::sendUsername() { command(kUsername, message::encodeMime64String(mail_.username)); }
+void SmtpSession::sendPassword() { command(kPassword, message::encodeMime64String(mail_.password)); }
 
-void frmSendMailNew::SendMailFrom() {
-  std::string line = "MAIL FROM: <" + mail_.From + ">";
-  if (serverHasAuthEqualsLogin_) line += " AUTH=" + mail_.From;
+void SmtpSession::sendMailFrom() {
+  std::string line = "MAIL FROM: <" + mail_.from + ">";
+  if (serverHasAuthEqualsLogin_) line += " AUTH=" + mail_.from;
   command(kMailFrom, line);
 }
 
 // To, then Cc, then Bcc, then DATA; one RCPT per reply, empty lists skipped.
-void frmSendMailNew::sendRecipientsFrom(std::int32_t state, std::size_t index) {
+void SmtpSession::sendRecipientsFrom(std::int32_t state, std::size_t index) {
   for (; state <= kBccRecipients; ++state, index = 0) {
-    const std::vector<std::string>& list = state == kRecipients     ? mail_.Recipient
-                                           : state == kCcRecipients ? mail_.CcRecipient
-                                                                    : mail_.BccRecipient;
+    const std::vector<std::string>& list = state == kRecipients     ? mail_.recipient
+                                           : state == kCcRecipients ? mail_.ccRecipient
+                                                                    : mail_.bccRecipient;
     if (index < list.size()) {
       recipientIndex_ = index;
       command(state, "RCPT TO: <" + text::trim(list[index]) + ">");
       return;
     }
   }
-  SendDataCommand();
+  sendDataCommand();
 }
 
-void frmSendMailNew::SendDataCommand() { command(kData, "DATA"); }
+void SmtpSession::sendDataCommand() { command(kData, "DATA"); }
 
-void frmSendMailNew::SendMessageText() {
+void SmtpSession::sendMessageText() {
   state_ = kMessageText;
-  link_.send(dateLine(context_.clock.now(), timeZone_) + mail_.Message + "\r\n\r\n.\r\n");
+  link_.send(dateLine(context_.clock.now(), timeZone_) + mail_.message + "\r\n\r\n.\r\n");
 }
 
-void frmSendMailNew::SendQuit() {
+void SmtpSession::sendQuit() {
   if (link_.state() == kSocketConnected) link_.send("QUIT\r\n");
   state_ = kQuit;
 }
 
-void frmSendMailNew::fail(const std::string& reply) {
-  AddError(reply);
-  SendFail();
+void SmtpSession::fail(const std::string& reply) {
+  addError(reply);
+  sendFail();
 }
 
-void frmSendMailNew::onConnected() { socketConnected_ = true; }
-void frmSendMailNew::onClosed() { socketConnected_ = false; }
+void SmtpSession::onConnected() { socketConnected_ = true; }
+void SmtpSession::onClosed() { socketConnected_ = false; }
 
-void frmSendMailNew::onData(std::string_view chunk) {
+void SmtpSession::onData(std::string_view chunk) {
   guardedStep(context_.log, "sckMail_DataArrival", kModule, [&] { handleReply(chunk); });
 }
 
-void frmSendMailNew::handleReply(std::string_view chunk) {
-  ResetTimeout();
+void SmtpSession::handleReply(std::string_view chunk) {
+  resetTimeout();
   const int code = text::toWhole<int>(text::val(text::left(chunk, 3)));
   const std::string reply = replyText(chunk);
   switch (state_) {
     case kGreeting:
       if (socketConnected_) {
         if (text::findNoCase(chunk, "auth=login") > 0) serverHasAuthEqualsLogin_ = true;
-        SendHello();
+        sendHello();
         return;
       }
       ++connectAttempt_;
-      if (connectAttempt_ < ConnectRetry_) {
-        ConnectToHost();
+      if (connectAttempt_ < connectRetry_) {
+        connectToHost();
       } else {
-        listener_.ErrorConnecting();
+        listener_.onErrorConnecting();
         fail(reply);
       }
       return;
     case kHello:
       if (code == 250) {
-        if (mail_.UseAuthentication) {
-          SendAuthLogin();
+        if (mail_.useAuthentication) {
+          sendAuthLogin();
         } else {
-          listener_.Connected();
+          listener_.onConnected();
         }
       } else if (code != 220) {
         fail(reply);
@@ -184,18 +184,18 @@ void frmSendMailNew::handleReply(std::string_view chunk) {
     case kAuthLogin:
       if (code != 250) return fail(reply);
       if (text::findNoCase(chunk, "auth login") > 0) serverHasAuthLogin_ = true;
-      if (serverHasAuthLogin_) SendUsername();
+      if (serverHasAuthLogin_) sendUsername();
       return;
     case kUsername:
       if (code != 250) return fail(reply);
-      return SendPassword();
+      return sendPassword();
     case kPassword:
       if (code != 250) {
         fail(reply);
-        listener_.ErrorConnecting();
+        listener_.onErrorConnecting();
         return;
       }
-      listener_.Connected();
+      listener_.onConnected();
       return;
     case kMailFrom:
       if (code != 250) return fail(reply);
@@ -207,38 +207,38 @@ void frmSendMailNew::handleReply(std::string_view chunk) {
       return sendRecipientsFrom(state_, recipientIndex_ + 1);
     case kData:
       if (code != 354) return fail(reply);
-      return SendMessageText();
+      return sendMessageText();
     case kMessageText:
       if (code != 250) return fail(reply);
-      if (!keepOpen_) SendQuit();
-      listener_.Progress(100);
-      listener_.Status("Transmission Complete...");
-      listener_.SendSuccessful();
+      if (!keepOpen_) sendQuit();
+      listener_.onProgress(100);
+      listener_.onStatus("Transmission Complete...");
+      listener_.onSendSuccessful();
       return;
     case kQuit:
       if (code != 221) return fail(reply);
       link_.setTimer(false);
       link_.close();
-      listener_.Disconnected();
+      listener_.onDisconnected();
       return;
     default:
       return;
   }
 }
 
-void frmSendMailNew::onSocketError(int code, const std::string& description) {
+void SmtpSession::onSocketError(int code, const std::string& description) {
   if (code != kAddressNotAvailable) {
-    AddError(description);
-    SendFail();
+    addError(description);
+    sendFail();
     return;
   }
   if (link_.state() == kSocketError) link_.close();
-  listener_.ErrorConnecting();
+  listener_.onErrorConnecting();
 }
 
-void frmSendMailNew::onSendProgress(std::int64_t bytes) {
+void SmtpSession::onSendProgress(std::int64_t bytes) {
   bytesSent_ += bytes;
-  ResetTimeout();
+  resetTimeout();
   const double moment = now();
   if (moment < nextProgressReport_) return;
   nextProgressReport_ = moment + kProgressInterval;
@@ -247,18 +247,18 @@ void frmSendMailNew::onSendProgress(std::int64_t bytes) {
       std::min<std::int32_t>(100, text::toWhole<std::int32_t>(static_cast<double>(bytesSent_) / bytesToSend_ * 100));
   if (percentage == lastPercentage_) return;
   lastPercentage_ = percentage;
-  listener_.Progress(percentage);
+  listener_.onProgress(percentage);
 }
 
-void frmSendMailNew::onTick() {
+void SmtpSession::onTick() {
   const double moment = now();
-  if (deadline_ - MessageTimeout_ + kQuietSecondsBeforeStatus <= moment) {
-    listener_.Status("Retrying ... " + std::to_string(text::toWhole<std::int32_t>(deadline_ - moment)));
+  if (deadline_ - messageTimeout_ + kQuietSecondsBeforeStatus <= moment) {
+    listener_.onStatus("Retrying ... " + std::to_string(text::toWhole<std::int32_t>(deadline_ - moment)));
   }
   if (moment >= deadline_) {
     link_.setTimer(false);
-    AddError("Timeout occurred: The SMTP Host did not respond to the request");
-    SendFail();
+    addError("Timeout occurred: The SMTP Host did not respond to the request");
+    sendFail();
   }
 }
 

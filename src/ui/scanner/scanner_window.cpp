@@ -146,16 +146,16 @@ void ScannerWindow::playSound(const std::filesystem::path& wave) {
 #endif
 }
 
-void ScannerWindow::addServerMessage(const message::clsMessage& m, long number, const std::string& accountTitle) {
+void ScannerWindow::addServerMessage(const message::Message& m, long number, const std::string& accountTitle) {
   auto* row = new QTreeWidgetItem(list_);
   row->setText(0, QString::number(number));
   row->setText(1, toQString(accountTitle));
-  row->setText(2, toQString(rules::StatusWord(m)));
-  row->setText(3, toQString(text::plainText(m.Bayes)));
-  row->setText(4, toQString(m.From));
-  row->setText(5, m.Ignored ? QStringLiteral("N/A") : toQString(m.Subject));
+  row->setText(2, toQString(rules::statusWord(m)));
+  row->setText(3, toQString(text::plainText(m.bayes)));
+  row->setText(4, toQString(m.from));
+  row->setText(5, m.ignored ? QStringLiteral("N/A") : toQString(m.subject));
   // Colours are kept as blue-green-red numbers.
-  const QColor colour(m.Colour & 0xFF, (m.Colour >> 8) & 0xFF, (m.Colour >> 16) & 0xFF);
+  const QColor colour(m.colour & 0xFF, (m.colour >> 8) & 0xFF, (m.colour >> 16) & 0xFF);
   for (int column = 0; column < 6; ++column) row->setForeground(column, colour);
 }
 

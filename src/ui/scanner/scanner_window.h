@@ -33,7 +33,7 @@ class ScannerWindow final : public QMainWindow, public MainWindowPort {
   void showTrayIcon(std::string_view tip) override;
   void removeTrayIcon() override;
   void setStatusText(std::string_view text) override;
-  void addServerMessage(const message::clsMessage& message, long number, const std::string& accountTitle) override;
+  void addServerMessage(const message::Message& message, long number, const std::string& accountTitle) override;
   void setupMenus() override;
   void switchToMailer() override;
   WindowGeometry screenTwips() const override;

@@ -5,7 +5,7 @@
 
 #include "core/bayes/token_report.h"
 #include "core/bayes/tokeniser.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 
 namespace vonel::bayes {
 namespace {
@@ -15,12 +15,12 @@ class GoldenTokens : public ::testing::TestWithParam<const char*> {};
 TEST_P(GoldenTokens, TableMatches) {
   const std::filesystem::path folder = std::filesystem::path(VONEL_TEST_DATA) / "bayes";
   const std::string sample = GetParam();
-  message::clsMessage message;
-  message.CreateFromText(files::LoadTextFile(folder / (sample + ".eml")), false);
-  clsHashTable table;
-  table.InitSmall();
-  HashMessage(table, message, false);
-  EXPECT_EQ(DescribeTable(table), files::LoadTextFile(folder / (sample + ".tokens")));
+  message::Message message;
+  message.createFromText(files::loadTextFile(folder / (sample + ".eml")), false);
+  WordTable table;
+  table.initSmall();
+  hashMessage(table, message, false);
+  EXPECT_EQ(describeTable(table), files::loadTextFile(folder / (sample + ".tokens")));
 }
 
 // plain_offer: every address region, the Received hosts, numbers dropped and

@@ -8,34 +8,34 @@ namespace vonel::bayes {
 namespace {
 
 std::string fieldTokens(const std::string& text, std::string_view prefix) {
-  clsHashTable table;
-  table.InitSmall();
-  BreakAndHash(table, text, prefix);
-  return DescribeTable(table);
+  WordTable table;
+  table.initSmall();
+  breakAndHash(table, text, prefix);
+  return describeTable(table);
 }
 
 std::string urlTokens(const std::string& body) {
-  clsHashTable table;
-  table.InitSmall();
-  HashUrls(table, body);
-  return DescribeTable(table);
+  WordTable table;
+  table.initSmall();
+  hashUrls(table, body);
+  return describeTable(table);
 }
 
 TEST(TokeniserSubject, ThreeFormsOfTheSubject) {
-  message::clsMessage message;
-  message.Subject = "Buy 100 pills";
-  clsHashTable table;
-  table.InitSmall();
-  HashMessage(table, message, true);
-  EXPECT_EQ(DescribeTable(table),
+  message::Message message;
+  message.subject = "Buy 100 pills";
+  WordTable table;
+  table.initSmall();
+  hashMessage(table, message, true);
+  EXPECT_EQ(describeTable(table),
             "1\tSUB*Buy 100 pills\n1\tSUB*Buy\n1\tSUB*100\n1\tSUB*pills\n"
             "1\tSB-LN*Buy_100_pills\n1\tSB-ND*Buy__pills\n");
 
-  message.Subject = "Hello there";
-  table.HashClear();
-  table.InitSmall();
-  HashMessage(table, message, true);
-  EXPECT_EQ(DescribeTable(table), "1\tSUB*Hello there\n1\tSUB*Hello\n1\tSUB*there\n1\tSB-LN*Hello_there\n");
+  message.subject = "Hello there";
+  table.hashClear();
+  table.initSmall();
+  hashMessage(table, message, true);
+  EXPECT_EQ(describeTable(table), "1\tSUB*Hello there\n1\tSUB*Hello\n1\tSUB*there\n1\tSB-LN*Hello_there\n");
 }
 
 TEST(TokeniserFields, LengthLimitsOfWordsAndPhrases) {
@@ -76,25 +76,25 @@ TEST(TokeniserFields, ReceivedGivesUnprefixedHosts) {
 }
 
 TEST(TokeniserWords, CleaningFunctions) {
-  EXPECT_EQ(CleanThisWord(" <a`b~c^d'e\"f,g(h)i{j}k[l]m\x01\x1e\x1f> "), "abcdefghijklm\x1f");
-  EXPECT_TRUE(AllNumerics(""));
-  EXPECT_TRUE(AllNumerics("+1-2"));
-  EXPECT_FALSE(AllNumerics("1.2"));
-  EXPECT_EQ(CleanNumbers("a1b22c"), "abc");
-  EXPECT_EQ(ExtractIfUrl("Click:HTTP://user@Host.org/path"), "Host.org");
-  EXPECT_EQ(ExtractIfUrl("x@www.host.org"), "www.host.org") << "cut to the marker";
-  EXPECT_EQ(ExtractIfUrl("user@host.org"), "user@host.org") << "no path, the user part stays";
-  EXPECT_EQ(ExtractIfUrl("www.a.b/c@d"), "www.a.b");
+  EXPECT_EQ(cleanThisWord(" <a`b~c^d'e\"f,g(h)i{j}k[l]m\x01\x1e\x1f> "), "abcdefghijklm\x1f");
+  EXPECT_TRUE(allNumerics(""));
+  EXPECT_TRUE(allNumerics("+1-2"));
+  EXPECT_FALSE(allNumerics("1.2"));
+  EXPECT_EQ(cleanNumbers("a1b22c"), "abc");
+  EXPECT_EQ(extractIfUrl("Click:HTTP://user@Host.org/path"), "Host.org");
+  EXPECT_EQ(extractIfUrl("x@www.host.org"), "www.host.org") << "cut to the marker";
+  EXPECT_EQ(extractIfUrl("user@host.org"), "user@host.org") << "no path, the user part stays";
+  EXPECT_EQ(extractIfUrl("www.a.b/c@d"), "www.a.b");
 }
 
 TEST(TokeniserWords, GetLowestMovesToTheLastCharacterOfAnEarlierMatch) {
   std::size_t lowest = 0;
-  GetLowest(1, "abc>def", ">", lowest);
+  getLowest(1, "abc>def", ">", lowest);
   EXPECT_EQ(lowest, 4u);
-  GetLowest(1, "ab www.x", "www.", lowest);
+  getLowest(1, "ab www.x", "www.", lowest);
   EXPECT_EQ(lowest, 4u) << "a later match leaves it";
   lowest = 9;
-  GetLowest(1, "ab www.x", "www.", lowest);
+  getLowest(1, "ab www.x", "www.", lowest);
   EXPECT_EQ(lowest, 7u);
 }
 

@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "../test_home.h"
 
 namespace vonel::message {
 namespace {
 
-TEST(SafeAttachmentName, NamesFromMailCantLeaveTheFolderOrNameADevice) {
+TEST(safeAttachmentName, NamesFromMailCantLeaveTheFolderOrNameADevice) {
   const std::pair<std::string_view, std::string_view> cases[] = {
       {"Report 2024.pdf", "Report 2024.pdf"},
       {"../../etc/passwd", "passwd"},
@@ -26,32 +26,32 @@ TEST(SafeAttachmentName, NamesFromMailCantLeaveTheFolderOrNameADevice) {
       {"nul .tar.gz", "nul 1.tar.gz"},
       {"COM10.txt", "COM10.txt"},
   };
-  for (const auto& [name, safe] : cases) EXPECT_EQ(SafeAttachmentName(name), safe) << name;
+  for (const auto& [name, safe] : cases) EXPECT_EQ(safeAttachmentName(name), safe) << name;
 
-  const std::string longName = SafeAttachmentName(std::string(300, 'x') + ".jpeg");
+  const std::string longName = safeAttachmentName(std::string(300, 'x') + ".jpeg");
   EXPECT_EQ(longName.size(), 80u);
   EXPECT_TRUE(longName.ends_with("x.jpeg"));
 }
 
-TEST(WriteFile, SavedAttachmentsHoldExactlyTheDecodedBytes) {
+TEST(writeFile, SavedAttachmentsHoldExactlyTheDecodedBytes) {
   // Long binary sources are compared with base64 -d and quopri by an integration test.
   testing::TempDir dir;
   const auto file = dir.path() / "out.bin";
   // One and two bytes of padding: no fill is left behind.
-  WriteFile(file, "YQ==", "base64");
-  EXPECT_EQ(files::LoadTextFile(file), "a");
-  WriteFile(file, "YWI=", "base64");
-  EXPECT_EQ(files::LoadTextFile(file), "ab");
+  writeFile(file, "YQ==", "base64");
+  EXPECT_EQ(files::loadTextFile(file), "a");
+  writeFile(file, "YWI=", "base64");
+  EXPECT_EQ(files::loadTextFile(file), "ab");
 
-  WriteFile(file, "  lead=20and=\r\n soft=0D=0A=FF=e9 tail  ", "quoted-printable");
-  EXPECT_EQ(files::LoadTextFile(file), "  lead and soft\r\n\xFF\xE9 tail  ");
-  WriteFile(file, "as it =ZZ stands\r\n", "7bit");
-  EXPECT_EQ(files::LoadTextFile(file), "as it =ZZ stands\r\n");
+  writeFile(file, "  lead=20and=\r\n soft=0D=0A=FF=e9 tail  ", "quoted-printable");
+  EXPECT_EQ(files::loadTextFile(file), "  lead and soft\r\n\xFF\xE9 tail  ");
+  writeFile(file, "as it =ZZ stands\r\n", "7bit");
+  EXPECT_EQ(files::loadTextFile(file), "as it =ZZ stands\r\n");
 }
 
-clsMessage withAttachments(std::string_view name) {
-  clsMessage message;
-  message.CreateFromText(
+Message withAttachments(std::string_view name) {
+  Message message;
+  message.createFromText(
       "Subject: s\r\nContent-Type: multipart/mixed; boundary=b\r\n\r\n"
       "--b\r\nContent-Type: text/plain\r\n\r\nbody\r\n"
       "--b\r\nContent-Type: text/html\r\nContent-Transfer-Encoding: base64\r\n\r\nPGI+aGk8L2I+\r\n"
@@ -64,33 +64,33 @@ clsMessage withAttachments(std::string_view name) {
 TEST(SaveAttachments, EveryNamedPartGoesInsideTheFolder) {
   testing::TestHome home;
   const auto folder = home.dir.path() / "inside";
-  ASSERT_TRUE(files::MkMissingDir(folder));
+  ASSERT_TRUE(files::mkMissingDir(folder));
   const auto message = withAttachments("../../outside.bin");
-  const auto written = SaveAllAttachmentsNoUserInput(message, folder, &home.log);
+  const auto written = saveAllAttachmentsNoUserInput(message, folder, &home.log);
   ASSERT_EQ(written.size(), 2u);
   EXPECT_EQ(written[0], folder / "View email as web page.html");
-  EXPECT_EQ(files::LoadTextFile(written[0]), "<b>hi</b>");
+  EXPECT_EQ(files::loadTextFile(written[0]), "<b>hi</b>");
   EXPECT_EQ(written[1], folder / "outside.bin");
-  EXPECT_EQ(files::LoadTextFile(written[1]), std::string("\0\1\2", 3));
-  EXPECT_FALSE(files::FileExists(home.dir.path() / "outside.bin"));
+  EXPECT_EQ(files::loadTextFile(written[1]), std::string("\0\1\2", 3));
+  EXPECT_FALSE(files::fileExists(home.dir.path() / "outside.bin"));
 
-  EXPECT_TRUE(SaveAllAttachmentsNoUserInput(message, folder / "gone", &home.log).empty());
-  home.log.WriteActionsToLog();
-  EXPECT_NE(files::LoadTextFile(home.log.CurrentLogFilename()).find("modAttachments"), std::string::npos);
+  EXPECT_TRUE(saveAllAttachmentsNoUserInput(message, folder / "gone", &home.log).empty());
+  home.log.writeActionsToLog();
+  EXPECT_NE(files::loadTextFile(home.log.currentLogFilename()).find("modAttachments"), std::string::npos);
 }
 
 TEST(SaveAttachments, AWebPageToOpenTakesTheOtherPartsAlong) {
   testing::TempDir dir;
   auto message = withAttachments("logo.png");
-  EXPECT_EQ(WriteAttachmentToOpen(message, 3, dir.path(), nullptr), dir.path() / "logo.png");
-  EXPECT_FALSE(files::FileExists(dir.path() / "View email as web page.html"));
+  EXPECT_EQ(writeAttachmentToOpen(message, 3, dir.path(), nullptr), dir.path() / "logo.png");
+  EXPECT_FALSE(files::fileExists(dir.path() / "View email as web page.html"));
 
-  const auto page = WriteAttachmentToOpen(message, 2, dir.path(), nullptr);
+  const auto page = writeAttachmentToOpen(message, 2, dir.path(), nullptr);
   EXPECT_EQ(page, dir.path() / "View email as web page.html");
-  EXPECT_TRUE(files::FileExists(dir.path() / "logo.png"));
-  EXPECT_EQ(message.AttachmentsFolder, dir.path().string());
-  EXPECT_FALSE(WriteAttachmentToOpen(message, 1, dir.path(), nullptr));
-  EXPECT_TRUE(IsAttachedMessage("Attached_Msg 1.EmL"));
+  EXPECT_TRUE(files::fileExists(dir.path() / "logo.png"));
+  EXPECT_EQ(message.attachmentsFolder, dir.path().string());
+  EXPECT_FALSE(writeAttachmentToOpen(message, 1, dir.path(), nullptr));
+  EXPECT_TRUE(isAttachedMessage("Attached_Msg 1.EmL"));
 }
 
 // Answers the save dialogue with a prepared file, or cancels without one.
@@ -108,29 +108,29 @@ class PreparedChooser : public SaveFileChooser {
 
 TEST(SaveAttachments, OneIsSavedAsChosenSeveralGoToTheChosenFolder) {
   testing::TestHome home;
-  clsMessage one;
-  one.CreateFromText("Content-Type: image/jpeg; name=\"../me\"\r\nContent-Transfer-Encoding: base64\r\n\r\n/9j/\r\n",
+  Message one;
+  one.createFromText("Content-Type: image/jpeg; name=\"../me\"\r\nContent-Transfer-Encoding: base64\r\n\r\n/9j/\r\n",
                      false);
   PreparedChooser chooser;
-  EXPECT_TRUE(SaveAllAttachments(one, true, home.dir.path(), chooser, home.prompt, &home.log).empty());
+  EXPECT_TRUE(saveAllAttachments(one, true, home.dir.path(), chooser, home.prompt, &home.log).empty());
   EXPECT_EQ(chooser.title, "Save attachments");
   EXPECT_EQ(chooser.proposal, home.dir.path() / "me");  // a dot in the name: no extension added
 
   chooser.answer = home.dir.path() / "picked.jpg";
-  EXPECT_EQ(SaveAllAttachments(one, true, home.dir.path(), chooser, home.prompt, &home.log),
+  EXPECT_EQ(saveAllAttachments(one, true, home.dir.path(), chooser, home.prompt, &home.log),
             std::vector<fs::path>{home.dir.path() / "picked.jpg"});
-  EXPECT_EQ(files::LoadTextFile(home.dir.path() / "picked.jpg"), "\xFF\xD8\xFF");
+  EXPECT_EQ(files::loadTextFile(home.dir.path() / "picked.jpg"), "\xFF\xD8\xFF");
   EXPECT_EQ(home.prompt.questions, 0);
 
   const auto several = withAttachments("data.bin");
-  ASSERT_TRUE(files::MkMissingDir(home.dir.path() / "sub"));
+  ASSERT_TRUE(files::mkMissingDir(home.dir.path() / "sub"));
   chooser.answer = home.dir.path() / "sub" / "whatever";
-  EXPECT_EQ(SaveAllAttachments(several, true, home.dir.path(), chooser, home.prompt, &home.log).size(), 2u);
+  EXPECT_EQ(saveAllAttachments(several, true, home.dir.path(), chooser, home.prompt, &home.log).size(), 2u);
   EXPECT_EQ(chooser.proposal.filename(), "Click SAVE to save all files");
-  EXPECT_TRUE(files::FileExists(home.dir.path() / "sub" / "data.bin"));
+  EXPECT_TRUE(files::fileExists(home.dir.path() / "sub" / "data.bin"));
   EXPECT_EQ(home.prompt.lastQuestion, "All attachments saved to:\r\n" + (home.dir.path() / "sub").string());
 
-  EXPECT_TRUE(SaveAllAttachments(several, false, home.dir.path() / "gone", chooser, home.prompt, &home.log).empty());
+  EXPECT_TRUE(saveAllAttachments(several, false, home.dir.path() / "gone", chooser, home.prompt, &home.log).empty());
   EXPECT_TRUE(home.prompt.lastQuestion.starts_with("Some attachments could not be saved to:"));
 }
 

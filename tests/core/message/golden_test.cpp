@@ -8,7 +8,7 @@
 
 #include "core/message/message.h"
 #include "core/message/message_report.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 
 namespace vonel::message {
 namespace {
@@ -46,12 +46,12 @@ TEST_P(GoldenMessage, InspectOutputMatches) {
   const auto& [sample, headerOnly] = GetParam();
   const std::filesystem::path folder = std::filesystem::path(VONEL_TEST_DATA) / "messages";
   const std::string expected =
-      files::LoadTextFile(folder / (std::string(sample) + (headerOnly ? ".headers.out" : ".out")));
+      files::loadTextFile(folder / (std::string(sample) + (headerOnly ? ".headers.out" : ".out")));
 
   const FixedClock clock(text::DateTime{2026, 1, 2, 3, 4, 5});
-  clsMessage message(nullptr, &clock);
-  message.CreateFromText(files::LoadTextFile(folder / (std::string(sample) + ".eml")), headerOnly);
-  const std::string actual = DescribeMessage(message, 0);
+  Message message(nullptr, &clock);
+  message.createFromText(files::loadTextFile(folder / (std::string(sample) + ".eml")), headerOnly);
+  const std::string actual = describeMessage(message, 0);
   EXPECT_TRUE(actual == expected) << firstDifference(expected, actual);
 }
 

@@ -7,66 +7,66 @@
 namespace vonel::message {
 namespace {
 
-TEST(ISODecode, QuotedWordsLoseTheirMarkersButKeepUnderscores) {
-  EXPECT_EQ(ISODecode("=?iso-8859-1?Q?Caf=E9_au_lait?="), "Caf\xE9_au_lait");
-  EXPECT_EQ(ISODecode("\"Ann\" <ann@example.com>"), "Ann <ann@example.com>");
-  EXPECT_EQ(ISODecode("  plain text  "), "plain text");
+TEST(isoDecode, QuotedWordsLoseTheirMarkersButKeepUnderscores) {
+  EXPECT_EQ(isoDecode("=?iso-8859-1?Q?Caf=E9_au_lait?="), "Caf\xE9_au_lait");
+  EXPECT_EQ(isoDecode("\"Ann\" <ann@example.com>"), "Ann <ann@example.com>");
+  EXPECT_EQ(isoDecode("  plain text  "), "plain text");
 }
 
-TEST(ISODecode, AnyQuestionAfterQCutsThePlainTextBeforeIt) {
-  EXPECT_EQ(ISODecode("Read our faq? It helps"), "It helps");
+TEST(isoDecode, AnyQuestionAfterQCutsThePlainTextBeforeIt) {
+  EXPECT_EQ(isoDecode("Read our faq? It helps"), "It helps");
 }
 
-TEST(ISODecode, Base64TailIsDecodedAndThenAppendedAfterTheBlankFill) {
+TEST(isoDecode, Base64TailIsDecodedAndThenAppendedAfterTheBlankFill) {
   // "Hi" fills 2 of an 11-byte buffer; the tail from the first blank comes back as it was.
-  EXPECT_EQ(ISODecode("=?utf-8?B?SGk=?= there"), "Hi" + std::string(10, ' ') + "there");
-  EXPECT_EQ(ISODecode("=?windows-1252?b?SGk=?="), "Hi");
+  EXPECT_EQ(isoDecode("=?utf-8?B?SGk=?= there"), "Hi" + std::string(10, ' ') + "there");
+  EXPECT_EQ(isoDecode("=?windows-1252?b?SGk=?="), "Hi");
 }
 
-TEST(ISODecode, Utf8IsConvertedOnlyWhenItsMarkerSurvivesTheCuts) {
+TEST(isoDecode, Utf8IsConvertedOnlyWhenItsMarkerSurvivesTheCuts) {
   // After the "q?" cut the charset name is gone, so the UTF-8 bytes stay.
-  EXPECT_EQ(ISODecode("=?utf-8?Q?Caf=C3=A9?="), "Caf\xC3\xA9");
-  EXPECT_EQ(ISODecode("utf-8?Caf\xC3\xA9"), "Caf\xE9");
+  EXPECT_EQ(isoDecode("=?utf-8?Q?Caf=C3=A9?="), "Caf\xC3\xA9");
+  EXPECT_EQ(isoDecode("utf-8?Caf\xC3\xA9"), "Caf\xE9");
 }
 
-TEST(ExtractEmail, AngleBracketsCaseBlanksAndLists) {
-  EXPECT_EQ(ExtractEmail("Ann Smith <Ann@Example.COM>"), "ann@example.com");
-  EXPECT_EQ(ExtractEmail("<a@b.com> trailing"), "a@b.com");
-  EXPECT_EQ(ExtractEmail("ann @ example.com"), "ann@example.com");
-  EXPECT_EQ(ExtractEmail("a@b.com, c@d.com"), "a@b.com,");
-  EXPECT_EQ(ExtractEmail("   "), "");
+TEST(extractEmail, AngleBracketsCaseBlanksAndLists) {
+  EXPECT_EQ(extractEmail("Ann Smith <Ann@Example.COM>"), "ann@example.com");
+  EXPECT_EQ(extractEmail("<a@b.com> trailing"), "a@b.com");
+  EXPECT_EQ(extractEmail("ann @ example.com"), "ann@example.com");
+  EXPECT_EQ(extractEmail("a@b.com, c@d.com"), "a@b.com,");
+  EXPECT_EQ(extractEmail("   "), "");
 }
 
-TEST(ExtractName, TextBeforeTheBracketWithoutQuotes) {
-  EXPECT_EQ(ExtractName("\"O'Neil, Ann\" <ann@example.com>"), "ONeil, Ann");
-  EXPECT_EQ(ExtractName("<ann@example.com>"), "<ann@example.com>");
-  EXPECT_EQ(ExtractName("ann@example.com"), "ann@example.com");
+TEST(extractName, TextBeforeTheBracketWithoutQuotes) {
+  EXPECT_EQ(extractName("\"O'Neil, Ann\" <ann@example.com>"), "ONeil, Ann");
+  EXPECT_EQ(extractName("<ann@example.com>"), "<ann@example.com>");
+  EXPECT_EQ(extractName("ann@example.com"), "ann@example.com");
 }
 
-TEST(QuotedPrintableDecode, SoftBreaksBecomeLineEndsUnlessTheTextMentionsEbay) {
-  EXPECT_EQ(QuotedPrintableDecode("abc=\r\ndef=41"), "abc\r\ndefA");
-  EXPECT_EQ(QuotedPrintableDecode("eBay x=\r\ny=3D1"), "eBay xy=1");
+TEST(quotedPrintableDecode, SoftBreaksBecomeLineEndsUnlessTheTextMentionsEbay) {
+  EXPECT_EQ(quotedPrintableDecode("abc=\r\ndef=41"), "abc\r\ndefA");
+  EXPECT_EQ(quotedPrintableDecode("eBay x=\r\ny=3D1"), "eBay xy=1");
   const std::string wrapped = std::string(75, 'a') + "=\r\n" + std::string(75, 'b') + "=\r\nc";
-  EXPECT_EQ(QuotedPrintableDecode(wrapped), std::string(75, 'a') + std::string(75, 'b') + "c");
+  EXPECT_EQ(quotedPrintableDecode(wrapped), std::string(75, 'a') + std::string(75, 'b') + "c");
 }
 
-TEST(QuotedPrintableDecode, DotCodeAndCarriageReturnCodeAreLineEnds) {
-  EXPECT_EQ(QuotedPrintableDecode("one=2Etwo"), "one\r\ntwo");
-  EXPECT_EQ(QuotedPrintableDecode("a\r\nb=0Dc=0A"), "ab\r\nc");
+TEST(quotedPrintableDecode, DotCodeAndCarriageReturnCodeAreLineEnds) {
+  EXPECT_EQ(quotedPrintableDecode("one=2Etwo"), "one\r\ntwo");
+  EXPECT_EQ(quotedPrintableDecode("a\r\nb=0Dc=0A"), "ab\r\nc");
 }
 
-TEST(QuotedPrintableDecode, StrayEqualsSignsStayAndTheResultIsTrimmed) {
-  EXPECT_EQ(QuotedPrintableDecode("a = b=4"), "a = b=4");
-  EXPECT_EQ(QuotedPrintableDecode("=20x=3d=20"), "x=");
-  EXPECT_EQ(QuotedPrintableDecode("no equals "), "no equals ");
+TEST(quotedPrintableDecode, StrayEqualsSignsStayAndTheResultIsTrimmed) {
+  EXPECT_EQ(quotedPrintableDecode("a = b=4"), "a = b=4");
+  EXPECT_EQ(quotedPrintableDecode("=20x=3d=20"), "x=");
+  EXPECT_EQ(quotedPrintableDecode("no equals "), "no equals ");
 }
 
 TEST(Base64, DecodingKeepsTheBlankFillAndEncodingIsStandard) {
-  EXPECT_EQ(DecodeMime64("SGVs\r\nbG8="), "Hello   ");
-  EXPECT_EQ(DecodeMime64("S!G?V*s"), "Hel    ");
-  EXPECT_EQ(DecodeMime64(""), "");
-  EXPECT_EQ(EncodeMime64String("Hello"), "SGVsbG8=");
-  EXPECT_EQ(EncodeMime64String(std::string("\xFF\x00z", 3)), "/wB6");
+  EXPECT_EQ(decodeMime64("SGVs\r\nbG8="), "Hello   ");
+  EXPECT_EQ(decodeMime64("S!G?V*s"), "Hel    ");
+  EXPECT_EQ(decodeMime64(""), "");
+  EXPECT_EQ(encodeMime64String("Hello"), "SGVsbG8=");
+  EXPECT_EQ(encodeMime64String(std::string("\xFF\x00z", 3)), "/wB6");
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <initializer_list>
 
 #include "core/log/app_error.h"
-#include "core/message/messages.h"
+#include "core/message/message_list.h"
 #include "../test_home.h"
 
 namespace vonel::message {
@@ -20,226 +20,226 @@ std::string mail(std::initializer_list<std::string_view> headers, std::string_vi
 
 const FixedClock kClock(text::DateTime{2026, 1, 2, 3, 4, 5});
 
-clsMessage parsed(const std::string& text, bool headerOnly = true) {
-  clsMessage message(nullptr, &kClock);
-  message.CreateFromText(text, headerOnly);
+Message parsed(const std::string& text, bool headerOnly = true) {
+  Message message(nullptr, &kClock);
+  message.createFromText(text, headerOnly);
   return message;
 }
 
-TEST(CreateFromText, ContinuationLinesRunThroughTheLastKeysBranch) {
+TEST(createFromText, ContinuationLinesRunThroughTheLastKeysBranch) {
   const auto m = parsed(mail({"To: first@example.com,", " second@example.com", "Subject: Hello", "\tworld",
                               "Received: from a", " by b", "Cc: x", " y"}));
-  EXPECT_EQ(m.To_Email(), "second@example.com");
-  EXPECT_EQ(m.Subject, "Hello \tworld");  // trimming takes blanks only
-  EXPECT_EQ(m.Received, " from a by b");
-  EXPECT_EQ(m.CC, "y");
-  EXPECT_EQ(m.MessageTo, "");
+  EXPECT_EQ(m.toEmail(), "second@example.com");
+  EXPECT_EQ(m.subject, "Hello \tworld");  // trimming takes blanks only
+  EXPECT_EQ(m.received, " from a by b");
+  EXPECT_EQ(m.cc, "y");
+  EXPECT_EQ(m.messageTo, "");
 }
 
-TEST(CreateFromText, AFoldedLineWithAColonIsANewIgnoredKey) {
+TEST(createFromText, AFoldedLineWithAColonIsANewIgnoredKey) {
   const auto m = parsed(mail({"Subject: Meeting", " at 10:30 today", " in room 4", "Subject: again"}));
   // " at 10" becomes a nonsense key, so " in room 4" is ignored too; the next
   // Subject does not follow a subject line and starts afresh.
-  EXPECT_EQ(m.Subject, "again");
+  EXPECT_EQ(m.subject, "again");
   const auto joined = parsed(mail({"Subject: one", "Subject: two"}));
-  EXPECT_EQ(joined.Subject, "one two");
+  EXPECT_EQ(joined.subject, "one two");
 }
 
-TEST(CreateFromText, SignedFieldListContinuesTheSignature) {
+TEST(createFromText, SignedFieldListContinuesTheSignature) {
   const auto m = parsed(mail({"DomainKey-Signature: a=rsa; c=simple;", " h=received:from:to;", " b=XYZ"}));
-  EXPECT_EQ(m.DomainKey, "a=rsa; c=simple;from:to;b=XYZ");
+  EXPECT_EQ(m.domainKey, "a=rsa; c=simple;from:to;b=XYZ");
 }
 
-TEST(CreateFromText, FirstContentTypeAndLastSpamHeadersWin) {
+TEST(createFromText, FirstContentTypeAndLastSpamHeadersWin) {
   const auto m = parsed(mail({"Content-Type: text/plain; charset=x", "Content-Type: text/html",
                               "X-Spam-Status: No,", "X-Spam-Status: score=1", "X-Mailer: a", "X-Mailer: b"}));
-  EXPECT_EQ(m.ContentTypeMain, "text/plain charset=x");
-  EXPECT_EQ(m.XSpamStatus, "No,score=1");
-  EXPECT_EQ(m.XMailer, "b");
+  EXPECT_EQ(m.contentTypeMain, "text/plain charset=x");
+  EXPECT_EQ(m.xSpamStatus, "No,score=1");
+  EXPECT_EQ(m.xMailer, "b");
 }
 
-TEST(CreateFromText, KeysAreNotTrimmedButCaseIsIgnored) {
+TEST(createFromText, KeysAreNotTrimmedButCaseIsIgnored) {
   const auto m = parsed(mail({"SUBJECT: shout", "From : ignored@example.com", "Date: Mon, 1 Jan 2024 --  "}));
-  EXPECT_EQ(m.Subject, "shout");
-  EXPECT_EQ(m.From, "");
-  EXPECT_EQ(m.SendDate, "Mon, 1 Jan 2024");
+  EXPECT_EQ(m.subject, "shout");
+  EXPECT_EQ(m.from, "");
+  EXPECT_EQ(m.sendDate, "Mon, 1 Jan 2024");
 }
 
-TEST(CreateFromText, ToFallsBackOnDeliveredTo) {
+TEST(createFromText, ToFallsBackOnDeliveredTo) {
   const auto m = parsed(mail({"Delivered-To: me@example.com"}));
-  EXPECT_EQ(m.To_Email(), "me@example.com");
+  EXPECT_EQ(m.toEmail(), "me@example.com");
 }
 
-TEST(CreateFromText, StoreFlagsReadTheLeadingNumber) {
+TEST(createFromText, StoreFlagsReadTheLeadingNumber) {
   const auto m = parsed(mail({"X-Message-Read: 01", "X-Message-HighPriority: 2", "X-Message-Replied: 1x",
                               "X-Message-Tags: work, home"}));
-  EXPECT_TRUE(m.Read);
-  EXPECT_FALSE(m.HighPriority);
-  EXPECT_TRUE(m.Replied);
-  EXPECT_EQ(m.Tags(), "work, home");
+  EXPECT_TRUE(m.read);
+  EXPECT_FALSE(m.highPriority);
+  EXPECT_TRUE(m.replied);
+  EXPECT_EQ(m.tags(), "work, home");
 }
 
-TEST(CreateFromText, ReusedObjectIsClearedButKeepsReplied) {
-  clsMessage m(nullptr, &kClock);
-  m.CreateFromText(mail({"X-Message-Replied: 1", "X-Message-Read: 1", "Received: a", "Subject: one"}), true);
-  m.CreateFromText(mail({"From: b@example.com"}), true);
-  EXPECT_TRUE(m.Replied);
-  EXPECT_FALSE(m.Read);
-  EXPECT_EQ(m.Received, "");
-  EXPECT_EQ(m.Subject, "one");  // fields the list does not clear keep their old value
+TEST(createFromText, ReusedObjectIsClearedButKeepsReplied) {
+  Message m(nullptr, &kClock);
+  m.createFromText(mail({"X-Message-Replied: 1", "X-Message-Read: 1", "Received: a", "Subject: one"}), true);
+  m.createFromText(mail({"From: b@example.com"}), true);
+  EXPECT_TRUE(m.replied);
+  EXPECT_FALSE(m.read);
+  EXPECT_EQ(m.received, "");
+  EXPECT_EQ(m.subject, "one");  // fields the list does not clear keep their old value
 }
 
-TEST(CreateFromText, SizeInWholeKilobytesWithTiesToEven) {
-  EXPECT_EQ(parsed(std::string(1500, 'x')).Size, 1.0f);
-  EXPECT_EQ(parsed(std::string(2560, 'x')).Size, 2.0f);
-  EXPECT_EQ(parsed(std::string(3584, 'x')).Size, 4.0f);
-  EXPECT_EQ(parsed("").Size, 1.0f);
+TEST(createFromText, SizeInWholeKilobytesWithTiesToEven) {
+  EXPECT_EQ(parsed(std::string(1500, 'x')).size, 1.0f);
+  EXPECT_EQ(parsed(std::string(2560, 'x')).size, 2.0f);
+  EXPECT_EQ(parsed(std::string(3584, 'x')).size, 4.0f);
+  EXPECT_EQ(parsed("").size, 1.0f);
 }
 
-TEST(CreateFromText, BodyAndHeadersSplitAtTheFirstBlankLine) {
+TEST(createFromText, BodyAndHeadersSplitAtTheFirstBlankLine) {
   const auto m = parsed("Subject: s\r\n\r\n");
-  EXPECT_EQ(m.Headers, "Subject: s");
-  EXPECT_EQ(m.MessageBody(), "");
-  EXPECT_EQ(m.Messagetext(), "Subject: s\r\n\r\n");
-  EXPECT_EQ(parsed("Subject: s\r\n\r\n", false).MimePartCount(), 1u);
+  EXPECT_EQ(m.headers, "Subject: s");
+  EXPECT_EQ(m.messageBody(), "");
+  EXPECT_EQ(m.messageText(), "Subject: s\r\n\r\n");
+  EXPECT_EQ(parsed("Subject: s\r\n\r\n", false).mimePartCount(), 1u);
 }
 
-TEST(CreateFromText, MissingOrLateBlankLineIsLoggedAsInvalid) {
+TEST(createFromText, MissingOrLateBlankLineIsLoggedAsInvalid) {
   testing::TestHome home;
-  clsMessage m(&home.log, &kClock);
-  m.CreateFromText("Subject: s\r\n\r\nbody", true);
-  m.CreateFromText("Subject: t\nFrom: lf-only\n\nbody", true);
-  EXPECT_NE(home.log.CurrentAction().find("Invalid message format"), std::string::npos);
-  EXPECT_EQ(m.Headers, "");
-  EXPECT_EQ(m.Subject, "s");
+  Message m(&home.log, &kClock);
+  m.createFromText("Subject: s\r\n\r\nbody", true);
+  m.createFromText("Subject: t\nFrom: lf-only\n\nbody", true);
+  EXPECT_NE(home.log.currentAction().find("Invalid message format"), std::string::npos);
+  EXPECT_EQ(m.headers, "");
+  EXPECT_EQ(m.subject, "s");
 
   // A blank line beyond 32767 overflows the position and reads as none.
   const std::string longHeader = "X-Long: " + std::string(33000, 'a');
-  m.CreateFromText(mail({"Subject: late", longHeader}), true);
-  EXPECT_EQ(m.Subject, "s");
-  EXPECT_EQ(m.Size, 32.0f);
+  m.createFromText(mail({"Subject: late", longHeader}), true);
+  EXPECT_EQ(m.subject, "s");
+  EXPECT_EQ(m.size, 32.0f);
 }
 
 TEST(Properties, FilenameCaseCarriesTheReadState) {
-  clsMessage m;
+  Message m;
   m.setFilename("Store/Inbox/Msg_Ab.eml");
-  EXPECT_EQ(m.Filename(), "Store/Inbox/MSG_AB.EML");
-  m.Read = true;
-  EXPECT_EQ(m.Filename(), "Store/Inbox/msg_ab.eml");
+  EXPECT_EQ(m.filename(), "Store/Inbox/MSG_AB.EML");
+  m.read = true;
+  EXPECT_EQ(m.filename(), "Store/Inbox/msg_ab.eml");
 }
 
 TEST(Properties, AttachmentNamesAndEmptyParts) {
-  clsMessage m;
-  m.AddAttachment("a.txt");
-  m.AddAttachment("b.jpg");
-  EXPECT_EQ(m.AttachmentFilenames(), "a.txt * b.jpg * ");
-  EXPECT_FALSE(m.HasAttachment);
-  EXPECT_EQ(m.MimePart(1).ContentType, "");
-  EXPECT_EQ(m.MimePart(0).Size, 0);
+  Message m;
+  m.addAttachment("a.txt");
+  m.addAttachment("b.jpg");
+  EXPECT_EQ(m.attachmentFilenames(), "a.txt * b.jpg * ");
+  EXPECT_FALSE(m.hasAttachment);
+  EXPECT_EQ(m.mimePart(1).contentType, "");
+  EXPECT_EQ(m.mimePart(0).size, 0);
 }
 
-TEST(Tags, SetterNormalisesAndPresenceIsASubstringTest) {
-  clsMessage m;
+TEST(tags, SetterNormalisesAndPresenceIsASubstringTest) {
+  Message m;
   m.setTags("  ,work,home ");
-  EXPECT_EQ(m.Tags(), "work,home");
+  EXPECT_EQ(m.tags(), "work,home");
   m.setTags(" , ");
-  EXPECT_EQ(m.Tags(), "");
+  EXPECT_EQ(m.tags(), "");
   m.setTags("Homework");
-  EXPECT_TRUE(m.TagsPresent(""));
-  EXPECT_TRUE(m.TagsPresent("x,,WORK"));
-  EXPECT_FALSE(m.TagsPresent("play,"));
+  EXPECT_TRUE(m.tagsPresent(""));
+  EXPECT_TRUE(m.tagsPresent("x,,WORK"));
+  EXPECT_FALSE(m.tagsPresent("play,"));
 }
 
-TEST(RawMessage, FlagLinesCloseTheHeaderBlock) {
+TEST(rawMessage, FlagLinesCloseTheHeaderBlock) {
   auto m = parsed(mail({"Subject: s", "X-Message-Read: 1"}));
-  EXPECT_TRUE(m.Read);
-  m.Read = false;
-  EXPECT_EQ(m.RawMessage(), mail({"Subject: s", "X-Receive-Date: 2026-01-02 03:04:05", "X-Message-Tags: "}));
-  m.Read = true;
-  m.HighPriority = true;
+  EXPECT_TRUE(m.read);
+  m.read = false;
+  EXPECT_EQ(m.rawMessage(), mail({"Subject: s", "X-Receive-Date: 2026-01-02 03:04:05", "X-Message-Tags: "}));
+  m.read = true;
+  m.highPriority = true;
   m.setTags("t1");
-  m.ReplaceRawMessage(mail({"Subject: s", "X-Message-Tags: old", "X-Receive-Date: earlier"}));
-  EXPECT_EQ(m.RawMessage(), mail({"Subject: s", "X-Message-Tags: t1", "X-Receive-Date: earlier", "X-Message-Read: 1",
+  m.replaceRawMessage(mail({"Subject: s", "X-Message-Tags: old", "X-Receive-Date: earlier"}));
+  EXPECT_EQ(m.rawMessage(), mail({"Subject: s", "X-Message-Tags: t1", "X-Receive-Date: earlier", "X-Message-Read: 1",
                                   "X-Message-HighPriority: 1"}));
 }
 
-TEST(RawMessage, FalseFlagsAreDeletedEverywhereAndNoBlankLineMeansNoLines) {
+TEST(rawMessage, FalseFlagsAreDeletedEverywhereAndNoBlankLineMeansNoLines) {
   auto m = parsed(mail({"Subject: s"}, "quote: X-Message-Replied: 1\r\nend"));
-  EXPECT_EQ(m.RawMessage(), mail({"Subject: s", "X-Receive-Date: 2026-01-02 03:04:05", "X-Message-Tags: "},
+  EXPECT_EQ(m.rawMessage(), mail({"Subject: s", "X-Receive-Date: 2026-01-02 03:04:05", "X-Message-Tags: "},
                                  "quote: end"));
-  m.Read = true;
-  m.ReplaceRawMessage("Subject: only headers\r\n");
-  EXPECT_EQ(m.RawMessage(), "Subject: only headers\r\n");
+  m.read = true;
+  m.replaceRawMessage("Subject: only headers\r\n");
+  EXPECT_EQ(m.rawMessage(), "Subject: only headers\r\n");
 }
 
-TEST(RawMessage, TagAsSpamMarksEverySubjectOnce) {
+TEST(rawMessage, TagAsSpamMarksEverySubjectOnce) {
   auto m = parsed(mail({"Subject: hi"}, "Subject: quoted\r\n"));
-  m.TagAsSpam();
-  m.TagAsSpam();  // Headers still lacks the mark, so it is applied again
-  EXPECT_EQ(m.Subject, "hi");
-  EXPECT_NE(m.RawMessage().find("Subject: SPAM: SPAM: quoted"), std::string::npos);
+  m.tagAsSpam();
+  m.tagAsSpam();  // Headers still lacks the mark, so it is applied again
+  EXPECT_EQ(m.subject, "hi");
+  EXPECT_NE(m.rawMessage().find("Subject: SPAM: SPAM: quoted"), std::string::npos);
   auto marked = parsed(mail({"Subject: SPAM: hi"}));
-  marked.TagAsSpam();
-  EXPECT_EQ(marked.RawMessage().find("SPAM: SPAM"), std::string::npos);
+  marked.tagAsSpam();
+  EXPECT_EQ(marked.rawMessage().find("SPAM: SPAM"), std::string::npos);
 }
 
-TEST(RawMessage, RemoveReceiveDateCutsByTheSerialisedText) {
+TEST(rawMessage, RemoveReceiveDateCutsByTheSerialisedText) {
   auto m = parsed(mail({"Subject: s", "X-Receive-Date: 2020-01-01 00:00:00", "X-Message-Tags: a"}));
-  m.RemoveReceiveDate();
-  EXPECT_EQ(m.RawMessage(), mail({"Subject: s", "X-Message-Tags: a", "X-Receive-Date: 2026-01-02 03:04:05"}));
+  m.removeReceiveDate();
+  EXPECT_EQ(m.rawMessage(), mail({"Subject: s", "X-Message-Tags: a", "X-Receive-Date: 2026-01-02 03:04:05"}));
 }
 
-TEST(StrippedBody, PlainBodyFlattenedAndHtmlPartStripped) {
+TEST(strippedBody, PlainBodyFlattenedAndHtmlPartStripped) {
   const auto plain = parsed(mail({"Subject: s"}, "caf&eacute;\r\nline=20two\r\n"), false);
-  EXPECT_EQ(plain.StrippedBody, "caf\xE9 line two");
-  EXPECT_EQ(plain.HtmlStrippedBody, "");  // no type, so no mark-up pass
+  EXPECT_EQ(plain.strippedBody, "caf\xE9 line two");
+  EXPECT_EQ(plain.htmlStrippedBody, "");  // no type, so no mark-up pass
 
   const auto html = parsed(mail({"Content-Type: text/html"}, "<p>A&nbsp;&lt;b&gt;</p>\r\n<style>x</style>B"), false);
-  EXPECT_EQ(html.StrippedBody, "<p>A <b></p> <style>x</style>B");
-  EXPECT_EQ(html.HtmlStrippedBody, "A B");
+  EXPECT_EQ(html.strippedBody, "<p>A <b></p> <style>x</style>B");
+  EXPECT_EQ(html.htmlStrippedBody, "A B");
 }
 
-TEST(StrippedBody, LaterBase64PartIsUsedWhenTheFirstIsEmpty) {
+TEST(strippedBody, LaterBase64PartIsUsedWhenTheFirstIsEmpty) {
   const auto m = parsed(mail({"Content-Type: multipart/mixed; boundary=XX"},
                              "--XX\r\nContent-Type: text/plain\r\n\r\n\r\n--XX\r\n"
                              "Content-Type: text/plain\r\nContent-Transfer-Encoding: base64\r\n\r\nSGVsbG8=\r\n--XX--\r\n"),
                         false);
-  ASSERT_EQ(m.MimePartCount(), 2u);
-  EXPECT_EQ(m.StrippedBody, "Hello");
+  ASSERT_EQ(m.mimePartCount(), 2u);
+  EXPECT_EQ(m.strippedBody, "Hello");
 }
 
-TEST(SendDate, ZoneIsTakenOffAndTheLocalStandardZoneAdded) {
+TEST(sendDate, ZoneIsTakenOffAndTheLocalStandardZoneAdded) {
   auto m = parsed(mail({"Date: Tue, 02 Jan 2024 10:00:00 +0100 (CET)"}));
-  EXPECT_EQ(m.SendDateInZone(0), (text::DateTime{2024, 1, 2, 9, 0, 0}));
-  EXPECT_EQ(m.SendDateInZone(-480), (text::DateTime{2024, 1, 2, 17, 0, 0}));
+  EXPECT_EQ(m.sendDateInZone(0), (text::DateTime{2024, 1, 2, 9, 0, 0}));
+  EXPECT_EQ(m.sendDateInZone(-480), (text::DateTime{2024, 1, 2, 17, 0, 0}));
   // Zone minutes always count forwards: -0930 is nine hours back, thirty minutes on.
-  m.SendDate = "2 Jan 2024 10:00 -0930";
-  EXPECT_EQ(m.SendDateInZone(0), (text::DateTime{2024, 1, 2, 18, 30, 0}));
-  EXPECT_EQ(m.SendDateInZone(210), (text::DateTime{2024, 1, 2, 16, 0, 0}));
+  m.sendDate = "2 Jan 2024 10:00 -0930";
+  EXPECT_EQ(m.sendDateInZone(0), (text::DateTime{2024, 1, 2, 18, 30, 0}));
+  EXPECT_EQ(m.sendDateInZone(210), (text::DateTime{2024, 1, 2, 16, 0, 0}));
 }
 
-TEST(SendDate, DateWithoutZoneOrUnreadableFails) {
+TEST(sendDate, DateWithoutZoneOrUnreadableFails) {
   auto m = parsed(mail({"Date: Tue, 02 Jan 2024 10:00:00 GMT"}));
-  EXPECT_THROW(m.SendDateInZone(0), AppError);
-  m.SendDate = "soon +0100";
-  EXPECT_THROW(m.SendDateInZone(0), AppError);
-  m.SendDate = "2 Jan 2024 10:00 +99999900";
-  EXPECT_THROW(m.SendDateInZone(0), AppError);
+  EXPECT_THROW(m.sendDateInZone(0), AppError);
+  m.sendDate = "soon +0100";
+  EXPECT_THROW(m.sendDateInZone(0), AppError);
+  m.sendDate = "2 Jan 2024 10:00 +99999900";
+  EXPECT_THROW(m.sendDateInZone(0), AppError);
 }
 
-TEST(Messages, KeyedAndKeylessItemsInOrder) {
-  clsMessages list;
-  auto first = list.Add(std::make_shared<clsMessage>(), "Key1");
-  list.Add(std::make_shared<clsMessage>());
-  list.Add(std::make_shared<clsMessage>(), "key2");
-  EXPECT_EQ(list.Count(), 3u);
-  EXPECT_EQ(list.Item("KEY1"), first);
-  EXPECT_THROW(list.Add(std::make_shared<clsMessage>(), "KEY2"), AppError);
-  list.Remove(1);
-  EXPECT_THROW(list.Item("key1"), AppError);
-  list.Remove("Key2");
-  EXPECT_EQ(list.Count(), 1u);
-  EXPECT_THROW(list.Item(2), AppError);
+TEST(messages, KeyedAndKeylessItemsInOrder) {
+  MessageList list;
+  auto first = list.add(std::make_shared<Message>(), "Key1");
+  list.add(std::make_shared<Message>());
+  list.add(std::make_shared<Message>(), "key2");
+  EXPECT_EQ(list.count(), 3u);
+  EXPECT_EQ(list.item("KEY1"), first);
+  EXPECT_THROW(list.add(std::make_shared<Message>(), "KEY2"), AppError);
+  list.remove(1);
+  EXPECT_THROW(list.item("key1"), AppError);
+  list.remove("Key2");
+  EXPECT_EQ(list.count(), 1u);
+  EXPECT_THROW(list.item(2), AppError);
 }
 
 }  // namespace
@@ -252,8 +252,8 @@ TEST(BadInput, HugeHeadersReadAsInvalidWithoutWork) {
   std::string manyLines;
   for (int i = 0; i < 200000; ++i) manyLines += "X-Line: " + std::to_string(i) + "\r\n";
   for (const bool headerOnly : {true, false}) {
-    EXPECT_EQ(parsed(manyLines + "\r\nbody", headerOnly).Headers, "");
-    EXPECT_EQ(parsed("Subject: " + std::string(1 << 20, 'x') + "\r\n\r\nbody", headerOnly).Subject, "");
+    EXPECT_EQ(parsed(manyLines + "\r\nbody", headerOnly).headers, "");
+    EXPECT_EQ(parsed("Subject: " + std::string(1 << 20, 'x') + "\r\n\r\nbody", headerOnly).subject, "");
   }
 }
 
@@ -262,13 +262,13 @@ TEST(BadInput, NullBytesBrokenWordsAndUnclosedQuotes) {
                               "Content-Type: multipart/mixed; boundary=\"open"},
                              "--open\r\nContent-Type: text/plain; name=\"x\r\n\r\ndata\r\n--open"),
                         false);
-  EXPECT_EQ(m.Subject, "before");
-  EXPECT_EQ(m.To_Email(), "unclosed <a@b");
+  EXPECT_EQ(m.subject, "before");
+  EXPECT_EQ(m.toEmail(), "unclosed <a@b");
   // The last marker ends the section without its closing dashes, and the
   // unclosed name runs to the line end.
-  ASSERT_EQ(m.MimePartCount(), 1u);
-  EXPECT_EQ(m.AttachmentFilenames(), "x * ");
-  EXPECT_EQ(m.StrippedBody, "data");
+  ASSERT_EQ(m.mimePartCount(), 1u);
+  EXPECT_EQ(m.attachmentFilenames(), "x * ");
+  EXPECT_EQ(m.strippedBody, "data");
 }
 
 TEST(BadInput, DeepNestingIsWalkedOnlySoFar) {
@@ -282,8 +282,8 @@ TEST(BadInput, DeepNestingIsWalkedOnlySoFar) {
   body += "--x" + std::to_string(kDepth) + "y\r\nContent-Type: text/plain\r\n\r\ndeep\r\n";
   for (int i = kDepth; i >= 0; --i) body += "--x" + std::to_string(i) + "y--\r\n";
   const auto m = parsed(mail({"Content-Type: multipart/mixed; boundary=x0y"}, body), false);
-  ASSERT_EQ(m.MimePartCount(), 1u);
-  EXPECT_EQ(m.MimePart(1).ContentType, "multipart/mixed");
+  ASSERT_EQ(m.mimePartCount(), 1u);
+  EXPECT_EQ(m.mimePart(1).contentType, "multipart/mixed");
 }
 
 }  // namespace

@@ -10,49 +10,49 @@
 namespace vonel::message {
 namespace {
 
-clsMessage parsed(std::string body, std::string_view boundary = "b") {
-  clsMessage message;
-  message.CreateFromText(
+Message parsed(std::string body, std::string_view boundary = "b") {
+  Message message;
+  message.createFromText(
       "Subject: s\r\nContent-Type: multipart/mixed; boundary=\"" + std::string(boundary) + "\"\r\n\r\n" + body, false);
   return message;
 }
 
 TEST(BrokenMultipart, WithoutAnyMarkerNoPartAndTheBodyIsShown) {
   const auto m = parsed("just text, the boundary never comes\r\n");
-  EXPECT_EQ(m.MimePartCount(), 0u);
-  EXPECT_EQ(ExtractPlainMessage(m, false), "just text, the boundary never comes");
+  EXPECT_EQ(m.mimePartCount(), 0u);
+  EXPECT_EQ(extractPlainMessage(m, false), "just text, the boundary never comes");
 }
 
 TEST(BrokenMultipart, ACutOffLastSectionIsDroppedAndTheRestKept) {
   const auto m = parsed(
       "--b\r\nContent-Type: text/plain\r\n\r\nfirst\r\n"
       "--b\r\nContent-Type: image/png; name=\"p.png\"\r\nContent-Transfer-Encoding: base64\r\n\r\niVBORw0KGgoAAAANSU");
-  ASSERT_EQ(m.MimePartCount(), 1u);
-  EXPECT_EQ(ExtractPlainMessage(m, false), "first");
+  ASSERT_EQ(m.mimePartCount(), 1u);
+  EXPECT_EQ(extractPlainMessage(m, false), "first");
 }
 
 TEST(BrokenMultipart, RepeatedMarkersGiveEmptyPartsThatAreSkipped) {
   const auto m = parsed("--b\r\n--b\r\n--b\r\nContent-Type: text/plain\r\n\r\ntext\r\n--b--\r\n--b--\r\n");
-  ASSERT_EQ(m.MimePartCount(), 4u);
-  EXPECT_EQ(m.MimePart(1).ContentType, "");
-  EXPECT_EQ(m.MimePart(3).ContentType, "text/plain");
-  EXPECT_EQ(ExtractPlainMessage(m, false), "text");
+  ASSERT_EQ(m.mimePartCount(), 4u);
+  EXPECT_EQ(m.mimePart(1).contentType, "");
+  EXPECT_EQ(m.mimePart(3).contentType, "text/plain");
+  EXPECT_EQ(extractPlainMessage(m, false), "text");
 }
 
 TEST(BrokenMultipart, AMarkerInsideAttachmentDataSplitsIt) {
   const auto m = parsed(
       "--b\r\nContent-Type: application/zip; name=\"a.zip\"\r\nContent-Transfer-Encoding: base64\r\n\r\n"
       "UEsDBA==\r\n--b\r\nAAAA\r\n--b--\r\n");
-  ASSERT_EQ(m.MimePartCount(), 2u);
-  EXPECT_EQ(DecodedPartBytes(m.MimePart(1).Data, m.MimePart(1).Encoding), "PK\x03\x04");
-  EXPECT_EQ(m.AttachmentFilenames(), "a.zip * ");
+  ASSERT_EQ(m.mimePartCount(), 2u);
+  EXPECT_EQ(decodedPartBytes(m.mimePart(1).data, m.mimePart(1).encoding), "PK\x03\x04");
+  EXPECT_EQ(m.attachmentFilenames(), "a.zip * ");
 }
 
 TEST(BadEncodings, InvalidBase64AndQuotedPrintableDecodeWhatTheyCan) {
-  EXPECT_EQ(DecodeBase64Bytes("SGV*sb\r\nG8!=garbage"), "Hello");
-  EXPECT_EQ(DecodeBase64Bytes("S"), "");
-  EXPECT_EQ(DecodeBase64Bytes("***"), "");
-  EXPECT_EQ(DecodeQuotedPrintableBytes("=ZZ=4=4g=\t \r\nx="), "=ZZ=4=4gx");
+  EXPECT_EQ(decodeBase64Bytes("SGV*sb\r\nG8!=garbage"), "Hello");
+  EXPECT_EQ(decodeBase64Bytes("S"), "");
+  EXPECT_EQ(decodeBase64Bytes("***"), "");
+  EXPECT_EQ(decodeQuotedPrintableBytes("=ZZ=4=4g=\t \r\nx="), "=ZZ=4=4gx");
 }
 
 TEST(LargeInput, AThousandPartsAreAllListed) {
@@ -62,15 +62,15 @@ TEST(LargeInput, AThousandPartsAreAllListed) {
             ".bin\"\r\nContent-Transfer-Encoding: base64\r\n\r\nAAEC\r\n";
   }
   const auto m = parsed(body + "--b--\r\n");
-  ASSERT_EQ(m.MimePartCount(), 1000u);
-  ASSERT_EQ(m.AttachmentNames().size(), 1000u);
-  EXPECT_EQ(m.MimePart(1000).Filename, "f999.bin");
+  ASSERT_EQ(m.mimePartCount(), 1000u);
+  ASSERT_EQ(m.attachmentNames().size(), 1000u);
+  EXPECT_EQ(m.mimePart(1000).filename, "f999.bin");
 }
 
 TEST(LargeInput, AFiftyMegabyteAttachmentDecodesExactly) {
   std::string bytes(37'500'000, '\0');
   for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>((i * 131) >> 3);
-  std::string encoded = EncodeMime64String(bytes);
+  std::string encoded = encodeMime64String(bytes);
   std::string lines;
   lines.reserve(encoded.size() / 76 * 78 + 80);
   for (std::size_t i = 0; i < encoded.size(); i += 76) lines.append(encoded, i, 76).append("\r\n");
@@ -78,9 +78,9 @@ TEST(LargeInput, AFiftyMegabyteAttachmentDecodesExactly) {
   const auto m = parsed("--b\r\nContent-Type: text/plain\r\n\r\nsee attached\r\n"
                         "--b\r\nContent-Type: application/octet-stream; name=\"big.bin\"\r\n"
                         "Content-Transfer-Encoding: base64\r\n\r\n" + lines + "--b--\r\n");
-  ASSERT_EQ(m.MimePartCount(), 2u);
-  EXPECT_TRUE(DecodedPartBytes(m.MimePart(2).Data, "base64") == bytes);
-  EXPECT_EQ(ExtractPlainMessage(m, false), "see attached");
+  ASSERT_EQ(m.mimePartCount(), 2u);
+  EXPECT_TRUE(decodedPartBytes(m.mimePart(2).data, "base64") == bytes);
+  EXPECT_EQ(extractPlainMessage(m, false), "see attached");
 }
 
 }  // namespace

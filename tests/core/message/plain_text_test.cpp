@@ -4,21 +4,21 @@
 
 #include <filesystem>
 
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/text/strings.h"
 #include "../test_home.h"
 
 namespace vonel::message {
 namespace {
 
-clsMessage parsed(const std::string& text) {
-  clsMessage message;
-  message.CreateFromText(text, false);
+Message parsed(const std::string& text) {
+  Message message;
+  message.createFromText(text, false);
   return message;
 }
 
 // A multipart/mixed message with boundary "b" around the given sections.
-clsMessage multipart(std::initializer_list<std::string_view> sections) {
+Message multipart(std::initializer_list<std::string_view> sections) {
   std::string text = "Subject: s\r\nContent-Type: multipart/mixed; boundary=b\r\n\r\n";
   for (const auto section : sections) text.append("--b\r\n").append(section).append("\r\n");
   return parsed(text + "--b--\r\n");
@@ -28,62 +28,62 @@ constexpr std::string_view kHtml = "Content-Type: text/html\r\n\r\n<p>Hi <b>ther
 constexpr std::string_view kPlain = "Content-Type: text/plain\r\n\r\nplain words";
 constexpr std::string_view kPicture = "Content-Type: image/gif; name=\"x.gif\"\r\nContent-Transfer-Encoding: base64\r\n\r\nR0lG";
 
-TEST(ExtractPlainMessage, WithoutMimeTheBodyLosesItsTrailingBlanksAndDashes) {
+TEST(extractPlainMessage, WithoutMimeTheBodyLosesItsTrailingBlanksAndDashes) {
   const auto m = parsed("From: a@b.c\r\n\r\nHello there\r\n-- \r\n");
-  ASSERT_EQ(m.MimePartCount(), 1u);
-  EXPECT_EQ(m.MimePart(1).ContentType, "");
-  EXPECT_EQ(ExtractPlainMessage(m, false), "Hello there");
+  ASSERT_EQ(m.mimePartCount(), 1u);
+  EXPECT_EQ(m.mimePart(1).contentType, "");
+  EXPECT_EQ(extractPlainMessage(m, false), "Hello there");
 }
 
-TEST(ExtractPlainMessage, PlainWinsOverHtmlWhichBecomesAWebPageAttachment) {
-  const auto m = parsed(files::LoadTextFile(std::filesystem::path(VONEL_TEST_DATA) / "messages/multipart_alternative.eml"));
-  EXPECT_EQ(ExtractPlainMessage(m, false), "Caf\xE9 offer: two for one.\r\nSoft break above stays a line end.");
-  EXPECT_EQ(m.MimePart(2).Filename, "View email as web page.html");
-  EXPECT_TRUE(m.HasAttachment);
+TEST(extractPlainMessage, PlainWinsOverHtmlWhichBecomesAWebPageAttachment) {
+  const auto m = parsed(files::loadTextFile(std::filesystem::path(VONEL_TEST_DATA) / "messages/multipart_alternative.eml"));
+  EXPECT_EQ(extractPlainMessage(m, false), "Caf\xE9 offer: two for one.\r\nSoft break above stays a line end.");
+  EXPECT_EQ(m.mimePart(2).filename, "View email as web page.html");
+  EXPECT_TRUE(m.hasAttachment);
 }
 
-TEST(ExtractPlainMessage, HtmlFirstAndPlainSecondToLastShowsBoth) {
-  EXPECT_EQ(ExtractPlainMessage(multipart({kHtml, kPlain}), false), "plain words");
-  EXPECT_EQ(ExtractPlainMessage(multipart({kHtml, kPlain, kPicture}), false), "Hi there\r\n\r\nplain words");
+TEST(extractPlainMessage, HtmlFirstAndPlainSecondToLastShowsBoth) {
+  EXPECT_EQ(extractPlainMessage(multipart({kHtml, kPlain}), false), "plain words");
+  EXPECT_EQ(extractPlainMessage(multipart({kHtml, kPlain, kPicture}), false), "Hi there\r\n\r\nplain words");
 }
 
-TEST(ExtractPlainMessage, EmptyPlainFallsToHtmlAndNoTextPartGivesNothing) {
-  EXPECT_EQ(ExtractPlainMessage(multipart({"Content-Type: text/plain\r\n\r\n", kHtml}), false), "Hi there\r\n");
-  EXPECT_EQ(ExtractPlainMessage(multipart({kPicture, kPicture}), false), "");
+TEST(extractPlainMessage, EmptyPlainFallsToHtmlAndNoTextPartGivesNothing) {
+  EXPECT_EQ(extractPlainMessage(multipart({"Content-Type: text/plain\r\n\r\n", kHtml}), false), "Hi there\r\n");
+  EXPECT_EQ(extractPlainMessage(multipart({kPicture, kPicture}), false), "");
 }
 
-TEST(ExtractPlainMessage, UnparsedHtmlBodyIsRendered) {
+TEST(extractPlainMessage, UnparsedHtmlBodyIsRendered) {
   const auto m = parsed("From: a@b.c\r\n\r\n<HTML><body>Hi<br>there</body></HTML>\r\n");
-  EXPECT_EQ(ExtractPlainMessage(m, false), "Hi\r\nthere");
+  EXPECT_EQ(extractPlainMessage(m, false), "Hi\r\nthere");
 }
 
-TEST(ExtractPlainMessage, SpecialCharactersEntitiesAndTheListFooter) {
+TEST(extractPlainMessage, SpecialCharactersEntitiesAndTheListFooter) {
   using namespace std::string_literals;
   const auto m = parsed("From: a@b.c\r\n\r\nCaf&eacute;\x85 \x8B \x97 x\0y\r\nYahoo! Groups Links\r\nfoot"s);
-  EXPECT_EQ(ExtractPlainMessage(m, true), "Caf\xE9... < -- xy\r\n");
-  EXPECT_EQ(ExtractPlainMessage(m, false), "Caf\xE9... < -- xy\r\nYahoo! Groups Links\r\nfoot");
+  EXPECT_EQ(extractPlainMessage(m, true), "Caf\xE9... < -- xy\r\n");
+  EXPECT_EQ(extractPlainMessage(m, false), "Caf\xE9... < -- xy\r\nYahoo! Groups Links\r\nfoot");
 
   testing::TestHome home;
   AppContext context{home.clock, home.prompt, AppInfo{"Vonel", "1", "os", "/", home.dir.path()}};
-  EXPECT_EQ(ExtractPlainMessage(m, context), ExtractPlainMessage(m, false));
-  context.Settings.StoreSetting("TWEAKS", Value("TRUE"));
-  EXPECT_EQ(ExtractPlainMessage(m, context), ExtractPlainMessage(m, true));
+  EXPECT_EQ(extractPlainMessage(m, context), extractPlainMessage(m, false));
+  context.settings.set("TWEAKS", Value("TRUE"));
+  EXPECT_EQ(extractPlainMessage(m, context), extractPlainMessage(m, true));
 }
 
-TEST(ExtractHtmlPartText, LineBreaksParagraphsAndLinkTargetsStayVisible) {
-  clsMimeType part;
-  part.ContentType = "text/html";
-  part.Data = "<p>One<br>Two</p>\r\n<a href=\"http://x.org/\">site</a> &gt; caf&eacute;";
-  EXPECT_EQ(ExtractHtmlPartText(part), "One\r\nTwo\r\n http://x.org/\">site  > caf\xE9");
-  part.Data = "PGI+Qm9sZDwvYj4=";
-  part.Encoding = "base64";
-  EXPECT_EQ(text::trim(ExtractHtmlPartText(part)), "Bold");
+TEST(extractHtmlPartText, LineBreaksParagraphsAndLinkTargetsStayVisible) {
+  MimePart part;
+  part.contentType = "text/html";
+  part.data = "<p>One<br>Two</p>\r\n<a href=\"http://x.org/\">site</a> &gt; caf&eacute;";
+  EXPECT_EQ(extractHtmlPartText(part), "One\r\nTwo\r\n http://x.org/\">site  > caf\xE9");
+  part.data = "PGI+Qm9sZDwvYj4=";
+  part.encoding = "base64";
+  EXPECT_EQ(text::trim(extractHtmlPartText(part)), "Bold");
 }
 
-TEST(ExtractHtmlPartText, AQuotedBlockKeepsItsLengthSoItsTailIsLost) {
-  clsMimeType part;
-  part.Data = "a<blockquote>x\ry</blockquote>b";
-  EXPECT_EQ(ExtractHtmlPartText(part), "a\r\n\r\nb");
+TEST(extractHtmlPartText, AQuotedBlockKeepsItsLengthSoItsTailIsLost) {
+  MimePart part;
+  part.data = "a<blockquote>x\ry</blockquote>b";
+  EXPECT_EQ(extractHtmlPartText(part), "a\r\n\r\nb");
 }
 
 }  // namespace

@@ -20,10 +20,10 @@ TEST(FoldedFieldTest, LongFieldsFindExactlyWhatAPlainSearchFinds) {
       for (char& c : wanted) c = static_cast<char>(letter(random));
       if (round % 3 == 0 && length <= text.size()) wanted = text.substr(text.size() - length);  // at the very end
       const bool expected = text.find(wanted) != std::string::npos;
-      EXPECT_EQ(field.Holds(wanted, TrigramSet::HashesOf(wanted)), expected) << text << " / " << wanted;
+      EXPECT_EQ(field.holds(wanted, TrigramSet::hashesOf(wanted)), expected) << text << " / " << wanted;
     }
   }
-  EXPECT_FALSE(FoldedField("").Holds("", {}));
+  EXPECT_FALSE(FoldedField("").holds("", {}));
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "../test_home.h"
 
 namespace vonel::rules {
@@ -33,12 +33,12 @@ class RuleFileTest : public ::testing::Test {
  protected:
   RuleSet read(std::string_view text, bool clear = true) {
     RuleSet rules;
-    ReadRules(text, rules, clear, home.log);
+    readRules(text, rules, clear, home.log);
     return rules;
   }
   std::string logText() {
-    home.log.WriteActionsToLog();
-    return files::FileExists(home.log.CurrentLogFilename()) ? files::LoadTextFile(home.log.CurrentLogFilename()) : "";
+    home.log.writeActionsToLog();
+    return files::fileExists(home.log.currentLogFilename()) ? files::loadTextFile(home.log.currentLogFilename()) : "";
   }
   testing::TestHome home;
 };
@@ -46,19 +46,19 @@ class RuleFileTest : public ::testing::Test {
 TEST_F(RuleFileTest, WrittenTextReadsBackAndIsWrittenAgainByteForByte) {
   const RuleSet rules = read(kTwoRules);
   ASSERT_EQ(rules.size(), 2u);
-  const clsFilterNew& first = rules[0];
-  EXPECT_EQ(first.FilterName, "Cheap pills");
-  EXPECT_EQ(first.RuleCount, 2);
-  EXPECT_EQ(first.Fields(2), "From:");
-  EXPECT_EQ(first.Comparisons(2), "!cnt");
-  EXPECT_EQ(first.Strings(1), "viagra");
-  EXPECT_TRUE(first.StopProcessing);
-  EXPECT_EQ(first.DestFolder, "");
-  EXPECT_EQ(rules[1].Category, 1);
-  EXPECT_EQ(rules[1].DestFolder, "\\Lists");
-  EXPECT_EQ(RuleFileText(rules, false), kTwoRules);
+  const FilterRule& first = rules[0];
+  EXPECT_EQ(first.filterName, "Cheap pills");
+  EXPECT_EQ(first.ruleCount, 2);
+  EXPECT_EQ(first.fields(2), "From:");
+  EXPECT_EQ(first.comparisons(2), "!cnt");
+  EXPECT_EQ(first.strings(1), "viagra");
+  EXPECT_TRUE(first.stopProcessing);
+  EXPECT_EQ(first.destFolder, "");
+  EXPECT_EQ(rules[1].category, 1);
+  EXPECT_EQ(rules[1].destFolder, "\\Lists");
+  EXPECT_EQ(ruleFileText(rules, false), kTwoRules);
 
-  const std::string sharedOnly = RuleFileText(rules, true);
+  const std::string sharedOnly = ruleFileText(rules, true);
   EXPECT_EQ(sharedOnly.find("Lists"), std::string::npos);
   EXPECT_EQ(read(sharedOnly).size(), 1u);
 }
@@ -67,22 +67,22 @@ TEST_F(RuleFileTest, OddLinesReadAsTheyAlwaysHave) {
   // A name alone: one rule, no conditions, no action.
   RuleSet rules = read("Filtername, a");
   ASSERT_EQ(rules.size(), 1u);
-  EXPECT_EQ(rules[0].RuleCount, 0);
-  EXPECT_EQ(rules[0].Action, "");
+  EXPECT_EQ(rules[0].ruleCount, 0);
+  EXPECT_EQ(rules[0].action, "");
 
   // Old action codes are rewritten; a value is cut at its second ", ";
   // comparison and text may come in either order; keys ignore case.
   rules = read("FILTERNAME, b\nfilterfield, Subject:\nFilterString, a, b\nFilterComparison, cnt\n"
                "FilterAction,  2 \nFilterStop, True\nSomething, else\n");
   ASSERT_EQ(rules.size(), 1u);
-  EXPECT_EQ(rules[0].Action, "300");
-  EXPECT_EQ(rules[0].Strings(1), "a");
-  EXPECT_EQ(rules[0].Comparisons(1), "cnt");
-  EXPECT_TRUE(rules[0].StopProcessing);
-  EXPECT_NE(RuleFileText(rules, false).find("FilterAction, 300\r\n"), std::string::npos);
+  EXPECT_EQ(rules[0].action, "300");
+  EXPECT_EQ(rules[0].strings(1), "a");
+  EXPECT_EQ(rules[0].comparisons(1), "cnt");
+  EXPECT_TRUE(rules[0].stopProcessing);
+  EXPECT_NE(ruleFileText(rules, false).find("FilterAction, 300\r\n"), std::string::npos);
 
   for (const auto& [old, current] : {std::pair{"0", "100"}, {"1", "200"}, {"3", "400"}, {"4", "500"}, {"600", "600"}}) {
-    EXPECT_EQ(read(std::string("Filtername, x\nFilterAction, ") + old)[0].Action, current);
+    EXPECT_EQ(read(std::string("Filtername, x\nFilterAction, ") + old)[0].action, current);
   }
 }
 
@@ -92,57 +92,57 @@ TEST_F(RuleFileTest, AFifthConditionEndsTheReadKeepingEarlierRules) {
   text += "Filtername, after\r\n";
   const RuleSet rules = read(text);
   ASSERT_EQ(rules.size(), 1u);
-  EXPECT_EQ(rules[0].FilterName, "kept");
+  EXPECT_EQ(rules[0].filterName, "kept");
   EXPECT_NE(logText().find("LoadFilters"), std::string::npos);
 
   // A fifth field alone is dropped, though it is counted.
   const RuleSet counted = read("Filtername, f\nFilterField, a\nFilterField, b\nFilterField, c\nFilterField, d\nFilterField, e\n");
   ASSERT_EQ(counted.size(), 1u);
-  EXPECT_EQ(counted[0].RuleCount, 5);
-  EXPECT_EQ(counted[0].Fields(4), "d");
-  EXPECT_THROW(counted[0].Fields(5), AppError);
+  EXPECT_EQ(counted[0].ruleCount, 5);
+  EXPECT_EQ(counted[0].fields(4), "d");
+  EXPECT_THROW(counted[0].fields(5), AppError);
 }
 
 TEST_F(RuleFileTest, BadStopFlagSkipsOnlyThatRule) {
   const RuleSet rules = read("Filtername, a\nFilterStop, maybe\nFiltername, b\nFilterStop, 0\n");
   ASSERT_EQ(rules.size(), 1u);
-  EXPECT_EQ(rules[0].FilterName, "b");
+  EXPECT_EQ(rules[0].filterName, "b");
   EXPECT_NE(logText().find("Rule \"a\" skipped"), std::string::npos);
 }
 
 TEST_F(RuleFileTest, AddingLoadDropsRepeatedNamesButNotInTheLastRule) {
   RuleSet rules = read("Filtername, one\nFilterAction, 100\n");
-  ReadRules("Filtername, one\nFilterAction, 200\nFiltername, two\nFiltername, two\nFilterAction, 400\n", rules,
+  readRules("Filtername, one\nFilterAction, 200\nFiltername, two\nFiltername, two\nFilterAction, 400\n", rules,
             false, home.log);
   ASSERT_EQ(rules.size(), 3u);
-  EXPECT_EQ(rules[0].Action, "100");
-  EXPECT_EQ(rules[1].FilterName, "two");
-  EXPECT_EQ(rules[2].FilterName, "two");
-  EXPECT_EQ(rules[2].Action, "400");
+  EXPECT_EQ(rules[0].action, "100");
+  EXPECT_EQ(rules[1].filterName, "two");
+  EXPECT_EQ(rules[2].filterName, "two");
+  EXPECT_EQ(rules[2].action, "400");
 }
 
 TEST_F(RuleFileTest, MergeKeepsExistingRulesAndEmptiesTheSource) {
   RuleSet destination = read("Filtername, abc\nFilterAction, 100\n");
   RuleSet source = read("Filtername,  ABC \nFilterAction, 400\nFiltername, new\nFiltername, NEW\n");
-  MergeFilters(source, destination);
+  mergeFilters(source, destination);
   EXPECT_TRUE(source.empty());
   ASSERT_EQ(destination.size(), 2u);
-  EXPECT_EQ(destination[0].Action, "100");
-  EXPECT_EQ(destination[1].FilterName, "new");
+  EXPECT_EQ(destination[0].action, "100");
+  EXPECT_EQ(destination[1].filterName, "new");
 }
 
 TEST_F(RuleFileTest, SaveReplacesTheFileWholeAndAFailedSaveKeepsIt) {
   const auto file = home.dir.path() / "Rules.txt";
   const RuleSet rules = read(kTwoRules);
-  ASSERT_TRUE(SaveFilters(file, rules, false, home.log));
-  EXPECT_EQ(files::LoadTextFile(file), kTwoRules);
+  ASSERT_TRUE(saveFilters(file, rules, false, home.log));
+  EXPECT_EQ(files::loadTextFile(file), kTwoRules);
 
   RuleSet loaded = read("Filtername, stale\n");
-  LoadFilters(loaded, file, true, home.log);
+  loadFilters(loaded, file, true, home.log);
   EXPECT_EQ(loaded, rules);
 
-  EXPECT_FALSE(SaveFilters(home.dir.path() / "missing" / "Rules.txt", rules, false, home.log));
-  EXPECT_EQ(files::LoadTextFile(file), kTwoRules);
+  EXPECT_FALSE(saveFilters(home.dir.path() / "missing" / "Rules.txt", rules, false, home.log));
+  EXPECT_EQ(files::loadTextFile(file), kTwoRules);
 }
 
 TEST_F(RuleFileTest, JunkAndHugeFilesNeverStopTheProgram) {
@@ -155,7 +155,7 @@ TEST_F(RuleFileTest, JunkAndHugeFilesNeverStopTheProgram) {
   std::string big;
   for (int i = 0; i < 20000; ++i) big += "Filtername, r" + std::to_string(i % 10000) + "\nFilterAction, 100\n";
   RuleSet rules = read("Filtername, r0\n");
-  ReadRules(big, rules, false, home.log);
+  readRules(big, rules, false, home.log);
   EXPECT_EQ(rules.size(), 10001u);  // the repeats are dropped, the last rule kept
 }
 

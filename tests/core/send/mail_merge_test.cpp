@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/store/tag_files.h"
 #include "../test_home.h"
 
@@ -24,13 +24,13 @@ struct Collected {
 Collected merge(std::string_view data, std::string_view templateText, MergeSender sender = {3, "me@x.org"}) {
   Collected out;
   SilentProgress progress;
-  out.counts = MergeTexts(data, templateText, sender, [&](message::clsMessage& m) {
-    out.messages.push_back({m.To_Email(), m.Subject, std::string(m.MessageBody()), m.From, m.FromAccount});
+  out.counts = mergeTexts(data, templateText, sender, [&](message::Message& m) {
+    out.messages.push_back({m.toEmail(), m.subject, std::string(m.messageBody()), m.from, m.fromAccount});
   }, progress);
   return out;
 }
 
-TEST(MergeTexts, EachRowFillsTheCodesInSubjectAndBody) {
+TEST(mergeTexts, EachRowFillsTheCodesInSubjectAndBody) {
   const Collected c = merge("$EMAIL,$FIRST\r\nann@x.org,Ann\r\nbob@x.org, Bob \r\n",
                             "subject: Hello $first\r\n\r\nDear $FIRST, this goes to $EMAIL\r\n");
   ASSERT_EQ(c.messages.size(), 2u);
@@ -38,7 +38,7 @@ TEST(MergeTexts, EachRowFillsTheCodesInSubjectAndBody) {
   EXPECT_EQ(c.messages[0].body, "Dear Ann, this goes to ann@x.org\r\n");
   EXPECT_EQ(c.messages[0].from, "me@x.org");
   EXPECT_EQ(c.messages[0].account, 3);
-  // The code is replaced by the trimmed field; To_Email keeps the field as it stands.
+  // The code is replaced by the trimmed field; toEmail keeps the field as it stands.
   EXPECT_EQ(c.messages[1].subject, "Hello Bob");
   EXPECT_EQ(c.messages[1].to, "bob@x.org");
   // The trailing blank row has one field for two columns: skipped, not counted.
@@ -46,7 +46,7 @@ TEST(MergeTexts, EachRowFillsTheCodesInSubjectAndBody) {
   EXPECT_EQ(c.counts.invalid, 0);
 }
 
-TEST(MergeTexts, RaggedRowsAreJoinedOrSkipped) {
+TEST(mergeTexts, RaggedRowsAreJoinedOrSkipped) {
   const Collected c = merge("$EMAIL,$NAME,$NOTE\r\na@x.org,A,one, two,three\r\nshort@x.org,S\r\nq@x.org,\"Q, Jr\",n\r\n",
                             "$NAME: $NOTE");
   ASSERT_EQ(c.messages.size(), 2u);
@@ -57,7 +57,7 @@ TEST(MergeTexts, RaggedRowsAreJoinedOrSkipped) {
   EXPECT_EQ(c.messages[1].subject, "");
 }
 
-TEST(MergeTexts, RowsWithoutAnAddressAreCountedInvalid) {
+TEST(mergeTexts, RowsWithoutAnAddressAreCountedInvalid) {
   // One column: the blank last row counts as invalid too.
   const Collected c = merge("$EMAIL\r\nnobody\r\nok@x.org\r\n", "Subject: s\r\nb");
   EXPECT_EQ(c.counts.saved, 1);
@@ -67,12 +67,12 @@ TEST(MergeTexts, RowsWithoutAnAddressAreCountedInvalid) {
   EXPECT_EQ(merge("$NAME, $email \r\nA,a@x.org", "$NAME $email").messages.at(0).body, "A $email");
 }
 
-TEST(MergeTexts, ACodeInsideAnotherIsReplacedFirstWhenItComesFirst) {
+TEST(mergeTexts, ACodeInsideAnotherIsReplacedFirstWhenItComesFirst) {
   EXPECT_EQ(merge("$EMAIL,$N,$NAME\r\na@x.org,1,Ann", "$NAME").messages.at(0).body, "1AME");
   EXPECT_EQ(merge("$EMAIL,$NAME,$N\r\na@x.org,Ann,1", "$NAME $N").messages.at(0).body, "Ann 1");
 }
 
-TEST(MergeTexts, AFieldFullOfCodesCannotGrowWithoutBound) {
+TEST(mergeTexts, AFieldFullOfCodesCannotGrowWithoutBound) {
   std::string header = "$EMAIL";
   std::string row = "a@x.org";
   for (int i = 0; i < 40; ++i) {
@@ -84,7 +84,7 @@ TEST(MergeTexts, AFieldFullOfCodesCannotGrowWithoutBound) {
   EXPECT_EQ(c.counts.invalid, 1);
 }
 
-TEST(MergeTexts, TenThousandRows) {
+TEST(mergeTexts, TenThousandRows) {
   std::string data = "$EMAIL,$N";
   for (int i = 0; i < 10000; ++i) data += "\r\nu" + std::to_string(i) + "@x.org," + std::to_string(i);
   const Collected c = merge(data, "Subject: $N\r\nrow $N");
@@ -101,59 +101,59 @@ class DoMailMergeTest : public ::testing::Test, public MessageSpooler {
   std::vector<std::string> spooled;
 
   void SetUp() override {
-    context.folders.OutboxFolderPath = home.dir.path() / "Outbox";
-    fs::create_directories(context.folders.OutboxFolderPath);
-    context.Settings.StoreSetting("REPLYADDRESS2", Value("two@x.org"));
+    context.folders.outboxFolderPath = home.dir.path() / "Outbox";
+    fs::create_directories(context.folders.outboxFolderPath);
+    context.settings.set("REPLYADDRESS2", Value("two@x.org"));
   }
-  void SpoolMessage(message::clsMessage& message, const std::string& from, const std::string& name) override {
+  void spoolMessage(message::Message& message, const std::string& from, const std::string& name) override {
     EXPECT_TRUE(from.empty() && name.empty());
-    spooled.push_back(message.To_Email() + " from " + message.From + " by " + std::to_string(message.FromAccount));
+    spooled.push_back(message.toEmail() + " from " + message.from + " by " + std::to_string(message.fromAccount));
   }
   MergeCounts run() {
     SilentProgress progress;
-    return DoMailMerge(context, *this, progress, data, templateFile);
+    return doMailMerge(context, *this, progress, data, templateFile);
   }
 };
 
 TEST_F(DoMailMergeTest, SpoolsByTheFirstAccountAndReportsTheCounts) {
-  files::WriteTextFile(data, "$EMAIL\r\na@x.org\r\nnot-an-address");
-  files::WriteTextFile(templateFile, "Subject: s\r\nbody");
+  files::writeTextFile(data, "$EMAIL\r\na@x.org\r\nnot-an-address");
+  files::writeTextFile(templateFile, "Subject: s\r\nbody");
   EXPECT_EQ(run().saved, 1);
   EXPECT_EQ(spooled, std::vector<std::string>{"a@x.org from two@x.org by 2"});
-  EXPECT_EQ(store::UnreadTagCount(context.folders.OutboxFolderPath), 1);
+  EXPECT_EQ(store::unreadTagCount(context.folders.outboxFolderPath), 1);
   EXPECT_EQ(home.prompt.lastQuestion,
             "Processed 2 name(s)\r\n1 saved to the outbox and \r\n1 had invalid email address(es) (skipped)");
 }
 
 TEST_F(DoMailMergeTest, StopsWithTheDocumentedTexts) {
-  files::WriteTextFile(data, "");
-  files::WriteTextFile(templateFile, "Subject: s\r\nbody");
+  files::writeTextFile(data, "");
+  files::writeTextFile(templateFile, "Subject: s\r\nbody");
   run();
   EXPECT_EQ(home.prompt.lastQuestion, "Error: One or both files are empty.");
 
-  files::WriteTextFile(data, "$NAME\r\nAnn");
+  files::writeTextFile(data, "$NAME\r\nAnn");
   run();
   EXPECT_EQ(home.prompt.lastQuestion, "Error: Your mail merge data file must contain an $EMAIL field");
 
-  files::WriteTextFile(data, "$EMAIL\r\na@x.org");
-  files::WriteTextFile(templateFile, "no subject");
+  files::writeTextFile(data, "$EMAIL\r\na@x.org");
+  files::writeTextFile(templateFile, "no subject");
   home.prompt.queue(Answer::No);
   run();
   EXPECT_EQ(home.prompt.lastQuestion, kMergeNoSubject);
   EXPECT_TRUE(spooled.empty());
-  EXPECT_EQ(store::UnreadTagCount(context.folders.OutboxFolderPath), 0);
+  EXPECT_EQ(store::unreadTagCount(context.folders.outboxFolderPath), 0);
 }
 
 TEST_F(DoMailMergeTest, TheWindowChecksTheFilesAndKeepsTheirNames) {
-  EXPECT_FALSE(AcceptMergeFiles(context, data, templateFile));
+  EXPECT_FALSE(acceptMergeFiles(context, data, templateFile));
   EXPECT_EQ(home.prompt.lastQuestion, "Name list file not found");
-  files::WriteTextFile(data, "$EMAIL");
-  EXPECT_FALSE(AcceptMergeFiles(context, data, templateFile));
+  files::writeTextFile(data, "$EMAIL");
+  EXPECT_FALSE(acceptMergeFiles(context, data, templateFile));
   EXPECT_EQ(home.prompt.lastQuestion, "Email template file not found");
-  files::WriteTextFile(templateFile, "Hello");
-  EXPECT_TRUE(AcceptMergeFiles(context, data, templateFile));
+  files::writeTextFile(templateFile, "Hello");
+  EXPECT_TRUE(acceptMergeFiles(context, data, templateFile));
   EXPECT_EQ(home.prompt.lastQuestion, "Warning: The first line of your email template should be 'Subject: [subject here]'");
-  EXPECT_EQ(context.Settings.RetrieveSetting("MergeDataFile").text(), data.string());
+  EXPECT_EQ(context.settings.get("MergeDataFile").text(), data.string());
 }
 
 }  // namespace

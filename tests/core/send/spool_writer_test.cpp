@@ -5,7 +5,7 @@
 #include "../test_home.h"
 #include "core/message/transfer_encoding.h"
 #include "core/send/mail_size.h"
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/text/strings.h"
 
 namespace vonel::send {
@@ -16,24 +16,24 @@ const text::DateTime kNow{2026, 11, 23, 12, 0, 0};
 // The decoder keeps the blank fill of its buffer; only the encoded bytes count.
 std::string decodedBytes(const std::string& line) {
   const std::size_t padding = line.ends_with("==") ? 2 : line.ends_with("=") ? 1 : 0;
-  return message::DecodeMime64(line).substr(0, line.size() / 4 * 3 - padding);
+  return message::decodeMime64(line).substr(0, line.size() / 4 * 3 - padding);
 }
 
 struct SpoolCase {
   vonel::testing::TempDir dir;
   MailFields mail;
   SpoolCase() {
-    mail.From = "me@example.org";
-    mail.Recipient = {"to@x.org"};
-    mail.Subject = "Hi";
-    mail.Message = "Body";
+    mail.from = "me@example.org";
+    mail.recipient = {"to@x.org"};
+    mail.subject = "Hi";
+    mail.message = "Body";
   }
   std::string spool() {
     writeSpoolFile(dir.path() / "00_outbound_0.eml", mail, kNow, "1.2.3");
-    return files::LoadTextFile(dir.path() / "00_outbound_0.eml");
+    return files::loadTextFile(dir.path() / "00_outbound_0.eml");
   }
   std::string attach(const std::string& name, const std::string& bytes) {
-    files::WriteTextFile(dir.path() / name, bytes);
+    files::writeTextFile(dir.path() / name, bytes);
     mail.attachmentPaths.push_back((dir.path() / name).string());
     mail.attachmentNames.push_back(name);
     return (dir.path() / name).string();
@@ -42,14 +42,14 @@ struct SpoolCase {
 
 TEST(SpoolWriter, PlainMessageHeadersInOrder) {
   SpoolCase c;
-  c.mail.FromDisplayName = "Me \"Quoted\", Myself";
-  c.mail.Recipient = {"a@x.org", "b@x.org", "c@x.org"};
-  c.mail.RecipientDisplayName = {"Ann", ""};
-  c.mail.CcRecipient = {"cc@x.org"};
-  c.mail.BccRecipient = {" hidden@x.org "};
-  c.mail.ReplyToAddress = "reply@x.org";
-  c.mail.InReplyTo = "<id@x.org>";
-  c.mail.Receipt = true;
+  c.mail.fromDisplayName = "Me \"Quoted\", Myself";
+  c.mail.recipient = {"a@x.org", "b@x.org", "c@x.org"};
+  c.mail.recipientDisplayName = {"Ann", ""};
+  c.mail.ccRecipient = {"cc@x.org"};
+  c.mail.bccRecipient = {" hidden@x.org "};
+  c.mail.replyToAddress = "reply@x.org";
+  c.mail.inReplyTo = "<id@x.org>";
+  c.mail.receipt = true;
   EXPECT_EQ(c.spool(),
             "From: \"Me \"Quoted\", Myself\" <me@example.org>\r\n"
             "To: \"Ann\" <a@x.org>, \r\n    \"b@x.org\" <b@x.org>, \r\n    <c@x.org>\r\n"
@@ -73,9 +73,9 @@ TEST(SpoolWriter, PlainMessageHeadersInOrder) {
 
 TEST(SpoolWriter, HtmlEightBitAndContentBase) {
   SpoolCase c;
-  c.mail.AsHTML = true;
+  c.mail.asHtml = true;
   c.mail.eightBit = true;
-  c.mail.ContentBase = "http://x.org/";
+  c.mail.contentBase = "http://x.org/";
   const std::string text = c.spool();
   EXPECT_NE(text.find("Content-Type: text/html;\r\n"), std::string::npos);
   EXPECT_NE(text.find("Content-Transfer-Encoding: 8bit\r\nContent-Base: \"http://x.org/\"\r\n\r\n\r\n"),
@@ -121,7 +121,7 @@ TEST(SpoolWriter, AttachmentsAreBase64PartsThatDecodeToTheFile) {
 
 TEST(SpoolWriter, FailureLeavesNoFileAndKeepsTheOldOne) {
   SpoolCase c;
-  files::WriteTextFile(c.dir.path() / "00_outbound_0.eml", "old");
+  files::writeTextFile(c.dir.path() / "00_outbound_0.eml", "old");
   c.mail.attachmentPaths = {(c.dir.path() / "vanished.bin").string()};
   c.mail.attachmentNames = {"vanished.bin"};
   EXPECT_THROW(c.spool(), AttachmentFailed);
@@ -130,27 +130,27 @@ TEST(SpoolWriter, FailureLeavesNoFileAndKeepsTheOldOne) {
   c.mail.attachmentPaths.erase(c.mail.attachmentPaths.begin());
   c.mail.attachmentNames.erase(c.mail.attachmentNames.begin());
   EXPECT_THROW(c.spool(), AttachmentFailed);
-  EXPECT_EQ(files::LoadTextFile(c.dir.path() / "00_outbound_0.eml"), "old");
+  EXPECT_EQ(files::loadTextFile(c.dir.path() / "00_outbound_0.eml"), "old");
   std::size_t entries = 0;
   for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(c.dir.path())) ++entries;
   EXPECT_EQ(entries, 2u);  // no temporary left behind
 }
 
-TEST(EstimateMailSize, SumsEveryDocumentedPart) {
+TEST(estimateMailSize, SumsEveryDocumentedPart) {
   MailFields mail;
-  mail.From = "me@x.org";                     // 8: 93 + 8, and 8 again
-  mail.Recipient = {"a@x.org", "bb@x.org"};   // 15+14, 15+16+6
-  mail.RecipientDisplayName = {"A"};          // 11+1
-  mail.BccRecipient = {"c@x.org"};            // 15+7
-  mail.Subject = "Hi";                        // 2
-  mail.Message = "Body";                      // 4
-  EXPECT_EQ(EstimateMailSize(mail), 101 + 29 + 37 + 12 + 22 + 8 + 6 + 64);
-  mail.UseAuthentication = true;
-  mail.Username = "user";  // 25 + 8 + 4*4/3 (5)
+  mail.from = "me@x.org";                     // 8: 93 + 8, and 8 again
+  mail.recipient = {"a@x.org", "bb@x.org"};   // 15+14, 15+16+6
+  mail.recipientDisplayName = {"A"};          // 11+1
+  mail.bccRecipient = {"c@x.org"};            // 15+7
+  mail.subject = "Hi";                        // 2
+  mail.message = "Body";                      // 4
+  EXPECT_EQ(estimateMailSize(mail), 101 + 29 + 37 + 12 + 22 + 8 + 6 + 64);
+  mail.useAuthentication = true;
+  mail.username = "user";  // 25 + 8 + 4*4/3 (5)
   mail.attachmentPaths = {"f"};
   mail.attachmentFileBytes = 570;  // 760 + 42 + 20 + 2*3 + 182 + 290
   mail.attachmentNameBytes = 3;
-  EXPECT_EQ(EstimateMailSize(mail), 279 + 38 + 760 + 42 + 20 + 6 + 182 + 290);
+  EXPECT_EQ(estimateMailSize(mail), 279 + 38 + 760 + 42 + 20 + 6 + 182 + 290);
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/services/file_subs.h"
+#include "core/files/files.h"
 #include "core/store/cache_text.h"
 #include "core/text/strings.h"
 
@@ -11,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string golden() { return files::LoadTextFile(fs::path(VONEL_TEST_DATA) / "store" / "cache.xml"); }
+std::string golden() { return files::loadTextFile(fs::path(VONEL_TEST_DATA) / "store" / "cache.xml"); }
 
 const FileExistsTest kEverythingExists = [](const fs::path&) { return true; };
 
@@ -19,36 +19,36 @@ const FileExistsTest kEverythingExists = [](const fs::path&) { return true; };
 std::optional<std::vector<CachedMessage>> read(std::string_view text, const fs::path& root,
                                                const FileExistsTest& exists = kEverythingExists) {
   std::vector<CachedMessage> messages;
-  if (!ReadCacheText(text, root, exists, [&](CachedMessage&& m) { messages.push_back(std::move(m)); })) return {};
+  if (!readCacheText(text, root, exists, [&](CachedMessage&& m) { messages.push_back(std::move(m)); })) return {};
   return messages;
 }
 
 TEST(CacheTextTest, EscapingKeepsOnlyLettersDigitsAndFourMarks) {
-  EXPECT_EQ(HtmlEncode("a.b,c:d?Z9"), "a.b,c:d?Z9");
-  EXPECT_EQ(HtmlEncode("a b\n<&>%\xE9"), "a%20b%0A%3C%26%3E%25%E9");
+  EXPECT_EQ(htmlEncode("a.b,c:d?Z9"), "a.b,c:d?Z9");
+  EXPECT_EQ(htmlEncode("a b\n<&>%\xE9"), "a%20b%0A%3C%26%3E%25%E9");
   std::string every;
   for (int c = 0; c < 256; ++c) every += static_cast<char>(c);
-  EXPECT_EQ(HtmlDecode(HtmlEncode(every)), every);
+  EXPECT_EQ(htmlDecode(htmlEncode(every)), every);
 }
 
 TEST(CacheTextTest, DecodingForgivesWhatTheWriterNeverWrites) {
-  EXPECT_EQ(HtmlDecode("plain <text>"), "plain <text>");
-  EXPECT_EQ(HtmlDecode("50%"), "50%");
-  EXPECT_EQ(HtmlDecode("x%4"), "x%4");
-  EXPECT_EQ(HtmlDecode("%zzA"), std::string("\0A", 2));
-  EXPECT_EQ(HtmlDecode("%41%4a"), "AJ");
+  EXPECT_EQ(htmlDecode("plain <text>"), "plain <text>");
+  EXPECT_EQ(htmlDecode("50%"), "50%");
+  EXPECT_EQ(htmlDecode("x%4"), "x%4");
+  EXPECT_EQ(htmlDecode("%zzA"), std::string("\0A", 2));
+  EXPECT_EQ(htmlDecode("%41%4a"), "AJ");
 }
 
 TEST(CacheTextTest, ExtractionIgnoresCaseAndRunsToTheEndWithoutACloseTag) {
-  EXPECT_EQ(ExtractBetweenTags("<a><Size>5</SIZE>", "<SIZE>", "</SIZE>"), "5");
-  EXPECT_EQ(ExtractBetweenTags("<x>1<x>2", "<X>", "</X>"), "12");
-  EXPECT_EQ(ExtractBetweenTags("nothing", "<X>", "</X>"), "");
-  EXPECT_TRUE(ExtractBool("<R>-1</R>", "<R>", "</R>"));
-  EXPECT_FALSE(ExtractBool("<R>1</R>", "<R>", "</R>"));
+  EXPECT_EQ(extractBetweenTags("<a><Size>5</SIZE>", "<SIZE>", "</SIZE>"), "5");
+  EXPECT_EQ(extractBetweenTags("<x>1<x>2", "<X>", "</X>"), "12");
+  EXPECT_EQ(extractBetweenTags("nothing", "<X>", "</X>"), "");
+  EXPECT_TRUE(extractBool("<R>-1</R>", "<R>", "</R>"));
+  EXPECT_FALSE(extractBool("<R>1</R>", "<R>", "</R>"));
   // The version element has never been closed; its number still reads.
-  EXPECT_EQ(CacheFileVersion("\t<CACHEVER>3<CACHEVER>\r\n\t<MESSAGES>7"), 3);
-  EXPECT_EQ(CacheFileVersion("<cachever>2</cachever>"), 2);
-  EXPECT_EQ(CacheFileVersion("<VONELCACHE></VONELCACHE>"), 0);
+  EXPECT_EQ(cacheFileVersion("\t<CACHEVER>3<CACHEVER>\r\n\t<MESSAGES>7"), 3);
+  EXPECT_EQ(cacheFileVersion("<cachever>2</cachever>"), 2);
+  EXPECT_EQ(cacheFileVersion("<VONELCACHE></VONELCACHE>"), 0);
 }
 
 TEST(CacheFileTest, AHandWrittenFileReadsWithItsPathsRebasedOntoThisStore) {
@@ -62,36 +62,36 @@ TEST(CacheFileTest, AHandWrittenFileReadsWithItsPathsRebasedOntoThisStore) {
   ASSERT_EQ(messages->size(), 2u);
   const CachedMessage& first = (*messages)[0];
   EXPECT_EQ(asked[0], root / "Inbox" / "HELLO THERE (093015-231126).EML");
-  EXPECT_EQ(first.Filename, (root / "Inbox" / "hello there (093015-231126).eml").string());
-  EXPECT_EQ(first.Size, 3.0f);
-  EXPECT_EQ(first.Bayes, 0.0f);
-  EXPECT_EQ(first.FileDate, (text::DateTime{2026, 11, 23, 9, 30, 15}));
-  EXPECT_EQ(first.SendDate, "Mon, 23 Nov 2026 09:00:00 +0100");
-  EXPECT_EQ(first.From, "Ann \xC9mile <ann@example.com>");
-  EXPECT_EQ(first.Subject, "Hello & <there> 100%");
-  EXPECT_FALSE(first.Read);
-  EXPECT_TRUE(first.HasAttachment);
-  EXPECT_EQ(first.Tags, "");
+  EXPECT_EQ(first.filename, (root / "Inbox" / "hello there (093015-231126).eml").string());
+  EXPECT_EQ(first.size, 3.0f);
+  EXPECT_EQ(first.bayes, 0.0f);
+  EXPECT_EQ(first.fileDate, (text::DateTime{2026, 11, 23, 9, 30, 15}));
+  EXPECT_EQ(first.sendDate, "Mon, 23 Nov 2026 09:00:00 +0100");
+  EXPECT_EQ(first.from, "Ann \xC9mile <ann@example.com>");
+  EXPECT_EQ(first.subject, "Hello & <there> 100%");
+  EXPECT_FALSE(first.read);
+  EXPECT_TRUE(first.hasAttachment);
+  EXPECT_EQ(first.tags, "");
   const CachedMessage& second = (*messages)[1];
-  EXPECT_EQ(second.Filename, (root / "Inbox" / "Work" / "re report (101500-201126).eml").string());
-  EXPECT_EQ(second.Bayes, 0.25f);
-  EXPECT_TRUE(second.Read && second.Replied && second.HighPriority);
-  EXPECT_EQ(second.Tags, "work,urgent");
+  EXPECT_EQ(second.filename, (root / "Inbox" / "Work" / "re report (101500-201126).eml").string());
+  EXPECT_EQ(second.bayes, 0.25f);
+  EXPECT_TRUE(second.read && second.replied && second.highPriority);
+  EXPECT_EQ(second.tags, "work,urgent");
 }
 
 TEST(CacheFileTest, TheWriterLaysOutTheFileByteForByte) {
   const auto messages = read(golden(), "/nowhere");
   ASSERT_TRUE(messages);
-  std::string written(CacheFileHead());
+  std::string written(cacheFileHead());
   const text::DateTime dates[] = {{2026, 11, 23, 9, 30, 15}, {2026, 11, 20, 10, 15, 0}};
   const std::string paths[] = {R"(C:\Mail\Messages\Inbox\hello there (093015-231126).eml)",
                                R"(C:\Mail\Messages\Inbox\Work\re report (101500-201126).eml)"};
   for (std::size_t i = 0; i < 2; ++i) {
     CachedMessage m = (*messages)[i];
-    m.Filename = paths[i];  // as a store on the old system would hold it
-    AppendCacheElement(written, m, dates[i]);
+    m.filename = paths[i];  // as a store on the old system would hold it
+    appendCacheElement(written, m, dates[i]);
   }
-  written.append(CacheFileTail());
+  written.append(cacheFileTail());
   EXPECT_EQ(written, golden());
 }
 
@@ -100,7 +100,7 @@ TEST(CacheFileTest, TheReaderTakesTheSpellingsItAsksFor) {
   const auto messages = read(upper, "/data/Messages");
   ASSERT_TRUE(messages);
   ASSERT_EQ(messages->size(), 2u);
-  EXPECT_EQ((*messages)[1].Tags, "WORK,URGENT");
+  EXPECT_EQ((*messages)[1].tags, "WORK,URGENT");
 }
 
 TEST(CacheFileTest, OldVersionsAndBrokenFilesGiveWhatCanBeRead) {
@@ -117,10 +117,10 @@ TEST(CacheFileTest, OldVersionsAndBrokenFilesGiveWhatCanBeRead) {
 }
 
 TEST(CacheFileTest, PathsAreRebasedThroughTheRootOrTheMessagesFolder) {
-  EXPECT_EQ(RebaseCachedPath("/old/home/Messages/Inbox/A.EML", "/new/store"), fs::path("/new/store/Inbox/A.EML"));
-  EXPECT_EQ(RebaseCachedPath("/new/STORE/Inbox/A.EML", "/new/store"), fs::path("/new/store/Inbox/A.EML"));
-  EXPECT_EQ(RebaseCachedPath(R"(D:\x\MESSAGES\Sent Items\B.EML)", "/s"), fs::path("/s/Sent Items/B.EML"));
-  EXPECT_EQ(RebaseCachedPath("/elsewhere/C.EML", "/s"), fs::path("/elsewhere/C.EML"));
+  EXPECT_EQ(rebaseCachedPath("/old/home/Messages/Inbox/A.EML", "/new/store"), fs::path("/new/store/Inbox/A.EML"));
+  EXPECT_EQ(rebaseCachedPath("/new/STORE/Inbox/A.EML", "/new/store"), fs::path("/new/store/Inbox/A.EML"));
+  EXPECT_EQ(rebaseCachedPath(R"(D:\x\MESSAGES\Sent Items\B.EML)", "/s"), fs::path("/s/Sent Items/B.EML"));
+  EXPECT_EQ(rebaseCachedPath("/elsewhere/C.EML", "/s"), fs::path("/elsewhere/C.EML"));
 }
 
 }  // namespace

@@ -18,36 +18,36 @@ class FolderListsTest : public ::testing::Test {
 };
 
 TEST_F(FolderListsTest, BothListsAreWrittenInByteOrderWithTheLastTwoNames) {
-  GenerateFolderIni(home.context.log, home.context.folders);
-  EXPECT_EQ(files::LoadTextFile(home.context.folders.FolderListIni),
+  generateFolderIni(home.context.log, home.context.folders);
+  EXPECT_EQ(files::loadTextFile(home.context.folders.folderListIni),
             "Alpha\\\r\nAlpha\\Work\\\r\nArchive\\\r\nDeleted\\\r\nInbox\\\r\nInbox\\Work\\\r\nOutbox\\\r\n"
             "Sent Items\\\r\nSpamBayes\\\r\nSpamBayes\\BayesOld\\\r\nzeta\\\r\n");
-  EXPECT_EQ(files::LoadTextFile(home.context.folders.FolderNamesIni),
+  EXPECT_EQ(files::loadTextFile(home.context.folders.folderNamesIni),
             "Alpha\r\nFolders\r\nWork\r\nAlpha\r\nArchive\r\nFolders\r\nDeleted\r\nFolders\r\nInbox\r\nFolders\r\n"
             "Work\r\nInbox\r\nOutbox\r\nFolders\r\nSent Items\r\nFolders\r\nSpamBayes\r\nFolders\r\n"
             "BayesOld\r\nSpamBayes\r\nzeta\r\nFolders\r\n");
 }
 
 TEST_F(FolderListsTest, TheFolderChooserLeavesOutTheOutboxAndProposesTheInbox) {
-  const FolderChoices choices = FillFolderCombo(home.context.log, home.context.folders);  // makes the lists
+  const FolderChoices choices = fillFolderCombo(home.context.log, home.context.folders);  // makes the lists
   ASSERT_EQ(choices.items.size(), 10u);
   EXPECT_EQ(choices.items.front(), "\\Alpha\\");
   ASSERT_GE(choices.selected, 0);
   EXPECT_EQ(choices.items[static_cast<std::size_t>(choices.selected)], "\\Inbox\\");
   EXPECT_EQ(std::count(choices.items.begin(), choices.items.end(), "\\Outbox\\"), 0);
-  EXPECT_EQ(StoreFolder(home.root(), "\\Inbox\\Work\\"), home.root() / "Inbox" / "Work");
+  EXPECT_EQ(storeFolder(home.root(), "\\Inbox\\Work\\"), home.root() / "Inbox" / "Work");
 }
 
 TEST_F(FolderListsTest, ANewFolderNeedsAPlainNameNotTakenInAnyCase) {
   std::string name = "  ?!  ";
-  EXPECT_EQ(MakeNewFolder(home.context.log, home.context.folders, "\\Inbox\\", name), "Please enter a folder name");
+  EXPECT_EQ(makeNewFolder(home.context.log, home.context.folders, "\\Inbox\\", name), "Please enter a folder name");
   name = "wOrK";
-  EXPECT_EQ(MakeNewFolder(home.context.log, home.context.folders, "\\Inbox\\", name),
+  EXPECT_EQ(makeNewFolder(home.context.log, home.context.folders, "\\Inbox\\", name),
             "There's already a folder called wOrK.  Please try again.");
   name = "Bills/2026";
-  EXPECT_EQ(MakeNewFolder(home.context.log, home.context.folders, "\\Inbox\\", name), "");
+  EXPECT_EQ(makeNewFolder(home.context.log, home.context.folders, "\\Inbox\\", name), "");
   EXPECT_EQ(name, "Bills2026");
-  EXPECT_TRUE(files::FolderExists(home.root() / "Inbox" / "Bills2026"));
+  EXPECT_TRUE(files::folderExists(home.root() / "Inbox" / "Bills2026"));
 }
 
 }  // namespace

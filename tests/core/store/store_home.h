@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <string>
 
-#include "core/services/app_context.h"
-#include "core/services/file_subs.h"
+#include "core/context/app_context.h"
+#include "core/files/files.h"
 #include "../test_home.h"
 
 namespace vonel::testing {
@@ -16,22 +16,22 @@ struct StoreHome {
   AppContext context{clock, prompt, AppInfo{"Vonel", "1", "TestOS", "/", dir.path()}};
 
   StoreHome() {
-    context.folders.ReadMessageFolder();
-    context.folders.ReadDataFolder();
+    context.folders.readMessageFolder();
+    context.folders.readDataFolder();
   }
-  const std::filesystem::path& root() const { return context.folders.MessageFolderPath; }
+  const std::filesystem::path& root() const { return context.folders.messageFolderPath; }
   // A message file with the given header lines, its time set to `modified`.
   std::filesystem::path writeMessage(const std::filesystem::path& folder, const std::string& name,
                                      const std::string& headers,
                                      std::filesystem::file_time_type modified = std::filesystem::file_time_type::clock::now()) {
     const auto file = folder / name;
-    files::WriteTextFile(file, "From: ann@example.com\r\nTo: bob@example.com\r\n" + headers + "\r\n\r\nBody text\r\n");
+    files::writeTextFile(file, "From: ann@example.com\r\nTo: bob@example.com\r\n" + headers + "\r\n\r\nBody text\r\n");
     std::filesystem::last_write_time(file, modified);
     return file;
   }
   std::string logText() {
-    context.log.WriteActionsToLog();
-    return files::LoadTextFile(context.log.CurrentLogFilename());
+    context.log.writeActionsToLog();
+    return files::loadTextFile(context.log.currentLogFilename());
   }
 };
 

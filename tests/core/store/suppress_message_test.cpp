@@ -9,22 +9,22 @@ namespace {
 
 TEST(SuppressMessageTest, OnlyMailNamingAnExclusiveAddressOfItsAccountPasses) {
   testing::StoreHome home;
-  cSHAREDSettings& settings = home.context.Settings;
-  message::clsMessage m;
-  m.FromAccount = 3;
-  m.setTo_Email("Sales@Example.com");
-  EXPECT_FALSE(SuppressMessage(m, settings));  // no exclusive address: nothing held back
+  SettingsStore& settings = home.context.settings;
+  message::Message m;
+  m.fromAccount = 3;
+  m.setToEmail("Sales@Example.com");
+  EXPECT_FALSE(suppressMessage(m, settings));  // no exclusive address: nothing held back
 
-  settings.StoreSetting("Exclusive1_3", Value("support@example.com"));
-  EXPECT_TRUE(SuppressMessage(m, settings));
-  m.CC = "team, SUPPORT@example.com";
-  EXPECT_FALSE(SuppressMessage(m, settings));
+  settings.set("Exclusive1_3", Value("support@example.com"));
+  EXPECT_TRUE(suppressMessage(m, settings));
+  m.cc = "team, SUPPORT@example.com";
+  EXPECT_FALSE(suppressMessage(m, settings));
 
-  m.CC.clear();
-  settings.StoreSetting("Exclusive0_3", Value("sales@example.com"));
-  EXPECT_FALSE(SuppressMessage(m, settings));
-  m.FromAccount = 4;  // another account's addresses don't count
-  EXPECT_FALSE(SuppressMessage(m, settings));
+  m.cc.clear();
+  settings.set("Exclusive0_3", Value("sales@example.com"));
+  EXPECT_FALSE(suppressMessage(m, settings));
+  m.fromAccount = 4;  // another account's addresses don't count
+  EXPECT_FALSE(suppressMessage(m, settings));
 }
 
 }  // namespace

@@ -8,24 +8,24 @@ namespace vonel::text {
 namespace {
 
 std::string constToChar(std::string text) {
-  HTMLConstToChar(text);
+  htmlConstToChar(text);
   return text;
 }
 
 std::string stripped(std::string text) {
-  StripHtml(text);
+  stripHtml(text);
   return text;
 }
 
 TEST(Replacement, CaseRuleAndNoRescanOfWhatWasInserted) {
   std::string text = "Aa aA";
-  MyReplace(text, "a", "aa", false);
+  myReplace(text, "a", "aa", false);
   EXPECT_EQ(text, "aaaa aaaa");
   text = "Aa aA";
-  MyReplaceNoCaps(text, "a", "b");  // compares exactly, whatever its name says
+  myReplaceNoCaps(text, "a", "b");  // compares exactly, whatever its name says
   EXPECT_EQ(text, "Ab bA");
   text = "xXx";
-  ReplaceWith_NC(text, "x", "");
+  replaceWithNoCase(text, "x", "");
   EXPECT_EQ(text, "");
 }
 
@@ -53,14 +53,14 @@ TEST(HtmlConstToChar, TypographicFormsAndTheEnDashAsThreeDots) {
   EXPECT_EQ(constToChar("&prime;&Prime;&PRIME;"), "'\"&PRIME;");
 }
 
-TEST(StripHtml, TagsAndBareStyleBlocksGo) {
+TEST(stripHtml, TagsAndBareStyleBlocksGo) {
   EXPECT_EQ(stripped("<p>Hi <b>there</b></p>"), "Hi there");
   EXPECT_EQ(stripped("a<STYLE>p{}</style>b<style>x</Style>c"), "abc");
   EXPECT_EQ(stripped("a<style type=x>p{}</style>b"), "ap{}b");
   EXPECT_EQ(stripped("a<style>never closed"), "anever closed");
 }
 
-TEST(StripHtml, UnbalancedBracketsAreKept) {
+TEST(stripHtml, UnbalancedBracketsAreKept) {
   EXPECT_EQ(stripped("3 < 4 and more"), "3 < 4 and more");
   EXPECT_EQ(stripped("5 > 4"), "5 > 4");
   EXPECT_EQ(stripped("x<a>y<b"), "xy<b");
@@ -68,40 +68,40 @@ TEST(StripHtml, UnbalancedBracketsAreKept) {
 
 TEST(SharedText, EatCrapAtEitherEnd) {
   std::string text = "-- Regards - - \r\n";
-  EatCrapFromEnd(text);
+  trimJunkFromEnd(text);
   EXPECT_EQ(text, "-- Regards");
-  EatCrapFromStart(text);
+  trimJunkFromStart(text);
   EXPECT_EQ(text, "Regards");
   text = " - ";
-  EatCrapFromEnd(text);
+  trimJunkFromEnd(text);
   EXPECT_EQ(text, "");
 }
 
 TEST(SharedText, CleaningAndComparing) {
   std::string name = "Jos\xE9 O'Neil 2!";
-  RemoveNonAlphaNumeric(name);
+  removeNonAlphaNumeric(name);
   EXPECT_EQ(name, "Jos ONeil 2");
-  EXPECT_EQ(CleanString("Re: a/b \"c\""), "Re  a b  c");
-  EXPECT_EQ(CleanString("CON"), "CON1");
-  EXPECT_EQ(CleanString("con"), "con");
-  EXPECT_TRUE(StringsEqual(" Inbox ", "INBOX"));
-  EXPECT_TRUE(StringContains("Hello World", "WORLD"));
-  EXPECT_FALSE(Contains("Hello", "bye"));
+  EXPECT_EQ(cleanString("Re: a/b \"c\""), "Re  a b  c");
+  EXPECT_EQ(cleanString("CON"), "CON1");
+  EXPECT_EQ(cleanString("con"), "con");
+  EXPECT_TRUE(stringsEqual(" Inbox ", "INBOX"));
+  EXPECT_TRUE(contains("Hello World", "WORLD"));
+  EXPECT_FALSE(contains("Hello", "bye"));
 }
 
 TEST(SharedText, ByteLevelHelpers) {
   std::string text = "a  b   c";
-  RemoveExtraSpaces(text);
+  removeExtraSpaces(text);
   EXPECT_EQ(text, "a b c");
-  RemoveChar(text, " xyz");
+  removeChar(text, " xyz");
   EXPECT_EQ(text, "abc");
-  RemoveChar(text, "");
+  removeChar(text, "");
   EXPECT_EQ(text, "abc");
   text = std::string("ab\0cd", 5);
-  CutOffNull(text);
+  cutOffNull(text);
   EXPECT_EQ(text, "ab");
-  EXPECT_EQ(cTrim(std::string(" \0x y\0 ", 7)), "x y");
-  EXPECT_EQ(WordCount(" one\ttwo\r\nthree "), 3u);
+  EXPECT_EQ(trimBlanksAndNulls(std::string(" \0x y\0 ", 7)), "x y");
+  EXPECT_EQ(wordCount(" one\ttwo\r\nthree "), 3u);
 }
 
 }  // namespace
@@ -114,28 +114,28 @@ namespace {
 
 std::vector<std::string> links(std::string_view text) {
   std::vector<std::string> found;
-  for (const auto& link : UnderlineLinks(text)) found.emplace_back(text.substr(link.start, link.length));
+  for (const auto& link : underlineLinks(text)) found.emplace_back(text.substr(link.start, link.length));
   return found;
 }
 
-TEST(UnderlineLinks, WebAndMailAddressesWithTheirStopCharacters) {
+TEST(underlineLinks, WebAndMailAddressesWithTheirStopCharacters) {
   EXPECT_EQ(links("See (http://a.example/x), mail \"Ann\" <ann@example.com>; ftp:files"),
             (std::vector<std::string>{"http://a.example/x", "ftp:files", "ann@example.com"}));
   EXPECT_EQ(links("go to www.example.com, now"), (std::vector<std::string>{"www.example.com"}));
   EXPECT_EQ(links("to:me@host.org, @name.org and a@b"), (std::vector<std::string>{"me@host.org,"}));
 }
 
-TEST(UnderlineLinks, AMarkerInsideAnEarlierLinkStopsThatMarkersScan) {
+TEST(underlineLinks, AMarkerInsideAnEarlierLinkStopsThatMarkersScan) {
   // "www." first meets the http link, so the plain www address after it stays plain.
   EXPECT_EQ(links("http://www.a.com www.b.com"), (std::vector<std::string>{"http://www.a.com"}));
   EXPECT_EQ(links(std::string(100000, '@')), std::vector<std::string>{});
 }
 
-TEST(CleanWord, UndoesTheDisguisesInTheirOrder) {
-  EXPECT_EQ(CleanWord("V1.AGRA"), "ViAGRA");
-  EXPECT_EQ(CleanWord("fr__ee: c()()l 0ff3r"), "fr  ee cool off3r");
-  EXPECT_EQ(CleanWord("(.)-{~}"), "o");  // the dropped point joins the brackets first
-  EXPECT_EQ(CleanWord("m@il's, ((x)"), "mails x");
+TEST(cleanWord, UndoesTheDisguisesInTheirOrder) {
+  EXPECT_EQ(cleanWord("V1.AGRA"), "ViAGRA");
+  EXPECT_EQ(cleanWord("fr__ee: c()()l 0ff3r"), "fr  ee cool off3r");
+  EXPECT_EQ(cleanWord("(.)-{~}"), "o");  // the dropped point joins the brackets first
+  EXPECT_EQ(cleanWord("m@il's, ((x)"), "mails x");
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "../../core/test_home.h"
-#include "core/services/app_context.h"
-#include "protocol/smtp/frm_send_mail_new.h"
+#include "core/context/app_context.h"
+#include "protocol/smtp/smtp_session.h"
 
 namespace vonel::smtp::testing {
 
@@ -36,16 +36,16 @@ class RecordingSocket : public Link {
   const std::string& last() const { return sent.back(); }
 };
 
-class RecordingListener : public SendMailListener {
+class RecordingListener : public SmtpListener {
  public:
   std::vector<std::string> events;
-  void Connected() override { events.push_back("Connected"); }
-  void ErrorConnecting() override { events.push_back("ErrorConnecting"); }
-  void Disconnected() override { events.push_back("Disconnected"); }
-  void SendSuccessful() override { events.push_back("SendSuccessful"); }
-  void SendFailed(const std::string& errors) override { events.push_back("SendFailed:" + errors); }
-  void Status(const std::string& text) override { events.push_back("Status:" + text); }
-  void Progress(std::int32_t percentage) override { events.push_back("Progress:" + std::to_string(percentage)); }
+  void onConnected() override { events.push_back("Connected"); }
+  void onErrorConnecting() override { events.push_back("ErrorConnecting"); }
+  void onDisconnected() override { events.push_back("Disconnected"); }
+  void onSendSuccessful() override { events.push_back("SendSuccessful"); }
+  void onSendFailed(const std::string& errors) override { events.push_back("SendFailed:" + errors); }
+  void onStatus(const std::string& text) override { events.push_back("Status:" + text); }
+  void onProgress(std::int32_t percentage) override { events.push_back("Progress:" + std::to_string(percentage)); }
   // The events without the Status lines.
   std::vector<std::string> outcomes() const {
     std::vector<std::string> result;
@@ -62,14 +62,14 @@ struct SenderHome {
   AppContext context{clock, prompt, AppInfo{"Vonel", "1.2.3", "TestOS", "/cur", dir.path()}};
   RecordingSocket socket;
   RecordingListener listener;
-  std::unique_ptr<frmSendMailNew> sender;
+  std::unique_ptr<SmtpSession> sender;
 
   explicit SenderHome(int biasMinutes = -60) {
-    context.Settings.sSet("ReplyAddress0", "me@example.org");
-    context.Settings.sSet("DisplayName0", "Me Myself");
-    context.Settings.sSet("SMTP0", "mail.example.org");
-    sender = std::make_unique<frmSendMailNew>(context, socket, listener, biasMinutes);
-    sender->Initialise(0);
+    context.settings.set("ReplyAddress0", "me@example.org");
+    context.settings.set("DisplayName0", "Me Myself");
+    context.settings.set("SMTP0", "mail.example.org");
+    sender = std::make_unique<SmtpSession>(context, socket, listener, biasMinutes);
+    sender->initialise(0);
   }
   void advance(int seconds) {
     text::DateTime now = clock.now();
@@ -81,7 +81,7 @@ struct SenderHome {
   }
   // Connects and answers the greeting and HELO, as a plain server does.
   void connectPlain() {
-    sender->Connect();
+    sender->connect();
     socket.socketState = kSocketConnected;
     sender->onConnected();
     sender->onData("220 mail.example.org ESMTP\r\n");

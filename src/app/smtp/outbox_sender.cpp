@@ -1,0 +1,279 @@
+#include "app/smtp/outbox_sender.h"
+
+#include "app/qtext.h"
+#include "core/message/address.h"
+#include "core/message/message_file.h"
+#include "core/send/outbox.h"
+#include "core/send/spooled_text.h"
+#include "core/settings/accounts.h"
+#include "core/text/numbers.h"
+
+namespace vonel {
+
+namespace {
+
+constexpr const char* kModule = "frmSendMailWrapper";
+constexpr int kNoMoreAccounts = 65535;
+
+// Each non-empty name followed by ";", less the last ";".
+std::string attachmentList(const std::vector<std::string>& names) {
+  std::string list;
+  for (const std::string& name : names) {
+    if (!name.empty()) list += name + ";";
+  }
+  if (list.size() > 1 && list.ends_with(';')) list.pop_back();
+  return list;
+}
+
+}  // namespace
+
+OutboxSender::OutboxSender(AppContext& context, OutboxListener& events)
+    : ctx_(context), events_(events), connection_(context) {
+  QObject::connect(&connection_, &SmtpConnection::connected, &connection_, [this] { onSmtpConnected(); });
+  QObject::connect(&connection_, &SmtpConnection::errorConnecting, &connection_,
+                   [this] { onSmtpErrorConnecting(); });
+  QObject::connect(&connection_, &SmtpConnection::disconnected, &connection_, [this] { onSmtpDisconnected(); });
+  QObject::connect(&connection_, &SmtpConnection::sendSuccessful, &connection_,
+                   [this] { onSmtpSendSuccessful(); });
+  QObject::connect(&connection_, &SmtpConnection::sendFailed, &connection_,
+                   [this](const QString& text) { onSmtpSendFailed(fromQString(text)); });
+  QObject::connect(&connection_, &SmtpConnection::status, &connection_,
+                   [this](const QString& text) { onSmtpStatus(fromQString(text)); });
+  QObject::connect(&connection_, &SmtpConnection::progress, &connection_,
+                   [this](int percentage) { onSmtpProgress(percentage); });
+}
+
+void OutboxSender::spoolMessage(message::Message& message, const std::string& fromOverride,
+                                         const std::string& nameOverride) {
+  sendmail(message, true, fromOverride, nameOverride);
+}
+
+std::filesystem::path OutboxSender::freeOutboxPath(int account) {
+  int& next = nextCounter_[account];
+  const int counter = send::freeOutboxCounter(ctx_.folders.outboxFolderPath, account, next);
+  next = counter + 1;
+  return ctx_.folders.outboxFolderPath / send::outboxFileName(account, counter);
+}
+
+void OutboxSender::sendmail(message::Message& message, bool spoolOnly, const std::string& fromOverride,
+                                     const std::string& nameOverride) {
+  guardedStep(ctx_.log, "Sendmail", kModule, [&] {
+    smtp::SmtpSession& mail = smtpSession();
+    mail.initialise(message.fromAccount);
+    message.from = message::extractEmail(message.from);
+    message.setToEmail(message.toEmail());
+    mail.setAttachment(attachmentList(message.attachmentNames()));
+    const std::filesystem::path file = freeOutboxPath(message.fromAccount);
+    mail.setRecipient(message::extractEmail(message.toEmail()));
+    mail.setRecipientDisplayName(message::extractName(message.toEmail()));
+    mail.setSubject(message.subject);
+    mail.setMessage(message.messageBody());
+    const send::AddressList cc = send::splitAddressList(message.cc);
+    mail.setCcRecipient(cc.addresses);
+    mail.setCcDisplayName(cc.names);
+    mail.setBccRecipient(send::splitAddressList(message.bcc).addresses);
+    if (!fromOverride.empty()) mail.setFrom(fromOverride);
+    if (!nameOverride.empty()) mail.setFromDisplayName(nameOverride);
+    mail.spoolToFile(file);
+    if (!spoolOnly) mail.send();
+  });
+}
+
+void OutboxSender::setupAccount(int account) {
+  smtp::SmtpSession& mail = smtpSession();
+  mail.initialise(static_cast<std::int16_t>(account));
+  const Account settings = readAccount(ctx_.settings, account, AccountReader::Session);
+  server_ = settings.smtp;
+  ctx_.log.addAction("Using server: " + server_, "SetupAccount", kModule);
+  if (server_.empty()) {
+    ctx_.log.addAction("Error, server not defined. Sendmail cancelled.", "SetupAccount", kModule);
+    const std::string text = "Please specify SMTP server #" + std::to_string(account + 1) + " in the settings";
+    ctx_.prompt.ask(text, Buttons::Ok, "Vonel");
+    events_.onSendFailed(text);
+    return;
+  }
+  const double timeout = ctx_.settings.get("MailTimeout", Value(30)).numberOr(30);
+  mail.setConnectTimeout(text::toWhole<std::int32_t>(timeout));
+  mail.setSmtpHost(server_);
+  userName_ = settings.smtpAuth ? settings.smtpUserName : std::string();
+  password_ = settings.smtpAuth ? settings.smtpPassword : std::string();
+  if (password_.empty()) {
+    ctx_.log.addAction("No password required", "SetupAccount", kModule);
+    mail.setUseAuthentication(false);
+  } else {
+    ctx_.log.addAction("Using SMTP authorisation", "SetupAccount", kModule);
+    mail.setUseAuthentication(true);
+    mail.setUsername(userName_);
+    mail.setPassword(password_);
+  }
+  mail.setDelimiter(";");
+}
+
+void OutboxSender::connect(int account) {
+  guardedStep(ctx_.log, "Connect", kModule, [&] {
+    connected_ = false;
+    // Both name the server of the account before: setupAccount reads the new one.
+    events_.onSendProgress("Connecting to SMTP server '" + server_ + "'");
+    ctx_.log.addAction("Connecting to " + server_, "Connect", kModule);
+    setupAccount(account);
+    smtpSession().connect();
+  });
+}
+
+void OutboxSender::disconnect() {
+  guardedStep(ctx_.log, "Disconnect", kModule, [&] { smtpSession().disconnect(); });
+}
+
+void OutboxSender::cancelSend() {
+  guardedStep(ctx_.log, "CancelSend", kModule, [&] {
+    sending_ = false;
+    sendingOneMessage_ = false;
+    smtpSession().disconnect();
+  });
+}
+
+void OutboxSender::uploadSpooledMail() {
+  guardedStep(ctx_.log, "UploadSpooledMail", kModule, [&] {
+    if (sending_) {
+      events_.onSendProgress("Already sending mail.");
+      return;
+    }
+    sendingOneMessage_ = false;
+    outboxFiles_ = send::listOutboxFiles(ctx_.folders.outboxFolderPath);
+    if (outboxFiles_.empty()) {
+      events_.onNoMailToSend();
+      return;
+    }
+    sending_ = true;
+    currentAccount_ = 0;
+    nextAccount(-1);
+  });
+}
+
+bool OutboxSender::accountHasMail(int account) const { return send::accountHasMail(outboxFiles_, account); }
+
+void OutboxSender::nextAccount(int previousAccount) {
+  if (outboxFiles_.empty()) {
+    finishSending();
+    return;
+  }
+  currentAccount_ = previousAccount + 1;
+  while (!accountHasMail(currentAccount_)) {
+    if (++currentAccount_ >= kAccountCount) {
+      currentAccount_ = kNoMoreAccounts;
+      break;
+    }
+  }
+  if (currentAccount_ == kNoMoreAccounts) {
+    finishSending();
+  } else {
+    connect(currentAccount_);
+  }
+}
+
+void OutboxSender::finishSending() {
+  sending_ = false;
+  events_.onSendingFinished();
+}
+
+void OutboxSender::sendNextMessage() {
+  if (sendingOneMessage_) return;
+  currentFile_ = send::firstFileOfAccount(outboxFiles_, currentAccount_);
+  if (!accountHasMail(currentAccount_) || currentFile_ == outboxFiles_.size()) {
+    disconnect();
+    return;
+  }
+  const std::string& name = outboxFiles_[currentFile_];
+  const message::Message message = message::readMessageFull(ctx_.folders.outboxFolderPath / name, ctx_.log);
+  if (message.toEmail().empty()) {
+    events_.onSendProgress("The outbox file " + name + " is empty, unreadable or holds no recipient");
+  }
+  sendingOneMessage_ = true;
+  sendSpooledMessage(message);
+}
+
+void OutboxSender::sendSpooledMessage(const message::Message& message) {
+  guardedStep(ctx_.log, "SendSpooledMessage", kModule, [&] {
+    if (!connected_) {
+      sendingOneMessage_ = false;
+      events_.onSendProgress("Can't send - not connected to server");
+      return;
+    }
+    smtp::SmtpSession& mail = smtpSession();
+    mail.setFrom(message::extractEmail(message.from));
+    mail.setRecipient(message::extractEmail(message.toEmail()));
+    mail.setInReplyTo(message.inReplyTo);
+    std::string text = message.rawMessage();
+    mail.setCcRecipient(send::addressesOf(message.cc));
+    mail.setBccRecipient(send::addressesOf(message.bcc));
+    if (!message.bcc.empty()) text = send::cutBccHeader(text);
+    mail.setMessage(send::wireText(std::move(text)));
+    mail.send();
+  });
+}
+
+void OutboxSender::onSmtpConnected() {
+  connected_ = true;
+  guardedStep(ctx_.log, "poSendMail_Connected", kModule, [&] { sendNextMessage(); });
+}
+
+void OutboxSender::onSmtpErrorConnecting() {
+  disconnect();
+  connected_ = false;
+  sending_ = false;
+  events_.onSendFailed("Unable to connect to server");
+}
+
+void OutboxSender::onSmtpDisconnected() {
+  // After a cancel or a stop the walk ends here instead of going on to the next account.
+  if (!sending_) return;
+  guardedStep(ctx_.log, "poSendMail_Disconnected", kModule, [&] {
+    if (outboxFiles_.empty()) {
+      finishSending();
+    } else {
+      nextAccount(currentAccount_);
+    }
+  });
+}
+
+void OutboxSender::onSmtpSendSuccessful() {
+  guardedStep(ctx_.log, "poSendMail_SendSuccessful", kModule, [&] {
+    // Only a message of the upload has an outbox file to move; a direct send has none.
+    if (!sendingOneMessage_ || currentFile_ >= outboxFiles_.size()) return;
+    const std::string name = outboxFiles_[currentFile_];
+    const send::SentMessage sent = send::moveToSentItems(ctx_.folders.outboxFolderPath, ctx_.folders.sentFolderPath,
+                                                         name, ctx_.log, ctx_.clock);
+    sendingOneMessage_ = false;
+    if (!sent.filed) {
+      // Sent but not filed: stop, so that a full disk doesn't turn every
+      // further message into one that goes out again at the next upload.
+      sending_ = false;
+      events_.onSendFailed("Sent " + sent.subject + " to " + sent.recipient +
+                               ", but it could not be saved in Sent Items and stays in the outbox");
+      disconnect();
+      return;
+    }
+    outboxFiles_.erase(outboxFiles_.begin() + static_cast<std::ptrdiff_t>(currentFile_));
+    events_.onSendProgress("Sent " + sent.subject + " to " + sent.recipient);
+    if (outboxFiles_.empty()) {
+      disconnect();
+    } else {
+      sendNextMessage();
+    }
+  });
+}
+
+void OutboxSender::onSmtpSendFailed(const std::string& text) {
+  events_.onSendProgress(text);
+  sendingOneMessage_ = false;
+  sending_ = false;
+  events_.onSendFailed(text);
+}
+
+void OutboxSender::onSmtpStatus(const std::string& text) { events_.onSendProgress(text); }
+
+void OutboxSender::onSmtpProgress(int percentage) {
+  events_.onSendProgress("Sending Mail: " + std::to_string(percentage) + "%");
+}
+
+}  // namespace vonel

@@ -1,0 +1,55 @@
+#pragma once
+// How the system writes dates, and the date forms and date tokens the
+// windows and templates use. The locale's facts come from the platform.
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "core/log/log.h"
+#include "core/time/clock.h"
+#include "core/text/dates.h"
+
+namespace vonel {
+
+struct LocaleFacts {
+  std::string shortDateProbe = "12/25/2001";  // the system's short text of 25 December 2001
+  text::MonthNames shortMonthNames = text::englishShortMonthNames();
+  std::string trueWord = "True";
+  std::string falseWord = "False";
+  std::string decimalMark = ".";
+};
+
+class LocaleDates {
+ public:
+  LocaleDates(const LocaleFacts& facts, Log& log, const Clock& clock);
+
+  bool translateMonthNames = false;
+  std::array<std::string, 12> shortMonthNames;
+  std::array<std::string, 12> englishMonthNames;
+  std::array<std::string, 12> fullEnglishMonthNames;
+  bool commaThousandSeparator = false;
+  int sysDateYearField = 0;
+  int sysDateMonthField = 0;
+  int sysDateDayField = 0;
+  std::string trueStr;
+  std::string falseStr;
+  std::string dateFormatString;
+  std::string fullDateFormatString;
+  std::string fullDateFormatPlusTimeString;
+  std::string dateSeparator;
+
+  std::string formatDate(const text::DateTime& date) const;
+  // Uses the long format without the time, as it always has.
+  std::string formatDatePlusTime(const text::DateTime& date) const;
+  std::string shortFormatDate(const text::DateTime& date) const;
+  const std::string& localDateFormat() const { return dateFormatString; }
+  static text::DateTime removeSeconds(text::DateTime date);
+  std::string expandDateTokens(std::string_view text) const;
+
+ private:
+  void readDateFormat(const std::string& probe);
+
+  const Clock& clock_;
+};
+
+}  // namespace vonel

@@ -1,0 +1,221 @@
+#include "core/store/folder_cache.h"
+
+#include <unordered_map>
+
+#include "core/log/app_error.h"
+#include "core/message/message_file.h"
+#include "core/files/files.h"
+#include "core/store/cache_file.h"
+#include "core/store/folder_listing.h"
+#include "core/text/strings.h"
+
+namespace vonel::store {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kModule = "CLSCACHE";
+constexpr std::size_t kWriteBuffer = 1 << 16;
+
+}  // namespace
+
+// The folder's message files by name, ignoring case, each marked once the
+// cache is found to know it unchanged.
+class FolderCache::Listing {
+ public:
+  explicit Listing(const fs::path& folder) : files_(listMessageFiles(folder)), known_(files_.size(), false) {
+    index_.reserve(files_.size());
+    for (std::size_t at = 0; at < files_.size(); ++at) index_.emplace(files_[at].key, at);
+  }
+
+  std::size_t size() const { return files_.size(); }
+  const ListedFile* find(std::string_view name) const {
+    const auto it = index_.find(text::upper(name));
+    return it == index_.end() ? nullptr : &files_[it->second];
+  }
+  void markKnown(const ListedFile& file) { known_[static_cast<std::size_t>(&file - files_.data())] = true; }
+  std::vector<const ListedFile*> unknown() const {
+    std::vector<const ListedFile*> result;
+    for (std::size_t at = 0; at < files_.size(); ++at) {
+      if (!known_[at]) result.push_back(&files_[at]);
+    }
+    return result;
+  }
+
+ private:
+  std::vector<ListedFile> files_;
+  std::vector<bool> known_;
+  std::unordered_map<std::string_view, std::size_t> index_;  // views of the keys in files_
+};
+
+FolderCache::FolderCache(AppContext& context, Progress& events) : context_(context), events_(events) {}
+
+void FolderCache::fillCache(Progress& form, const fs::path& path, std::string mailFolderName) {
+  guardedStep(context_.log, "FillCache", kModule, [&] {
+    filling_ = true;
+    path_ = path.has_filename() ? path : path.parent_path();
+    mailFolderName_ = std::move(mailFolderName);
+    form.status("Reading mail files");
+    dirty_ = false;
+    Listing listing(path_);
+    if (listing.size() > 100) form.status("Found " + std::to_string(listing.size()) + " messages");
+    if (messages.empty() && files::fileExists(cacheFile())) readCache(&listing);
+
+    if (!messages.empty()) {
+      // A cached message stays only if its file is listed with the time the cache knew.
+      const std::size_t total = messages.size();
+      std::size_t scanned = 0;
+      std::size_t stale = 0;
+      messages.removeIf([&](const CachedMessage& cached) {
+        const ListedFile* file = listing.find(messageKey(cached.filename));
+        const bool unchanged = file != nullptr && file->modified == cached.fileDate;
+        if (unchanged) listing.markKnown(*file);
+        if (++scanned % 10 == 0) {
+          form.status("Scanned " + std::to_string(scanned) + "/" + std::to_string(total) + " messages");
+          form.letEventsRun();
+        }
+        stale += unchanged ? 0 : 1;
+        return !unchanged;
+      });
+      if (stale > 0) dirty_ = true;
+    }
+
+    const auto unknown = listing.unknown();
+    if (!unknown.empty()) {
+      dirty_ = true;
+      // A fill from nothing counts every file as it goes; a top-up names the number first.
+      if (!messages.empty()) form.status("Adding " + std::to_string(unknown.size()) + " new messages");
+    }
+    for (std::size_t i = 0; i < unknown.size(); ++i) addHeadersOf(form, path_ / unknown[i]->name, i + 1, unknown.size());
+
+    form.status("Tidying up");
+    filling_ = false;
+    filled_ = true;
+  });
+  filling_ = false;
+}
+
+void FolderCache::addHeadersOf(Progress& form, const fs::path& file, std::size_t done, std::size_t total) {
+  ++headersRead_;
+  const message::Message header = message::readMessageHeader(file, context_.log);
+  // An empty or vanished file yields a message without a path; it is no message.
+  if (!header.filename().empty()) addNewMsg(header);
+  if (done % 50 == 0) {
+    form.status("Adding " + std::to_string(done) + "/" + std::to_string(total) + " new messages");
+    form.letEventsRun();
+  }
+}
+
+void FolderCache::readCache() {
+  guardedStep(context_.log, "ReadCache", kModule, [&] { readCache(nullptr); });
+}
+
+void FolderCache::readCache(const Listing* listing) {
+  messages.clear();
+  const auto exists = [&](const fs::path& file) {
+    // A file of this folder is looked up in its listing; only others cost a look at the disk.
+    const std::string_view whole = file.native();
+    const std::string_view folder = path_.native();
+    const bool here = whole.size() > folder.size() + 1 && whole.substr(0, folder.size()) == folder &&
+                      fs::path::preferred_separator == whole[folder.size()] &&
+                      whole.find(fs::path::preferred_separator, folder.size() + 1) == std::string_view::npos;
+    if (listing != nullptr && here) return listing->find(whole.substr(folder.size() + 1)) != nullptr;
+    return files::findAnyCase(file.parent_path(), file.filename().string()).has_value();
+  };
+  if (listing != nullptr) messages.reserve(listing->size());
+  bool current = false;
+  {
+    const files::FileView cache(cacheFile());
+    current = readCacheText(cache.text(), context_.folders.messageFolderPath, exists, [&](CachedMessage&& message) {
+      std::string key = messageKey(message.filename);  // before the message is moved away
+      messages.add(std::move(key), std::move(message));
+    });
+  }
+  if (!current) files::eraseFile(cacheFile());
+}
+
+void FolderCache::writeCache(bool force) {
+  if (!dirty_ && !force) return;
+  if (path_.empty() || context_.noCacheMode) return;
+  guardedStep(context_.log, "WriteCache", kModule, [&] { writeCache(); });
+}
+
+void FolderCache::writeCache() {
+  dirty_ = false;
+  files::eraseFile(path_ / "cache.csv");
+  files::AtomicFileWriter out(cacheFile());
+  std::string buffer(cacheFileHead());
+  std::size_t sinceEvents = 0;
+  for (const auto& entry : messages) {
+    const CachedMessage& message = entry.value;
+    // The time on disk now, not the one read: a rewrite of the file by the
+    // program itself (a change of read state) must not make it look stale.
+    const fs::path file(message.pathInReadCase());
+    auto date = files::fileDate(file);
+    if (!date) date = files::fileDate(files::resolveAnyCase(file.parent_path(), file.filename().string()));
+    appendCacheElement(buffer, message, date);
+    if (buffer.size() >= kWriteBuffer) {
+      out.write(buffer);
+      buffer.clear();
+    }
+    if (++sinceEvents == 300) {
+      events_.letEventsRun();
+      sinceEvents = 0;
+    }
+  }
+  buffer.append(cacheFileTail());
+  out.write(buffer);
+  out.commit();
+}
+
+void FolderCache::clear(bool deleteDiskCache) {
+  if (deleteDiskCache) {
+    if (!path_.empty()) files::eraseFile(cacheFile());
+  } else {
+    writeCache(false);
+  }
+  messages.clear();
+  path_.clear();
+  mailFolderName_.clear();
+  filled_ = false;
+  dirty_ = false;
+}
+
+message::Message FolderCache::item(std::size_t index) const {
+  if (index == 0 || index > messages.size()) return message::Message();
+  return messages.at(index - 1).value.toMessage();
+}
+
+void FolderCache::addNewMsg(const message::Message& message, bool /*flag*/) {
+  CachedMessage cached = CachedMessage::of(message);
+  std::string key = messageKey(cached.filename);
+  // A message saved again under its name replaces the one the cache knew.
+  if (CachedMessage* known = messages.find(key)) {
+    *known = std::move(cached);
+  } else {
+    messages.add(std::move(key), std::move(cached));
+  }
+  dirty_ = true;
+}
+
+void FolderCache::removeMsg(const message::Message& message) { removeByFilename(message.filename()); }
+
+void FolderCache::removeByFilename(std::string_view path) {
+  messages.remove(messageKey(path));
+  dirty_ = true;
+}
+
+CachedMessage& FolderCache::item(std::string_view path) {
+  CachedMessage* found = messages.find(messageKey(path));
+  if (found == nullptr) throw AppError(error_number::kInvalidCall, "Invalid procedure call or argument");
+  dirty_ = true;
+  return *found;
+}
+
+void FolderCache::markMsgReadUnread(std::string_view path, bool read) { item(path).read = read; }
+void FolderCache::markMsgPriority(std::string_view path, bool high) { item(path).highPriority = high; }
+void FolderCache::markMsgRepliedOrNot(std::string_view path, bool replied) { item(path).replied = replied; }
+void FolderCache::changeTags(std::string_view path, std::string_view tags) { item(path).tags = std::string(tags); }
+
+}  // namespace vonel::store

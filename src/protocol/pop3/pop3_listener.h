@@ -1,0 +1,33 @@
+#pragma once
+// The events of a POP3 session, raised to its owner. Every one has an empty
+// default, so an owner overrides only what it handles.
+#include <string>
+
+#include "core/message/message.h"
+
+namespace vonel::pop3 {
+
+class Pop3Listener {
+ public:
+  virtual ~Pop3Listener() = default;
+  virtual void onHeaderReceived(message::Message&) {}
+  // False when the message could not be kept: it then stays on the server.
+  virtual bool onMessageReceived(message::Message&) { return true; }
+  virtual void onSpecificMessage(message::Message&) {}
+  virtual void onProgress(const std::string&) {}
+  virtual void onNumberMessagesFound(const std::string& /*title*/, long /*count*/) {}
+  virtual void onPopError(const std::string& /*title*/, const std::string& /*text*/) {}
+  virtual void onDoingServer(const std::string& /*title*/) {}
+  virtual void onTimedOut(const std::string& /*title*/, int /*seconds*/) {}
+  virtual void onFinished(const std::string& /*title*/, long /*count*/) {}
+  virtual void onCancelled(const std::string& /*title*/) {}
+  virtual void onNoMailServer() {}
+  virtual void onDeletedSpam(int /*count*/) {}
+  virtual void onNoMail(const std::string& /*title*/) {}
+  virtual void onNoConnection() {}
+  // The session's window: its caption and its progress bar.
+  virtual void onCaption(const std::string&) {}
+  virtual void onProgressBar(long /*value*/, long /*maximum*/) {}
+};
+
+}  // namespace vonel::pop3

@@ -1,0 +1,303 @@
+#include <QTemporaryDir>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include "app/mail_controller.h"
+#include "app/terminal_password.h"
+#include "app/headless_windows.h"
+#include "core/files/files.h"
+#include "core/text/strings.h"
+
+using namespace vonel;
+
+namespace {
+
+// A home folder with its own context, windows and controller.
+struct Home {
+  QTemporaryDir dir;
+  FixedClock clock{text::DateTime{2026, 11, 23, 8, 0, 0}};
+  ScriptedPrompt prompt;
+  std::unique_ptr<AppContext> context;
+  HeadlessWindows windows;
+  TerminalPasswordPrompt passwords;
+  std::unique_ptr<MailController> controller;
+
+  explicit Home(const std::string& settings = "REPLYADDRESS0,me@example.org\r\n") {
+    if (!settings.empty()) files::writeTextFile(path() / "Vonel.ini", settings);
+    context = std::make_unique<AppContext>(clock, prompt, AppInfo{"Vonel", "9.9", "os", "/", path()});
+    controller = std::make_unique<MailController>(*context, windows, passwords);
+  }
+  std::filesystem::path path() const { return dir.path().toStdString(); }
+  std::string read(const char* name) const { return files::loadTextFile(path() / name); }
+  std::string log() {
+    context->log.writeActionsToLog();
+    return read("log.txt");
+  }
+};
+
+}  // namespace
+
+class MailControllerTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void withoutSettingsNothingStarts() {
+    Home home("");
+    QCOMPARE(home.controller->startup(), StartupResult::NoAccount);
+    QVERIFY(!files::folderExists(home.path() / "Messages"));
+    QVERIFY(home.read("log.txt").find("Vonel version 9.9 startup.") != std::string::npos);
+  }
+
+  void oldStoreRootMovesToThePathsFile() {
+    Home home;
+    const std::string store = (home.path() / "Store").string();
+    files::writeTextFile(home.path() / "Vonel.ini",
+                         "MESSAGEFOLDER," + store + "\r\nDATAFOLDER,/x\r\nSPAMFOLDER,/y\r\nKEEP,1\r\n");
+    QCOMPARE(home.controller->startup(), StartupResult::Started);
+    QCOMPARE(home.read("Paths.ini"), "MESSAGEFOLDER," + store + "\r\n");
+    QCOMPARE(home.context->folders.messageFolderPath, std::filesystem::path(store));
+    QCOMPARE(home.context->folders.dataFolderPath, home.path());
+    QVERIFY(!home.context->settings.isSettingPresent("DataFolder"));
+    QVERIFY(home.context->settings.isSettingPresent("KEEP"));
+  }
+
+  void aPathsFileThatHasTheRootWins() {
+    Home home;
+    const std::string store = (home.path() / "New").string();
+    files::writeTextFile(home.path() / "Paths.ini", "MESSAGEFOLDER," + store + "\r\n");
+    files::writeTextFile(home.path() / "Vonel.ini", "MESSAGEFOLDER," + (home.path() / "Old").string() + "\r\n");
+    home.controller->startup();
+    QCOMPARE(home.context->folders.messageFolderPath, std::filesystem::path(store));
+    QVERIFY(home.context->settings.isSettingPresent("MessageFolder"));
+    QVERIFY(!files::folderExists(home.path() / "Old"));
+  }
+
+  void theOldSignatureBecomesAFile() {
+    Home home("REPLYADDRESS0,me@example.org\r\nSIGNATURE,Jo\x01" "Example Ltd\r\n");
+    home.controller->startup();
+    QCOMPARE(home.read("Sigs/Sig1.txt"), std::string("Jo\r\nExample Ltd"));
+    QVERIFY(!home.context->settings.isSettingPresent("SIGNATURE"));
+  }
+
+  void anUnfinishedDownloadIsRemovedAtStart() {
+    Home home;
+    std::filesystem::create_directories(home.path() / "Messages");
+    files::writeTextFile(home.path() / "Messages" / "mail_3600.tmp", "+OK\r\npartial");
+    files::writeTextFile(home.path() / "Messages" / "keep.tmp", "x");
+    home.controller->startup();
+    QVERIFY(!files::fileExists(home.path() / "Messages" / "mail_3600.tmp"));
+    QVERIFY(files::fileExists(home.path() / "Messages" / "keep.tmp"));
+  }
+
+  void theFirstPassIsArmedFromTheTimer() {
+    Home scan("REPLYADDRESS0,a@b\r\nSCANONSTART,TRUE\r\n");
+    scan.controller->startup();
+    QVERIFY(scan.controller->autoScanTimer_.isActive());
+    QCOMPARE(scan.controller->autoScanTimer_.interval(), 200);
+    QVERIFY(!scan.controller->retrieveNext);
+
+    Home retrieve("REPLYADDRESS0,a@b\r\nRETRIEVEONSTART,-1\r\n");
+    retrieve.controller->startup();
+    QVERIFY(retrieve.controller->autoScanTimer_.isActive());
+    QVERIFY(retrieve.controller->retrieveNext);
+
+    Home idle;
+    idle.controller->startup();
+    QVERIFY(!idle.controller->autoScanTimer_.isActive());
+    QVERIFY(idle.controller->delayedStartTimer_.isActive());
+  }
+
+  void startMinimisedComparesTheTextWithOne() {
+    Home one("REPLYADDRESS0,a@b\r\nSTARTMIN,1\r\n");
+    one.controller->startup();
+    QVERIFY(one.windows.hidden);
+    Home padded("REPLYADDRESS0,a@b\r\nSTARTMIN, 1 \r\n");
+    padded.controller->startup();
+    QVERIFY(!padded.windows.hidden);
+  }
+
+  void theTrayTipNamesTheFirstAccount() {
+    Home titled("REPLYADDRESS2,a@b\r\nTITLE2,Work\r\n");
+    titled.controller->startup();
+    QVERIFY(titled.log().find("Displaying tray icon") != std::string::npos);
+    Home none("AUDIO,1\r\n");
+    none.controller->startup();
+    QVERIFY(none.controller->soundOn);
+  }
+
+  void aWindowLargerThanTheScreenIsMaximised() {
+    Home home("REPLYADDRESS0,a@b\r\nMAINWIDTH,99999999\r\nMAINHEIGHT,99999999\r\n");
+    home.controller->startup();
+    QCOMPARE(home.windows.geometry.state, 2);
+    Home wide("REPLYADDRESS0,a@b\r\nMAINWIDTH,99999999\r\nMAINHEIGHT,5000\r\n");
+    wide.controller->startup();
+    QCOMPARE(wide.windows.geometry.state, 0);
+    QCOMPARE(wide.windows.geometry.heightTwips, 5000);
+  }
+
+  void mailInTheOutboxAsksBeforeQuitting() {
+    Home home;
+    home.controller->startup();
+    files::writeTextFile(home.context->folders.outboxFolderPath / "00_outbound_1.EML", "x");
+    home.prompt.queue(Answer::No);
+    QVERIFY(!home.controller->exitProgram());
+    QCOMPARE(home.prompt.lastQuestion,
+             std::string("You still have mail in your outbox. Are you sure you want to quit?"));
+    QVERIFY(home.log().find("Saving settings") == std::string::npos);
+
+    home.prompt.queue(Answer::Yes);
+    QVERIFY(home.controller->exitProgram());
+    const std::string log = home.read("log.txt");
+    QVERIFY(log.find("Finished Shutdown of 9.9") != std::string::npos);
+    QVERIFY(home.read("Vonel.ini").find("MAINWINDOWSTATE, 0 ") != std::string::npos);
+  }
+
+  void theAutoScanCountsTicksFromTheEndOfThePass() {
+    Home home("REPLYADDRESS0,a@b\r\nSCANONSTART,TRUE\r\nDELAY,2\r\n");
+    home.controller->startup();
+    MailController& main = *home.controller;
+    main.stopMailTimer();
+    QCOMPARE(home.windows.timerStatus, std::string("Timer stopped"));
+    main.startMailTimer();
+    QCOMPARE(main.scanDelay, 2);
+    QCOMPARE(home.windows.timerStatus, std::string("Next scan: 2"));
+    main.autoScanTimer_.setInterval(5);
+    QSignalSpy passes(&main, &MailController::passEnded);
+    QVERIFY(passes.wait(2000));  // no account has a server: the pass ends at once
+    QCOMPARE(passes.at(0).at(0).toString(), QString("Process complete"));
+    QVERIFY(main.autoScanTimer_.isActive());  // and the count starts again
+    QCOMPARE(main.scanTicks, 0);
+
+    Home off("REPLYADDRESS0,a@b\r\nSCANONSTART,TRUE\r\n");
+    off.controller->startup();
+    off.controller->startMailTimer();
+    QCOMPARE(off.windows.timerStatus, std::string("Auto scan Disabled"));
+    QSignalSpy none(off.controller.get(), &MailController::passEnded);
+    off.controller->autoScanTimer_.setInterval(5);
+    QVERIFY(!none.wait(100));
+  }
+
+  void scannedHeadersAreKeyedCountedAndListed() {
+    Home home("REPLYADDRESS0,a@b\r\nExclusive0_1,me@example.org\r\n");
+    home.controller->startup();
+    long listed = 0;
+    home.windows.onServerMessage = [&](const message::Message&, long, const std::string&) { ++listed; };
+    pop3::Pop3Listener& events = *home.controller;
+    for (int i = 0; i < 3; ++i) {
+      message::Message m;
+      m.messageId = "<same@x>";
+      events.onHeaderReceived(m);
+    }
+    message::Message anonymous;
+    anonymous.sender = "s@x";
+    events.onHeaderReceived(anonymous);
+    message::Message elsewhere;  // account 1 lists only mail to its exclusive address
+    elsewhere.fromAccount = 1;
+    elsewhere.setToEmail("other@example.org");
+    events.onHeaderReceived(elsewhere);
+    const message::MessageList& kept = home.controller->messages;
+    QVERIFY(kept.contains("<same@x>") && kept.contains("<same@x>1") && kept.contains("<same@x>11"));
+    QVERIFY(kept.contains("3.28800.s@x"));  // row count, seconds since midnight, sender
+    QCOMPARE(home.controller->messagesListed, 5L);
+    QCOMPARE(home.controller->accountMessages[1], 1L);
+    QCOMPARE(listed, 4L);
+  }
+
+  void downloadedMailIsStoredByItsVerdict() {
+    Home home;
+    home.controller->startup();
+    pop3::Pop3Listener& events = *home.controller;
+    const auto root = home.context->folders.messageFolderPath;
+    bool allKept = true;
+    const auto receive = [&](const std::string& subject, const std::string& folder = "") -> std::filesystem::path {
+      message::Message m(&home.context->log, &home.clock);
+      m.createFromText("Subject: " + subject + "\r\n\r\nbody\r\n", false);
+      m.destFolder = folder;
+      m.attachmentsFolder = (home.path() / "missing").string();
+      allKept = events.onMessageReceived(m) && allKept;
+      return m.filename();
+    };
+    const std::string fifty(50, 'a');
+    QCOMPARE(receive(fifty).filename().string(), text::upper(fifty) + " (080000-261123).EML");
+    QCOMPARE(receive(fifty + "b").filename().string(), std::string(35, 'A') + " (080000-261123).EML");
+    const auto deep = receive("Filed", "\\Work\\2026\\");
+    QCOMPARE(deep.parent_path(), root / "Work" / "2026");
+    QCOMPARE(files::loadTextFile(root / "Work" / "2026" / "Unread.Tag"), std::string("1"));
+    QVERIFY(home.log().find("Filter calls for save all attachments, but folder") != std::string::npos);
+
+    // A store root that can't be made gives way to the program's folder for the run.
+    files::writeTextFile(home.path() / "blocker", "");
+    home.context->folders.messageFolderPath = home.path() / "blocker" / "Messages";
+    const auto moved = receive("Rescued", "\\Lists\\");
+    QCOMPARE(moved.parent_path(), home.path() / "Messages" / "Lists");
+    QVERIFY(home.prompt.lastQuestion.starts_with("Cannot find mail folder: "));
+    QVERIFY(allKept);
+  }
+
+  void fetchedMessagesServeTheirPurpose() {
+    Home home;
+    home.controller->startup();
+    pop3::Pop3Listener& events = *home.controller;
+    message::Message m;
+    m.createFromText("Subject: Asked for\r\n\r\nbody\r\n", false);
+    home.controller->fetchSpecificMessage(FetchPurpose::Download, 0, 1);  // no server: only the purpose is kept
+    events.onSpecificMessage(m);
+    const auto inbox = home.context->folders.inboxFolderPath;
+    QVERIFY(files::fileExists(inbox / "DOWNLOAD (080000-261123).EML"));
+
+    home.controller->fetchSpecificMessage(FetchPurpose::ViewSource, 0, 1);
+    events.onSpecificMessage(m);
+    const auto source = home.context->folders.messageFolderPath / "TEMP (080000-261123).EML";
+    QCOMPARE(files::loadTextFile(source), m.messageText());  // left for the viewer
+    Home again;
+    std::filesystem::create_directories(again.path() / "Messages");
+    files::writeTextFile(again.path() / "Messages" / "TEMP (1).EML", "x");
+    again.controller->startup();
+    QVERIFY(!files::fileExists(again.path() / "Messages" / "TEMP (1).EML"));  // until the next start
+  }
+
+  // A refused connection only shows a box; the silence time-out ends the
+  // pass. The tray flashes meanwhile.
+  void aRefusedServerTimesOutAndIsNamedForTheList() {
+    Home home("REPLYADDRESS0,a@b\r\nTITLE0,Jo\r\nSERVER0, 127.0.0.1 \r\nPOPPORT0,1\r\nMailTimeout,2\r\n");
+    home.controller->startup();
+    QCOMPARE(home.windows.trayTip, std::string("Vonel - Jo - 0 message(s)"));
+    QSignalSpy passes(home.controller.get(), &MailController::passEnded);
+    home.controller->scanAll();
+    QTest::qWait(700);
+    QCOMPARE(home.windows.trayPicture, TrayPicture::SmallS);
+    QVERIFY(passes.wait(10000));
+    QCOMPARE(passes.at(0).at(0).toString(), QString("Finished getting mail"));
+    QVERIFY(home.prompt.lastQuestion.starts_with("Error while connecting to server:\r\n[10061] "));
+    QCOMPARE(home.controller->serverNames[0], std::string("127.0.0.1"));
+    QVERIFY(!home.controller->checkingMail);
+    QVERIFY(!home.controller->iconFlashTimer_.isActive());
+    QCOMPARE(home.windows.trayPicture, TrayPicture::LargeS);
+    QCOMPARE(home.windows.trayTip, std::string("Vonel - Jo - 0 message(s)"));
+    QCOMPARE(home.windows.statusText, std::string("Done"));
+
+    pop3::Pop3Listener& events = *home.controller;
+    events.onNoConnection();
+    QCOMPARE(home.windows.trayPicture, TrayPicture::Error);
+    QCOMPARE(home.windows.statusText, std::string("No Internet Connection"));
+  }
+
+  void erasingAnAccountAsksFirst() {
+    Home home("REPLYADDRESS3,a@b\r\nTITLE3,Work\r\nSERVER3,\r\n");
+    home.controller->startup();
+    QSignalSpy passes(home.controller.get(), &MailController::passEnded);
+    home.prompt.queue(Answer::No);
+    home.controller->deleteAllFromAccount(3);
+    QCOMPARE(home.prompt.lastQuestion, std::string("You're about to erase all mail, good and bad, from server\r\n"
+                                                   "'Work' ()\r\nAre you absolutely certain you want to do this?"));
+    QCOMPARE(passes.count(), 0);
+    home.prompt.queue(Answer::Yes);
+    home.controller->deleteAllFromAccount(3);
+    QCOMPARE(passes.count(), 1);  // an account without a server ends its pass at once
+    QVERIFY(home.controller->clearMode);
+    QCOMPARE(passes.at(0).at(0).toString(), QString("Finished getting mail"));
+  }
+};
+
+QTEST_GUILESS_MAIN(MailControllerTest)
+#include "mail_controller_test.moc"

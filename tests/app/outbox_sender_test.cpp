@@ -1,0 +1,158 @@
+// OutboxSender against the scripted loopback peer: spool names and
+// texts, one connection for an account's files, and the events of an upload
+// that can't start or can't go on.
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "app/smtp/outbox_sender.h"
+#include "core/files/files.h"
+#include "core/send/outbox.h"
+#include "support/scripted_peer.h"
+
+using namespace vonel;
+using testing::Reply;
+using testing::ScriptedPeer;
+using testing::whole;
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int kWaitMs = 10000;
+
+struct Recorder final : OutboxListener {
+  std::vector<std::string> progress;
+  std::vector<std::string> failures;
+  int noMail = 0;
+  int finished = 0;
+  void onSendProgress(const std::string& text) override { progress.push_back(text); }
+  void onSendFailed(const std::string& text) override { failures.push_back(text); }
+  void onNoMailToSend() override { ++noMail; }
+  void onSendingFinished() override { ++finished; }
+  bool said(const std::string& text) const { return std::find(progress.begin(), progress.end(), text) != progress.end(); }
+};
+
+struct SendHome {
+  QTemporaryDir dir;
+  SystemClock clock;
+  ScriptedPrompt prompt;
+  AppContext context{clock, prompt, AppInfo{"Vonel", "1.2.3", "os", "/", dir.path().toStdString()}};
+  ScriptedPeer peer;
+  Recorder events;
+  OutboxSender wrapper{context, events};
+  fs::path outbox = fs::path(dir.path().toStdString()) / "Outbox";
+  fs::path sent = fs::path(dir.path().toStdString()) / "Sent Items";
+
+  SendHome() {
+    context.folders.outboxFolderPath = outbox;
+    context.folders.sentFolderPath = sent;
+    fs::create_directories(outbox);
+    fs::create_directories(sent);
+    context.settings.set("REPLYADDRESS0", "me@example.org");
+    context.settings.set("DisplayName0", "Me");
+    context.settings.set("SMTP0", "127.0.0.1");
+    context.settings.set("SMTPPort0", static_cast<int>(peer.port()));
+    peer.setGreeting(whole("220 scripted\r\n"));
+    peer.on("DATA", {whole("354 go ahead\r\n")});
+    peer.collectDataAfter("DATA", "\r\n.\r\n", whole("250 queued\r\n"));
+    peer.on("QUIT", {Reply{{"221 bye\r\n"}, true}});
+  }
+  // Every other command is accepted; rules set before this one go first.
+  void acceptTheRest() { peer.on("", {whole("250 ok\r\n")}); }
+
+  void spool(int account, const std::string& to, const std::string& cc = {}, const std::string& bcc = {},
+             const std::string& fromOverride = {}) {
+    message::Message message;
+    message.fromAccount = static_cast<std::int16_t>(account);
+    message.from = "Someone <ignored@x.org>";
+    message.setToEmail(to);
+    message.cc = cc;
+    message.bcc = bcc;
+    message.subject = "To " + to;
+    message.setMessageBody("Hello\r\n.dot line");
+    wrapper.spoolMessage(message, fromOverride, "");
+  }
+  std::string outboxText(const std::string& name) { return files::loadTextFile(outbox / name); }
+  std::size_t count(const fs::path& folder) { return send::listOutboxFiles(folder).size(); }
+};
+
+}  // namespace
+
+class SendWrapperTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void spoolNamesCarryTheAccountAndCountOn() {
+    SendHome home;
+    files::writeTextFile(home.outbox / "00_outbound_0.eml", "taken");
+    home.spool(0, "Ann <ann@x.org>", "b@x.org;Cy <c@x.org>", "Hid <h@x.org>");
+    home.spool(7, "dee@y.org", "", "", "other@x.org");
+    QCOMPARE(home.outboxText("00_outbound_0.eml"), std::string("taken"));
+    const std::string first = home.outboxText("00_outbound_1.eml");
+    // The account's sender stands, whatever the message's own From says.
+    QVERIFY(first.starts_with("From: \"Me\" <me@example.org>\r\nTo: \"Ann\" <ann@x.org>\r\n"));
+    QVERIFY(first.find("Cc: \"b@x.org\" <b@x.org>, \r\n    \"Cy\" <c@x.org>\r\n") != std::string::npos);
+    QVERIFY(first.find("Bcc: <h@x.org>\r\n") != std::string::npos);
+    QVERIFY(home.outboxText("07_outbound_0.eml").find("<other@x.org>\r\n") != std::string::npos);
+    QVERIFY(home.events.failures.empty());
+  }
+
+  void anAccountsFilesGoOverOneConnectionIntoSentItems() {
+    SendHome home;
+    home.spool(0, "ann@x.org", "", "h@x.org");
+    home.spool(0, "bob@x.org");
+    home.acceptTheRest();
+    home.wrapper.uploadSpooledMail();
+    QTRY_VERIFY_WITH_TIMEOUT(home.events.finished == 1, kWaitMs);
+    QVERIFY(home.events.failures.empty());
+    QCOMPARE(home.peer.connections, 1);
+    QCOMPARE(home.peer.dataBlocks.size(), std::size_t{2});
+    const std::string& first = home.peer.dataBlocks.front();
+    QVERIFY(first.find("Bcc:") == std::string::npos);
+    // The body's dot was stuffed once when spooled and twice on the way out.
+    QVERIFY(first.find("\r\n....dot line\r\n") != std::string::npos);
+    QVERIFY(std::find(home.peer.commands.begin(), home.peer.commands.end(), "RCPT TO: <h@x.org>") !=
+            home.peer.commands.end());
+    QCOMPARE(home.count(home.outbox), std::size_t{0});
+    QCOMPARE(home.count(home.sent), std::size_t{2});
+    QVERIFY(home.events.said("Sent To bob@x.org to bob@x.org <bob@x.org>"));
+  }
+
+  void anUploadThatCannotStartSaysWhy() {
+    SendHome home;
+    home.wrapper.uploadSpooledMail();
+    QCOMPARE(home.events.noMail, 1);
+    home.peer.on("MAIL", {Reply{}});  // silence: the first message stays on its way
+    home.acceptTheRest();
+    home.spool(0, "ann@x.org");
+    home.wrapper.uploadSpooledMail();
+    home.wrapper.uploadSpooledMail();
+    QVERIFY(home.events.said("Already sending mail."));
+    QTRY_VERIFY_WITH_TIMEOUT(home.peer.commands.size() == 2, kWaitMs);
+    // A cancel quits the session, and the walk doesn't go on from its end.
+    home.wrapper.cancelSend();
+    QVERIFY(!home.wrapper.sending());
+    QTRY_VERIFY_WITH_TIMEOUT(home.peer.commands.size() == 3, kWaitMs);
+    QCOMPARE(home.peer.commands.back(), std::string("QUIT"));
+    QTest::qWait(200);
+    QCOMPARE(home.events.finished, 0);
+    QCOMPARE(home.peer.connections, 1);
+    QCOMPARE(home.count(home.outbox), std::size_t{1});
+  }
+
+  void aDamagedOutboxFileStopsTheUploadAndStays() {
+    SendHome home;
+    files::writeTextFile(home.outbox / "00_outbound_0.eml", "");
+    home.spool(0, "ann@x.org");
+    home.acceptTheRest();
+    home.wrapper.uploadSpooledMail();
+    QTRY_VERIFY_WITH_TIMEOUT(!home.events.failures.empty(), kWaitMs);
+    QCOMPARE(home.events.failures.front(), std::string("No Recipient E-mail Address Specified"));
+    QVERIFY(home.events.said("The outbox file 00_outbound_0.eml is empty, unreadable or holds no recipient"));
+    QVERIFY(!home.wrapper.sending());
+    QCOMPARE(home.count(home.outbox), std::size_t{2});
+    QCOMPARE(home.count(home.sent), std::size_t{0});
+  }
+};
+
+QTEST_GUILESS_MAIN(SendWrapperTest)
+#include "outbox_sender_test.moc"

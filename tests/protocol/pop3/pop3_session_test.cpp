@@ -1,0 +1,466 @@
+#include "protocol/pop3/pop3_session.h"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <functional>
+#include <map>
+
+#include "../../core/test_home.h"
+#include "core/files/files.h"
+#include "core/text/strings.h"
+
+namespace vonel::pop3 {
+namespace {
+
+// A POP3 server in a script: each command the session sends queues the
+// reply written for it; the test hands the queued bytes over in chunks of a
+// chosen size, so every way of splitting and joining replies gets its turn.
+class ScriptedServer : public protocol::Link {
+ public:
+  std::map<std::string, std::string> replies;
+  std::vector<std::string> commands;
+  std::string outgoing;
+  bool timerOn = false;
+  int connects = 0;
+  std::string host;
+  int port = 0;
+
+  void connect(const std::string& h, int p) override {
+    ++connects;
+    host = h;
+    port = p;
+    outgoing += greeting;
+  }
+  void send(std::string_view bytes) override {
+    std::string command(bytes);
+    ASSERT_TRUE(command.ends_with("\r\n"));
+    command.resize(command.size() - 2);
+    commands.push_back(command);
+    const auto it = replies.find(command);
+    outgoing += it != replies.end() ? it->second : defaultReply(command);
+  }
+  // Nothing more arrives on a closed connection.
+  void close() override {
+    outgoing.clear();
+    closed = true;
+  }
+  bool closed = false;
+  void setTimer(bool on) override { timerOn = on; }
+
+  std::string greeting = "+OK ready\r\n";
+
+ private:
+  static std::string defaultReply(const std::string& command) {
+    if (command.starts_with("USER") || command.starts_with("PASS") || command.starts_with("DELE") ||
+        command == "QUIT") {
+      return "+OK\r\n";
+    }
+    return "";  // silence
+  }
+};
+
+struct Events : Pop3Listener {
+  std::vector<std::string> log;
+  std::vector<message::Message> headers;
+  std::vector<message::Message> downloads;
+  std::function<void()> whenFinished;
+  bool keep = true;  // whether a download was stored
+
+  void onHeaderReceived(message::Message& m) override {
+    log.push_back("HeaderReceived");
+    headers.push_back(m);
+  }
+  bool onMessageReceived(message::Message& m) override {
+    log.push_back("MessageReceived");
+    downloads.push_back(m);
+    return keep;
+  }
+  void onSpecificMessage(message::Message& m) override {
+    log.push_back("SpecificMessage");
+    downloads.push_back(m);
+  }
+  void onProgress(const std::string& t) override { progress.push_back(t); }
+  void onNumberMessagesFound(const std::string& t, long n) override {
+    log.push_back("NumberMessagesFound " + t + " " + std::to_string(n));
+  }
+  void onPopError(const std::string& t, const std::string& text) override { log.push_back("POPError " + t + " " + text); }
+  void onDoingServer(const std::string& t) override { log.push_back("DoingServer " + t); }
+  void onTimedOut(const std::string& t, int s) override { log.push_back("TimedOut " + t + " " + std::to_string(s)); }
+  void onFinished(const std::string& t, long n) override {
+    log.push_back("Finished " + t + " " + std::to_string(n));
+    if (whenFinished) whenFinished();
+  }
+  void onCancelled(const std::string& t) override { log.push_back("Cancelled " + t); }
+  void onNoMailServer() override { log.push_back("NoMailServer"); }
+  void onDeletedSpam(int n) override { log.push_back("DeletedSpam " + std::to_string(n)); }
+  void onNoMail(const std::string& t) override { log.push_back("NoMail " + t); }
+  void onNoConnection() override { log.push_back("NoConnection"); }
+  std::vector<std::string> progress;
+};
+
+// Marks as failing every message whose subject holds "spam".
+struct SubjectCheck : rules::MessageCheck {
+  void checkMessage(message::Message& m, bool) override {
+    if (text::findNoCase(m.subject, "spam")) {
+      m.deleted = true;
+      m.filterReason = "subject";
+    }
+    if (text::findNoCase(m.subject, "ignore")) m.ignored = true;
+    if (text::findNoCase(m.subject, "filed")) m.destFolder = "\\Lists";
+  }
+};
+
+struct NoPassword : PasswordPrompt {
+  int asked = 0;
+  std::string prompt;
+  std::string askPassword(std::string_view, std::string_view p, bool& cancelled, bool& save) override {
+    ++asked;
+    prompt = p;
+    cancelled = true;
+    save = false;
+    return {};
+  }
+};
+
+std::string topReply(int n, const std::string& subject) {
+  return "+OK\r\nFrom: a" + std::to_string(n) + "@example.org\r\nSubject: " + subject + "\r\n\r\nbody\r\n.\r\n";
+}
+
+std::string retrReply(const std::string& subject, const std::string& body) {
+  return "+OK message follows\r\nFrom: a@example.org\r\nSubject: " + subject + "\r\n\r\n" + body + ".\r\n";
+}
+
+class Pop3SessionTest : public ::testing::TestWithParam<std::size_t> {
+ protected:
+  testing::TempDir dir;
+  FixedClock clock{text::DateTime{2026, 11, 23, 10, 0, 5}};
+  ScriptedPrompt prompt;
+  AppContext ctx{clock, prompt, AppInfo{"Vonel", "1", "os", "/", dir.path()}};
+  ScriptedServer server;
+  Events events;
+  SubjectCheck serverFilters;
+  rules::PassEverything localFilters;
+  NoPassword passwords;
+  Pop3Session session{ctx, server, events, serverFilters, localFilters, passwords};
+
+  void SetUp() override {
+    ctx.settings.loadSettingsFromText(
+        "TITLE0,Home\r\nSERVER0,pop.test\r\nUNAME0,jo\r\nPWD0,secret\r\nPOPPORT0,1110\r\n", "test");
+    ctx.folders.readMessageFolder();
+  }
+
+  void mailbox(const std::vector<std::string>& subjects, std::size_t listed = std::string::npos) {
+    std::string list = "+OK\r\n";
+    for (std::size_t i = 0; i < subjects.size() && i < listed; ++i) {
+      list += std::to_string(i + 1) + " " + std::to_string(1000 * (i + 1)) + "\r\n";
+    }
+    server.replies["LIST"] = list + ".\r\n";
+    server.replies["STAT"] = "+OK " + std::to_string(subjects.size()) + " 2048\r\n";
+    for (std::size_t i = 0; i < subjects.size(); ++i) {
+      server.replies["TOP " + std::to_string(i + 1) + " 1"] = topReply(static_cast<int>(i + 1), subjects[i]);
+    }
+  }
+
+  // Delivers what the server has queued, in chunks of the test's size, until it falls silent.
+  void run() {
+    const std::size_t chunk = GetParam();
+    while (!server.outgoing.empty()) {
+      // Hand over what is queued now; replies to commands it provokes queue behind it.
+      const std::string batch = std::move(server.outgoing);
+      server.outgoing.clear();
+      server.closed = false;
+      for (std::size_t at = 0; at < batch.size(); at += chunk) {
+        session.onData(std::string_view(batch).substr(at, chunk));
+        if (server.closed) break;
+      }
+    }
+  }
+
+  std::string commands() const {
+    std::string all;
+    for (const auto& c : server.commands) all += c + "|";
+    return all;
+  }
+};
+
+TEST_P(Pop3SessionTest, AScanWalksEveryHeaderAndQuits) {
+  mailbox({"one", "two"});
+  session.getHeaders(0, false);
+  run();
+  EXPECT_EQ(server.host, "pop.test");
+  EXPECT_EQ(server.port, 1110);
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|TOP 2 1|QUIT|");
+  EXPECT_EQ(events.log, (std::vector<std::string>{"DoingServer Home", "NumberMessagesFound Home 2", "HeaderReceived",
+                                                  "HeaderReceived", "Finished Home 0"}));
+  ASSERT_EQ(events.headers.size(), 2u);
+  EXPECT_EQ(events.headers[1].subject, "two");
+  EXPECT_FLOAT_EQ(events.headers[1].size, 1.95f);  // 2000 bytes in kilobytes, two places
+  EXPECT_EQ(events.headers[1].messageNumThisAcc, 2);
+  EXPECT_EQ(events.progress.front(), "Checking mail on Home");
+  EXPECT_NE(std::find(events.progress.begin(), events.progress.end(), "2 message(s) on Home   (2 kb)"),
+            events.progress.end());
+  EXPECT_EQ(events.progress.back(), "Home scan complete");
+  EXPECT_FALSE(server.timerOn);
+}
+
+TEST_P(Pop3SessionTest, AnEmptyMailboxSendsNoTop) {
+  mailbox({});
+  session.getHeaders(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|QUIT|");
+  EXPECT_EQ(events.log[2], "NoMail Home");
+  EXPECT_EQ(events.progress.back(), "No mail on Home");
+}
+
+TEST_P(Pop3SessionTest, FailingHeadersAreDeletedOnTheServerWithoutARow) {
+  mailbox({"good", "spam offer", "fine"});
+  session.getHeaders(0, true);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|TOP 2 1|DELE 2|TOP 3 1|QUIT|");
+  EXPECT_EQ(events.headers.size(), 2u);
+  EXPECT_NE(std::find(events.log.begin(), events.log.end(), "DeletedSpam 1"), events.log.end());
+  EXPECT_NE(std::find(events.progress.begin(), events.progress.end(), "Deleting message 2 of 3"),
+            events.progress.end());
+}
+
+TEST_P(Pop3SessionTest, WithoutDeleteAFailingHeaderIsListedAndSkipped) {
+  mailbox({"spam"});
+  session.getHeaders(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|QUIT|");
+  EXPECT_EQ(events.headers.size(), 1u);
+  EXPECT_NE(std::find(events.progress.begin(), events.progress.end(), "Skipping message 1 of 1 (subject)"),
+            events.progress.end());
+}
+
+TEST_P(Pop3SessionTest, WalkingPastTheEndStopsAtTheServersRefusal) {
+  ctx.settings.set("STOPATLAST0", Value(false));
+  mailbox({"a", "b", "c"});
+  server.replies["TOP 4 1"] = "-ERR no such message\r\n";
+  session.getHeaders(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|TOP 2 1|TOP 3 1|TOP 4 1|QUIT|");
+  EXPECT_EQ(events.log.back(), "Finished Home 0");
+  EXPECT_EQ(std::count_if(events.log.begin(), events.log.end(), [](auto& e) { return e.starts_with("POPError"); }),
+            0);
+}
+
+TEST_P(Pop3SessionTest, IgnoredHeadersAreListedAndFiledDownloadsNamed) {
+  mailbox({"please ignore", "filed one"});
+  server.replies["RETR 2"] = retrReply("filed one", "x\r\n");
+  session.getMessages(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|TOP 2 1|RETR 2|QUIT|");
+  EXPECT_EQ(events.headers.size(), 1u);
+  EXPECT_NE(std::find(events.progress.begin(), events.progress.end(), "Ignoring message 1 of 2"),
+            events.progress.end());
+  EXPECT_NE(std::find(events.progress.begin(), events.progress.end(), "Downloaded Message 2 of 2 to \\Lists"),
+            events.progress.end());
+}
+
+TEST_P(Pop3SessionTest, AListShorterThanTheMailboxLeavesSizesUnset) {
+  mailbox({"a", "b", "c", "d"}, 1);
+  session.getHeaders(0, false);
+  run();
+  ASSERT_EQ(events.headers.size(), 4u);
+  EXPECT_FLOAT_EQ(events.headers[0].size, 0.98f);
+  // The list's own "." and empty last line count as lines without a size;
+  // past them the message keeps the size its text gave it.
+  EXPECT_FLOAT_EQ(events.headers[1].size, 1.0f);
+  EXPECT_FLOAT_EQ(events.headers[2].size, 1.0f);
+  message::Message parsed;
+  parsed.createFromText("From: a4@example.org\r\nSubject: d\r\n\r\nbody\r\n", true);
+  EXPECT_FLOAT_EQ(events.headers[3].size, parsed.size);
+}
+
+TEST_P(Pop3SessionTest, AWrongPasswordEndsInPopErrorThenFinished) {
+  server.replies["PASS secret"] = "-ERR [AUTH] Authentication failed.\r\n";
+  session.getHeaders(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|QUIT|");
+  EXPECT_EQ(events.log, (std::vector<std::string>{"DoingServer Home",
+                                                  "POPError Home -ERR [AUTH] Authentication failed.\r\n",
+                                                  "Finished Home 0"}));
+}
+
+TEST_P(Pop3SessionTest, ADownloadGoesThroughAFileAndIsJudgedAgain) {
+  mailbox({"hello"});
+  server.replies["RETR 1"] = retrReply("hello", "line one\r\n..dotted\r\n");
+  session.getMessages(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|RETR 1|QUIT|");
+  ASSERT_EQ(events.downloads.size(), 1u);
+  const auto& m = events.downloads[0];
+  EXPECT_EQ(m.subject, "hello");
+  // Dot-stuffing stays; the cut before the terminator keeps the last CR.
+  EXPECT_EQ(m.messageBody(), "line one\r\n..dotted\r");
+  EXPECT_EQ(m.rawMessage().find("+OK message follows"), std::string::npos);
+  EXPECT_EQ(m.receiveDate, "2026-11-23 10:00:05");
+  EXPECT_EQ(m.messageNumThisAcc, 2);  // the header and the download both count
+  EXPECT_NE(std::find(events.progress.begin(), events.progress.end(), "Downloaded Message 1 of 1 to Inbox"),
+            events.progress.end());
+  EXPECT_FALSE(files::fileExists(ctx.folders.messageFolderPath / "mail_36005.tmp"));
+}
+
+TEST_P(Pop3SessionTest, DeleteOnRetrieveIsPipelinedAheadOfTheNextTop) {
+  ctx.settings.set("DELETEONRETRIEVE", Value(1));
+  mailbox({"first", "second"});
+  server.replies["RETR 1"] = retrReply("first", "x\r\n");
+  server.replies["RETR 2"] = retrReply("second", "y\r\n");
+  // The "+OK" of the DELE arrives first; the next TOP's status line stays in its header text.
+  server.replies["TOP 2 1"] = "+OK top follows\r\nSubject: second\r\n\r\n.\r\n";
+  session.getMessages(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|RETR 1|DELE 1|TOP 2 1|RETR 2|DELE 2|QUIT|");
+  ASSERT_EQ(events.downloads.size(), 2u);
+  EXPECT_EQ(events.downloads[1].subject, "second");
+
+  // A message that couldn't be stored is never deleted.
+  server.commands.clear();
+  events.keep = false;
+  session.getMessages(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|RETR 1|TOP 2 1|RETR 2|QUIT|");
+}
+
+TEST_P(Pop3SessionTest, AConnectionLostInTheMiddleOfAMessageKeepsNothingOfIt) {
+  ctx.settings.set("DELETEONRETRIEVE", Value(1));
+  mailbox({"first"});
+  server.replies["RETR 1"] = "+OK message follows\r\nSubject: first\r\n\r\nhalf of the bo";
+  session.getMessages(0, false);
+  run();
+  session.onSocketError(10053, "Software caused connection abort");
+  EXPECT_TRUE(events.downloads.empty());
+  EXPECT_EQ(commands().find("DELE"), std::string::npos);
+
+  // The next session starts its message afresh.
+  server.commands.clear();
+  server.replies["RETR 1"] = retrReply("first", "whole body\r\n");
+  session.getMessages(0, false);
+  run();
+  ASSERT_EQ(events.downloads.size(), 1u);
+  EXPECT_EQ(events.downloads[0].messageBody(), "whole body\r");
+  std::size_t leftovers = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(ctx.folders.messageFolderPath)) {
+    leftovers += entry.path().extension() == ".tmp";
+  }
+  EXPECT_EQ(leftovers, 0u);
+}
+
+TEST_P(Pop3SessionTest, OneMessageByNumber) {
+  mailbox({"a", "b"});
+  server.replies["RETR 2"] = retrReply("b", "text\r\n");
+  session.getSpecificMessage(0, 2);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|RETR 2|QUIT|");
+  EXPECT_EQ(events.log, (std::vector<std::string>{"NumberMessagesFound Home 2", "SpecificMessage", "Finished Home 1"}));
+
+  events.log.clear();
+  server.commands.clear();
+  session.getSpecificMessage(0, 3);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|QUIT|");
+  // The count of fetched messages is reset only by a full transfer.
+  EXPECT_EQ(events.log, (std::vector<std::string>{"NumberMessagesFound Home 2", "Finished Home 1"}));
+}
+
+TEST_P(Pop3SessionTest, DeleteAllErasesEveryMessage) {
+  mailbox({"a", "b", "c"});
+  session.deleteAllMail(0);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|DELE 1|DELE 2|DELE 3|QUIT|");
+  EXPECT_EQ(events.progress[events.progress.size() - 2], "Deleted 3 of 3");
+}
+
+TEST_P(Pop3SessionTest, AStatWithoutBlanksWaitsForTheTimeOut) {
+  mailbox({"a"});
+  server.replies["STAT"] = "+OK\r\n";
+  session.getHeaders(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|");
+  for (int i = 0; i < 29; ++i) session.onTick();
+  EXPECT_EQ(events.log.back(), "DoingServer Home");
+  EXPECT_EQ(events.progress.back(), "Home - Trying to connect: 1");
+  session.onTick();
+  EXPECT_EQ(std::vector<std::string>(events.log.end() - 3, events.log.end()),
+            (std::vector<std::string>{"Cancelled Home", "Finished Home 0", "TimedOut Home 30"}));
+  EXPECT_EQ(events.progress.back(), "Mail retrieval cancelled");
+}
+
+INSTANTIATE_TEST_SUITE_P(Splits, Pop3SessionTest, ::testing::Values(1, 2, 3, 5, 64, 100000));
+
+class Pop3Edges : public Pop3SessionTest {};
+
+TEST_P(Pop3Edges, NoServerNoCheckAndAMissingPassword) {
+  session.getHeaders(5, false);
+  EXPECT_EQ(events.log, (std::vector<std::string>{"NoMailServer"}));
+  EXPECT_EQ(ctx.settings.get("CHECK5"), Value(0));
+
+  ctx.settings.set("CHECK0", Value(false));
+  events.log.clear();
+  session.getHeaders(0, false);
+  EXPECT_EQ(events.log, (std::vector<std::string>{"NoMailServer"}));
+
+  ctx.settings.set("PWD0", Value(""));
+  mailbox({});
+  session.getHeaders(0, false, true);  // forced: checked although excluded
+  run();
+  EXPECT_EQ(passwords.prompt, "Enter password for 'jo' on account 'Home'");
+  EXPECT_EQ(commands(), "USER jo|PASS |LIST|STAT|QUIT|");
+}
+
+TEST_P(Pop3Edges, SocketErrors) {
+  session.getHeaders(0, false);
+  server.outgoing.clear();
+  session.onSocketError(10061, "Connection refused");
+  EXPECT_EQ(prompt.lastQuestion, "Error while connecting to server:\r\n[10061] Connection refused");
+  EXPECT_TRUE(server.timerOn);  // the time-out ends it
+  session.onSocketError(11001, "Host not found");
+  EXPECT_EQ(std::vector<std::string>(events.log.end() - 2, events.log.end()),
+            (std::vector<std::string>{"NoConnection", "Finished Home 0"}));
+  EXPECT_FALSE(server.timerOn);
+}
+
+TEST_P(Pop3Edges, AServerThatClosesMidDownloadStoresNothing) {
+  mailbox({"a"});
+  server.replies["RETR 1"] = "+OK\r\nSubject: a\r\n\r\npartial";
+  session.getMessages(0, false);
+  run();
+  EXPECT_EQ(server.commands.back(), "RETR 1");
+  session.onSocketError(10053, "aborted");
+  EXPECT_TRUE(events.downloads.empty());
+  EXPECT_EQ(events.log.back(), "Finished Home 0");
+}
+
+TEST_P(Pop3Edges, AnErrorInsideALongRetrIsStillAFile) {
+  mailbox({"a"});
+  server.replies["RETR 1"] = retrReply("a", "-ERR is just text here\r\n" + std::string(70000, 'x') + "\r\n");
+  session.getMessages(0, false);
+  run();
+  ASSERT_EQ(events.downloads.size(), 1u);
+  EXPECT_EQ(events.downloads[0].messageBody().substr(0, 6), "-ERR i");
+}
+
+TEST_P(Pop3Edges, HugeLinesAndBinaryBytesEndInAnErrorOrAMessage) {
+  server.greeting = "+OK " + std::string(10 << 20, 'x') + "\r\n";
+  session.getHeaders(0, false);
+  run();
+  EXPECT_EQ(events.log.back(), "Finished Home 0");
+  ASSERT_GE(events.log.size(), 2u);
+  EXPECT_TRUE(events.log[events.log.size() - 2].starts_with("POPError Home xxxx"));
+
+  events.log.clear();
+  server.greeting = "+OK ready\r\n";
+  mailbox({"a"});
+  server.replies["TOP 1 1"] = std::string("+OK\r\nSubject: \0\xff\x01\r\n\r\n\0\r\n.\r\n", 27);
+  session.getHeaders(0, false);
+  run();
+  EXPECT_EQ(events.headers.size(), 1u);
+  EXPECT_EQ(events.log.back(), "Finished Home 0");
+}
+
+INSTANTIATE_TEST_SUITE_P(Splits, Pop3Edges, ::testing::Values(1, 7, 100000));
+
+}  // namespace
+}  // namespace vonel::pop3
