@@ -4,16 +4,17 @@
 
 namespace vonel {
 
-int socketErrorNumber(QAbstractSocket::SocketError error) {
+protocol::SocketError toSocketError(QAbstractSocket::SocketError error) {
+  using protocol::SocketError;
   switch (error) {
-    case QAbstractSocket::HostNotFoundError: return 11001;
-    case QAbstractSocket::SocketTimeoutError: return 10060;
-    case QAbstractSocket::ConnectionRefusedError: return 10061;
-    case QAbstractSocket::NetworkError: return 10051;
-    case QAbstractSocket::RemoteHostClosedError: return 10053;
-    case QAbstractSocket::SocketAddressNotAvailableError: return 10049;
-    case QAbstractSocket::TemporaryError: return 10065;
-    default: return 10000 + static_cast<int>(error);
+    case QAbstractSocket::HostNotFoundError: return SocketError::HostNotFound;
+    case QAbstractSocket::SocketTimeoutError: return SocketError::TimedOut;
+    case QAbstractSocket::ConnectionRefusedError: return SocketError::ConnectionRefused;
+    case QAbstractSocket::NetworkError: return SocketError::NetworkUnreachable;
+    case QAbstractSocket::RemoteHostClosedError: return SocketError::ConnectionAborted;
+    case QAbstractSocket::SocketAddressNotAvailableError: return SocketError::AddressNotAvailable;
+    case QAbstractSocket::TemporaryError: return SocketError::HostUnreachable;
+    default: return static_cast<SocketError>(10000 + static_cast<int>(error));
   }
 }
 
@@ -32,10 +33,10 @@ Pop3Connection::Pop3Connection(AppContext& context, pop3::Pop3Listener& events, 
   // session doesn't reconnect inside the socket's own signal; an error of a
   // connection that has been replaced meanwhile is dropped.
   QObject::connect(&socket_, &QTcpSocket::errorOccurred, this, [this](QAbstractSocket::SocketError error) {
-    const int number = socketErrorNumber(error);
+    const protocol::SocketError socketError = toSocketError(error);
     const std::string text = fromQString(socket_.errorString());
-    QTimer::singleShot(0, this, [this, number, text, connection = connection_] {
-      if (connection == connection_) session_.onSocketError(number, text);
+    QTimer::singleShot(0, this, [this, socketError, text, connection = connection_] {
+      if (connection == connection_) session_.onSocketError(socketError, text);
     });
   });
 }

@@ -1,6 +1,6 @@
 #pragma once
 // Drives a POP3 session from a real socket and a one-second timer, and turns
-// socket errors into the numbers the session knows.
+// socket errors into the errors the sessions know.
 #include <QObject>
 #include <QTcpSocket>
 #include <QTimer>
@@ -8,11 +8,13 @@
 
 #include "protocol/link.h"
 #include "protocol/pop3/pop3_session.h"
+#include "protocol/socket_error.h"
 
 namespace vonel {
 
-// The error numbers the mail sessions have always used for socket failures.
-int socketErrorNumber(QAbstractSocket::SocketError error);
+// A socket failure as the mail sessions name it; its number is what their
+// log lines and error boxes print.
+protocol::SocketError toSocketError(QAbstractSocket::SocketError error);
 
 class Pop3Connection final : public QObject, public protocol::Link {
   Q_OBJECT

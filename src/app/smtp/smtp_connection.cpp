@@ -30,7 +30,7 @@ SmtpConnection::SmtpConnection(AppContext& context, QObject* parent)
   // outside the socket's own signal; an error of a replaced connection is dropped.
   QObject::connect(&socket_, &QTcpSocket::errorOccurred, this, [this](QAbstractSocket::SocketError error) {
     inError_ = true;
-    const int number = socketErrorNumber(error);
+    const int number = protocol::number(toSocketError(error));
     const std::string text = fromQString(socket_.errorString());
     QTimer::singleShot(0, this, [this, number, text, connection = connection_] {
       if (connection == connection_) session_.onSocketError(number, text);

@@ -17,21 +17,24 @@
 #include "core/settings/accounts.h"
 #include "protocol/link.h"
 #include "protocol/pop3/pop3_listener.h"
+#include "protocol/socket_error.h"
 
 namespace vonel::pop3 {
 
 enum class Mode { Headers = 1, Download = 2, OneMessage = 3, DeleteAll = 4 };
 
-// The one reply record, reused for every reply.
-struct Pop3Reply {
-  long messageCount = 0;
-  long currentMessage = 0;
-  std::string replyBuffer;
-  bool inMultiLine = false;
-  long bytesReceived = 0;
-  int fileHandle = 0;
-  std::filesystem::path tempFileName;
-  std::string packetTail;
+// What the session waits for next. The error log prints the number.
+enum class Pop3State {
+  AwaitGreeting = 0,
+  AwaitUserReply = 1,
+  AwaitPassReply = 2,
+  AwaitListLines = 3,
+  AwaitStat = 4,
+  AwaitTopLines = 6,
+  AwaitRetrLines = 7,
+  AwaitSpamDeleReply = 8,   // a failing header's message deleted during the walk
+  AwaitDeleteAllReply = 9,  // one DELE of the run that empties the mailbox
+  AwaitQuitReply = 10,
 };
 
 class Pop3Session {
@@ -46,36 +49,58 @@ class Pop3Session {
   void cancelMail();
 
   // From the connection: received bytes, split or joined anyhow; the
-  // one-second tick; a socket error with its number.
+  // one-second tick; a socket error.
   void onData(std::string_view bytes);
   void onTick();
-  void onSocketError(int number, std::string_view description);
+  void onSocketError(protocol::SocketError error, std::string_view description);
 
-  int state() const { return state_; }
-  const Pop3Reply& reply() const { return reply_; }
+  Pop3State state() const { return state_; }
 
  private:
-  void readSettings();
-  void beginTransfer(int account, bool deleteSpam, bool force);
-  bool takeUnit(std::string& unit);
-  void dataArrival(const std::string& packet);
-  void dispatch(const std::string& packet);
+  // Where the walk through the mailbox stands, and the reply being gathered.
+  struct Pop3Reply {
+    long messageCount = 0;
+    long currentMessage = 0;
+    std::string replyBuffer;
+    bool inMultiLine = false;
+    // From the temporary file's opening until the download is read back
+    // from it: a read that fails leaves it set, so the next session's start
+    // still erases the file.
+    bool downloading = false;
+    std::filesystem::path tempFileName;
+    std::string packetTail;  // the last three bytes of the download so far
+  };
+
+  // Starting and ending (pop3_session.cpp).
+  void readAccounts();
+  void startTransfer(int account, bool deleteSpam, bool force);
   void startSession();
+  void endSession();
+  void endWithError(const std::string& text);
+
+  // Cutting received bytes into packets and handing them on (pop3_session_replies.cpp).
+  bool takePacket(std::string& packet);
+  void onPacket(const std::string& packet);
+  void dispatch(const std::string& packet);
   void onGreeting();
   void onListLines(const std::string& packet);
   void onStat(const std::string& packet);
-  void onTopLines(const std::string& packet);
-  void onRetrLines(const std::string& packet);
-  void onRetrComplete();
   void onDeleteAllReply();
   void onQuitReply();
-  void stepRule(bool withLog);
-  void errorPath(const std::string& packet);
-  void cleanupAndExit();
+
+  // The header walk and each header's verdict (pop3_session_headers.cpp).
+  void onTopLines(const std::string& packet);
+  void requestNextHeader(bool logLastMessage);
+
+  // A download through a temporary file (pop3_session_download.cpp).
+  void onRetrLines(const std::string& packet);
+  void onRetrComplete();
   void closeTempFile(bool erase);
+
   void send(const std::string& command);
-  void setState(int state) { state_ = state; }
-  void action(std::string_view text);
+  void sendCommand(Pop3State awaited, const std::string& command);
+  void sendQuit();
+  void logAction(std::string_view text);
   const std::string& title() const { return accounts_[static_cast<std::size_t>(account_)].title; }
   std::string ofTotal(long n) const;
 
@@ -87,7 +112,7 @@ class Pop3Session {
   PasswordPrompt& passwords_;
 
   std::array<Account, kAccountCount> accounts_{};
-  bool tablesRead_ = false;
+  bool accountsRead_ = false;
   Mode mode_ = Mode::Headers;
   int specificNumber_ = 0;
   int timeout_ = 30;
@@ -97,13 +122,13 @@ class Pop3Session {
   long specificCount_ = 0;
   std::vector<std::string> sizeList_;
   bool deleteSpam_ = false;
-  int state_ = 0;
-  std::string lastData_;
+  Pop3State state_ = Pop3State::AwaitGreeting;
+  std::string lastPacket_;
   Pop3Reply reply_;
 
-  std::string pending_;       // received bytes not yet handed to dataArrival
-  std::size_t scanned_ = 0;   // how much of pending_ is known to hold no line end
-  std::uint64_t session_ = 0;  // changes with every new session
+  std::string pending_;              // received bytes not yet handed to onPacket
+  std::size_t scanned_ = 0;          // how much of pending_ is known to hold no line end
+  std::uint64_t sessionNumber_ = 0;  // changes with every new session
   std::ofstream tempFile_;
 };
 

@@ -330,7 +330,7 @@ TEST_P(Pop3SessionTest, AConnectionLostInTheMiddleOfAMessageKeepsNothingOfIt) {
   server.replies["RETR 1"] = "+OK message follows\r\nSubject: first\r\n\r\nhalf of the bo";
   session.getMessages(0, false);
   run();
-  session.onSocketError(10053, "Software caused connection abort");
+  session.onSocketError(protocol::SocketError::ConnectionAborted, "Software caused connection abort");
   EXPECT_TRUE(events.downloads.empty());
   EXPECT_EQ(commands().find("DELE"), std::string::npos);
 
@@ -413,10 +413,10 @@ TEST_P(Pop3Edges, NoServerNoCheckAndAMissingPassword) {
 TEST_P(Pop3Edges, SocketErrors) {
   session.getHeaders(0, false);
   server.outgoing.clear();
-  session.onSocketError(10061, "Connection refused");
+  session.onSocketError(protocol::SocketError::ConnectionRefused, "Connection refused");
   EXPECT_EQ(prompt.lastQuestion, "Error while connecting to server:\r\n[10061] Connection refused");
   EXPECT_TRUE(server.timerOn);  // the time-out ends it
-  session.onSocketError(11001, "Host not found");
+  session.onSocketError(protocol::SocketError::HostNotFound, "Host not found");
   EXPECT_EQ(std::vector<std::string>(events.log.end() - 2, events.log.end()),
             (std::vector<std::string>{"NoConnection", "Finished Home 0"}));
   EXPECT_FALSE(server.timerOn);
@@ -428,7 +428,7 @@ TEST_P(Pop3Edges, AServerThatClosesMidDownloadStoresNothing) {
   session.getMessages(0, false);
   run();
   EXPECT_EQ(server.commands.back(), "RETR 1");
-  session.onSocketError(10053, "aborted");
+  session.onSocketError(protocol::SocketError::ConnectionAborted, "aborted");
   EXPECT_TRUE(events.downloads.empty());
   EXPECT_EQ(events.log.back(), "Finished Home 0");
 }

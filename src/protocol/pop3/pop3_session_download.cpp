@@ -1,0 +1,96 @@
+// A message downloaded with RETR: written to a temporary file as it comes,
+// read back whole once the terminator is in, judged and handed to the owner.
+#include "core/files/files.h"
+#include "core/text/strings.h"
+#include "protocol/pop3/pop3_reply_text.h"
+#include "protocol/pop3/pop3_session.h"
+
+namespace vonel::pop3 {
+
+void Pop3Session::onRetrLines(const std::string& packet) {
+  if (!reply_.downloading) {
+    reply_.packetTail.clear();
+    logAction("Opening temporary output file for inbound message");
+    const text::DateTime now = ctx_.clock.now();
+    const int secondsSinceMidnight = now.hour * 3600 + now.minute * 60 + now.second;
+    reply_.tempFileName = ctx_.folders.messageFolderPath / ("mail_" + std::to_string(secondsSinceMidnight) + ".tmp");
+    tempFile_.open(reply_.tempFileName, std::ios::binary | std::ios::trunc);
+    if (!tempFile_) {
+      events_.onPopError(title(), "Unable to open temporary mail file");
+      endSession();
+      return;
+    }
+    reply_.downloading = true;
+    logAction("Using file handle #1 for this message");
+  }
+  tempFile_.write(packet.data(), static_cast<std::streamsize>(packet.size()));
+  if (!tempFile_) {
+    endWithError("Unable to write temporary mail file");
+    return;
+  }
+
+  // The terminator may be split between packets, even over several short
+  // ones: the tail is the last three bytes received, whatever they are.
+  std::string formed = reply_.packetTail + packet;
+  const bool complete = formed.find(kTerminator) != std::string::npos;
+  reply_.packetTail = formed.substr(formed.size() > 3 ? formed.size() - 3 : 0);
+  if (complete) onRetrComplete();
+}
+
+void Pop3Session::onRetrComplete() {
+  tempFile_.close();
+  std::string text = withoutFirstLine(files::loadTextFile(reply_.tempFileName));
+  files::eraseFile(reply_.tempFileName);
+  reply_.downloading = false;
+
+  const std::size_t end = text.find(kTerminator);
+  if (end != std::string::npos) text.resize(end);  // the CR before the terminator stays
+
+  message::Message message(&ctx_.log, &ctx_.clock);
+  message.createFromText(std::move(text), false);
+  message.removeReceiveDate();
+  message.receiveDate = text::formatStoreDate(ctx_.clock.now());
+  message.fromAccount = static_cast<std::int16_t>(account_);
+  message.read = false;
+  ++handledCount_;
+  message.messageNumThisAcc = handledCount_;
+  reply_.replyBuffer.clear();
+
+  if (mode_ == Mode::OneMessage) {
+    events_.onProgress("Selected message downloaded");
+    handledCount_ = specificNumber_;
+    ++specificCount_;
+    events_.onSpecificMessage(message);
+    sendQuit();
+    return;
+  }
+  logAction("Checking message against server filters");
+  serverFilters_.checkMessage(message, true);
+  if (!message.ignored && !message.deleted && !message.blockedSender && !message.blockedRecip &&
+      !message.suspicious && message.destFolder.empty()) {
+    logAction("Checking message against local filters");
+    localFilters_.checkMessage(message, false);
+  }
+  logAction("Raising event to pass downloaded message to calling routine");
+  const bool kept = events_.onMessageReceived(message);
+  const long n = reply_.currentMessage;
+  events_.onProgress("Downloaded Message " + ofTotal(n) + " to " +
+                   (message.destFolder.empty() ? std::string("Inbox") : message.destFolder));
+  if (reply_.currentMessage > reply_.messageCount) reply_.messageCount = reply_.currentMessage;
+  events_.onProgressBar(reply_.currentMessage, reply_.messageCount);
+  // Sent without waiting: its "+OK" comes in ahead of the next reply.
+  if (kept && !message.ignored && ctx_.settings.get("DELETEONRETRIEVE", Value(0)).numberOr(0) == 1) {
+    send("DELE " + std::to_string(n));
+  }
+  ++reply_.currentMessage;
+  requestNextHeader(false);
+}
+
+void Pop3Session::closeTempFile(bool erase) {
+  if (!reply_.downloading) return;
+  tempFile_.close();
+  reply_.downloading = false;
+  if (erase) files::eraseFile(reply_.tempFileName);
+}
+
+}  // namespace vonel::pop3
