@@ -43,7 +43,7 @@ OutboxSender::OutboxSender(AppContext& context, OutboxListener& events)
 }
 
 void OutboxSender::spoolMessage(message::Message& message, const std::string& fromOverride,
-                                         const std::string& nameOverride) {
+                                const std::string& nameOverride) {
   spoolOrSend(message, true, fromOverride, nameOverride);
 }
 
@@ -150,9 +150,9 @@ void OutboxSender::sendOutbox() {
 
 bool OutboxSender::accountHasMail(int account) const { return send::accountHasMail(outboxFiles_, account); }
 
-// Past the accounts in use only the account right after the previous one is
-// tried, so a file with the digits of the next one still goes out; any
-// further one ends the walk.
+// The account right after the previous one is tried even past the last of
+// the kAccountCount accounts, so a file with those digits ("20_...") still
+// goes out; no account beyond it is looked at.
 std::optional<int> OutboxSender::nextAccountWithMail(int previousAccount) const {
   int account = previousAccount + 1;
   while (!accountHasMail(account)) {

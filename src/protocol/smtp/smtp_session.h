@@ -2,7 +2,7 @@
 // One account's sender: the properties of an outgoing message, its spool
 // file, and the SMTP dialogue that carries a spooled text to the server.
 // The dialogue is a state machine fed by socket and timer events; it sends
-// through an SmtpLink and reports to a SmtpListener.
+// through an SmtpLink and reports to an SmtpListener.
 #include <cstdint>
 #include <filesystem>
 #include <string>
