@@ -49,7 +49,7 @@ std::string shell(const std::string& command) {
   return output;
 }
 
-class BlockingLink final : public smtp::Link {
+class BlockingLink final : public smtp::SmtpLink {
  public:
   void connect(const std::string& host, int port) override {
     fd_ = ::socket(AF_INET, SOCK_STREAM, 0);
@@ -75,7 +75,9 @@ class BlockingLink final : public smtp::Link {
     fd_ = -1;
   }
   void setTimer(bool) override {}
-  int state() const override { return fd_ >= 0 ? smtp::kSocketConnected : smtp::kSocketClosed; }
+  smtp::SocketState state() const override {
+    return fd_ >= 0 ? smtp::SocketState::Connected : smtp::SocketState::Closed;
+  }
 
   // Feeds the session until the socket is closed.
   void run(smtp::SmtpSession& session) {
@@ -83,11 +85,11 @@ class BlockingLink final : public smtp::Link {
     while (fd_ >= 0) {
       if (justConnected_) {
         justConnected_ = false;
-        session.onConnected();
+        session.onSocketConnected();
       }
       const ssize_t n = ::read(fd_, buffer, sizeof buffer);
       if (n <= 0) throw std::runtime_error("server closed the connection");
-      session.onData(std::string_view(buffer, static_cast<std::size_t>(n)));
+      session.onDataReceived(std::string_view(buffer, static_cast<std::size_t>(n)));
     }
   }
 

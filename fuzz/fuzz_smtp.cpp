@@ -12,18 +12,21 @@ using namespace vonel;
 
 namespace {
 
-class CheckedLink final : public smtp::Link {
+// A socket error other than kAddressNotAvailable: the connection was aborted.
+constexpr int kConnectionAborted = 10053;
+
+class CheckedLink final : public smtp::SmtpLink {
  public:
-  int socketState = smtp::kSocketClosed;
+  smtp::SocketState socketState = smtp::SocketState::Closed;
   int commandsSinceEvent = 0;
-  void connect(const std::string&, int) override { socketState = 6; }
+  void connect(const std::string&, int) override { socketState = smtp::SocketState::Connecting; }
   void send(std::string_view bytes) override {
     if (bytes.size() < 2 || bytes.substr(bytes.size() - 2) != "\r\n") std::abort();
     if (++commandsSinceEvent > 1) std::abort();
   }
-  void close() override { socketState = smtp::kSocketClosed; }
+  void close() override { socketState = smtp::SocketState::Closed; }
   void setTimer(bool) override {}
-  int state() const override { return socketState; }
+  smtp::SocketState state() const override { return socketState; }
 };
 
 class Silent final : public smtp::SmtpListener {
@@ -79,25 +82,25 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     link.commandsSinceEvent = 0;
     switch (control >> 5) {
       case 0:
-        link.socketState = smtp::kSocketConnected;
-        session.onConnected();
+        link.socketState = smtp::SocketState::Connected;
+        session.onSocketConnected();
         break;
       case 1:
-        session.onTick();
+        session.onTimerTick();
         break;
       case 2:
-        session.onSocketError(control & 1 ? smtp::kAddressNotAvailable : 10053, "socket error");
+        session.onSocketError(control & 1 ? smtp::kAddressNotAvailable : kConnectionAborted, "socket error");
         break;
       case 3:
-        session.onSendProgress(control & 31);
+        session.onBytesWritten(control & 31);
         break;
       case 4:
-        link.socketState = smtp::kSocketClosed;
-        session.onClosed();
+        link.socketState = smtp::SocketState::Closed;
+        session.onSocketClosed();
         break;
       default: {
         const std::size_t length = std::min<std::size_t>(control & 31, size - at);
-        session.onData(std::string_view(reinterpret_cast<const char*>(data + at), length));
+        session.onDataReceived(std::string_view(reinterpret_cast<const char*>(data + at), length));
         at += length;
       }
     }

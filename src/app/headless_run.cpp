@@ -162,7 +162,7 @@ bool merge(MailController& controller, AppContext& context, const CommandLine& l
   const std::filesystem::path templateFile = line.mergeTemplate.toStdU16String();
   if (!send::acceptMergeFiles(context, data, templateFile)) return false;
   SilentProgress progress;
-  send::doMailMerge(context, *controller.outboxSender(), progress, data, templateFile);
+  send::mergeIntoOutbox(context, *controller.outboxSender(), progress, data, templateFile);
   return true;
 }
 

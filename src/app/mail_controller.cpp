@@ -590,7 +590,7 @@ void MailController::onFinished(const std::string&, long) {
 void MailController::uploadMail() {
   if (!sendMail_) return;
   sendingMail = true;
-  sendMail_->uploadSpooledMail();
+  sendMail_->sendOutbox();
 }
 
 void MailController::onSendProgress(const std::string& text) {

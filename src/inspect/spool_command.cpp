@@ -77,13 +77,13 @@ std::optional<SpoolOptions> readOptions(const Arguments& args, std::ostream& err
 }
 
 // Spooling never touches the network; any attempt would be a fault.
-class NoNetwork final : public smtp::Link {
+class NoNetwork final : public smtp::SmtpLink {
  public:
   void connect(const std::string&, int) override { throw AppError(error_number::kInternal, "spooling has no network"); }
   void send(std::string_view) override { throw AppError(error_number::kInternal, "spooling has no network"); }
   void close() override {}
   void setTimer(bool) override {}
-  int state() const override { return smtp::kSocketClosed; }
+  smtp::SocketState state() const override { return smtp::SocketState::Closed; }
 };
 
 // Reports failures; every other event of the sender is silent here.

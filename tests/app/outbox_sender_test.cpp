@@ -38,7 +38,7 @@ struct SendHome {
   AppContext context{clock, prompt, AppInfo{"Vonel", "1.2.3", "os", "/", dir.path().toStdString()}};
   ScriptedPeer peer;
   Recorder events;
-  OutboxSender wrapper{context, events};
+  OutboxSender sender{context, events};
   fs::path outbox = fs::path(dir.path().toStdString()) / "Outbox";
   fs::path sent = fs::path(dir.path().toStdString()) / "Sent Items";
 
@@ -69,7 +69,7 @@ struct SendHome {
     message.bcc = bcc;
     message.subject = "To " + to;
     message.setMessageBody("Hello\r\n.dot line");
-    wrapper.spoolMessage(message, fromOverride, "");
+    sender.spoolMessage(message, fromOverride, "");
   }
   std::string outboxText(const std::string& name) { return files::loadTextFile(outbox / name); }
   std::size_t count(const fs::path& folder) { return send::listOutboxFiles(folder).size(); }
@@ -77,7 +77,7 @@ struct SendHome {
 
 }  // namespace
 
-class SendWrapperTest : public QObject {
+class OutboxSenderTest : public QObject {
   Q_OBJECT
 
  private slots:
@@ -101,7 +101,7 @@ class SendWrapperTest : public QObject {
     home.spool(0, "ann@x.org", "", "h@x.org");
     home.spool(0, "bob@x.org");
     home.acceptTheRest();
-    home.wrapper.uploadSpooledMail();
+    home.sender.sendOutbox();
     QTRY_VERIFY_WITH_TIMEOUT(home.events.finished == 1, kWaitMs);
     QVERIFY(home.events.failures.empty());
     QCOMPARE(home.peer.connections, 1);
@@ -119,18 +119,18 @@ class SendWrapperTest : public QObject {
 
   void anUploadThatCannotStartSaysWhy() {
     SendHome home;
-    home.wrapper.uploadSpooledMail();
+    home.sender.sendOutbox();
     QCOMPARE(home.events.noMail, 1);
     home.peer.on("MAIL", {Reply{}});  // silence: the first message stays on its way
     home.acceptTheRest();
     home.spool(0, "ann@x.org");
-    home.wrapper.uploadSpooledMail();
-    home.wrapper.uploadSpooledMail();
+    home.sender.sendOutbox();
+    home.sender.sendOutbox();
     QVERIFY(home.events.said("Already sending mail."));
     QTRY_VERIFY_WITH_TIMEOUT(home.peer.commands.size() == 2, kWaitMs);
     // A cancel quits the session, and the walk doesn't go on from its end.
-    home.wrapper.cancelSend();
-    QVERIFY(!home.wrapper.sending());
+    home.sender.cancelSend();
+    QVERIFY(!home.sender.sending());
     QTRY_VERIFY_WITH_TIMEOUT(home.peer.commands.size() == 3, kWaitMs);
     QCOMPARE(home.peer.commands.back(), std::string("QUIT"));
     QTest::qWait(200);
@@ -144,15 +144,15 @@ class SendWrapperTest : public QObject {
     files::writeTextFile(home.outbox / "00_outbound_0.eml", "");
     home.spool(0, "ann@x.org");
     home.acceptTheRest();
-    home.wrapper.uploadSpooledMail();
+    home.sender.sendOutbox();
     QTRY_VERIFY_WITH_TIMEOUT(!home.events.failures.empty(), kWaitMs);
     QCOMPARE(home.events.failures.front(), std::string("No Recipient E-mail Address Specified"));
     QVERIFY(home.events.said("The outbox file 00_outbound_0.eml is empty, unreadable or holds no recipient"));
-    QVERIFY(!home.wrapper.sending());
+    QVERIFY(!home.sender.sending());
     QCOMPARE(home.count(home.outbox), std::size_t{2});
     QCOMPARE(home.count(home.sent), std::size_t{0});
   }
 };
 
-QTEST_GUILESS_MAIN(SendWrapperTest)
+QTEST_GUILESS_MAIN(OutboxSenderTest)
 #include "outbox_sender_test.moc"

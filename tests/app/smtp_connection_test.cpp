@@ -132,7 +132,7 @@ class SmtpConnectionTest : public QObject {
     home.session().setRecipient("to@x.org");
     home.session().send();
     QVERIFY(home.failed->wait(kWaitMs));
-    QCOMPARE(home.connection->state(), smtp::kSocketClosed);
+    QCOMPARE(home.connection->state(), smtp::SocketState::Closed);
   }
 
   void refusedConnectionIsASocketError() {

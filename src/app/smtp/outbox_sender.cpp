@@ -13,7 +13,6 @@ namespace vonel {
 namespace {
 
 constexpr const char* kModule = "frmSendMailWrapper";
-constexpr int kNoMoreAccounts = 65535;
 
 // Each non-empty name followed by ";", less the last ";".
 std::string attachmentList(const std::vector<std::string>& names) {
@@ -44,8 +43,8 @@ OutboxSender::OutboxSender(AppContext& context, OutboxListener& events)
 }
 
 void OutboxSender::spoolMessage(message::Message& message, const std::string& fromOverride,
-                                         const std::string& nameOverride) {
-  sendmail(message, true, fromOverride, nameOverride);
+                                const std::string& nameOverride) {
+  spoolOrSend(message, true, fromOverride, nameOverride);
 }
 
 std::filesystem::path OutboxSender::freeOutboxPath(int account) {
@@ -55,10 +54,10 @@ std::filesystem::path OutboxSender::freeOutboxPath(int account) {
   return ctx_.folders.outboxFolderPath / send::outboxFileName(account, counter);
 }
 
-void OutboxSender::sendmail(message::Message& message, bool spoolOnly, const std::string& fromOverride,
-                                     const std::string& nameOverride) {
+void OutboxSender::spoolOrSend(message::Message& message, bool spoolOnly, const std::string& fromOverride,
+                               const std::string& nameOverride) {
   guardedStep(ctx_.log, "Sendmail", kModule, [&] {
-    smtp::SmtpSession& mail = smtpSession();
+    smtp::SmtpSession& mail = session();
     mail.initialise(message.fromAccount);
     message.from = message::extractEmail(message.from);
     message.setToEmail(message.toEmail());
@@ -79,8 +78,8 @@ void OutboxSender::sendmail(message::Message& message, bool spoolOnly, const std
   });
 }
 
-void OutboxSender::setupAccount(int account) {
-  smtp::SmtpSession& mail = smtpSession();
+void OutboxSender::configureSession(int account) {
+  smtp::SmtpSession& mail = session();
   mail.initialise(static_cast<std::int16_t>(account));
   const Account settings = readAccount(ctx_.settings, account, AccountReader::Session);
   server_ = settings.smtp;
@@ -109,30 +108,30 @@ void OutboxSender::setupAccount(int account) {
   mail.setDelimiter(";");
 }
 
-void OutboxSender::connect(int account) {
+void OutboxSender::connectAccount(int account) {
   guardedStep(ctx_.log, "Connect", kModule, [&] {
     connected_ = false;
-    // Both name the server of the account before: setupAccount reads the new one.
+    // Both name the server of the account before: configureSession reads the new one.
     events_.onSendProgress("Connecting to SMTP server '" + server_ + "'");
     ctx_.log.addAction("Connecting to " + server_, "Connect", kModule);
-    setupAccount(account);
-    smtpSession().connect();
+    configureSession(account);
+    session().connect();
   });
 }
 
 void OutboxSender::disconnect() {
-  guardedStep(ctx_.log, "Disconnect", kModule, [&] { smtpSession().disconnect(); });
+  guardedStep(ctx_.log, "Disconnect", kModule, [&] { session().disconnect(); });
 }
 
 void OutboxSender::cancelSend() {
   guardedStep(ctx_.log, "CancelSend", kModule, [&] {
     sending_ = false;
     sendingOneMessage_ = false;
-    smtpSession().disconnect();
+    session().disconnect();
   });
 }
 
-void OutboxSender::uploadSpooledMail() {
+void OutboxSender::sendOutbox() {
   guardedStep(ctx_.log, "UploadSpooledMail", kModule, [&] {
     if (sending_) {
       events_.onSendProgress("Already sending mail.");
@@ -145,29 +144,33 @@ void OutboxSender::uploadSpooledMail() {
       return;
     }
     sending_ = true;
-    currentAccount_ = 0;
-    nextAccount(-1);
+    connectNextAccount(-1);
   });
 }
 
 bool OutboxSender::accountHasMail(int account) const { return send::accountHasMail(outboxFiles_, account); }
 
-void OutboxSender::nextAccount(int previousAccount) {
+// The account right after the previous one is tried even past the last of
+// the kAccountCount accounts, so a file with those digits ("20_...") still
+// goes out; no account beyond it is looked at.
+std::optional<int> OutboxSender::nextAccountWithMail(int previousAccount) const {
+  int account = previousAccount + 1;
+  while (!accountHasMail(account)) {
+    if (++account >= kAccountCount) return std::nullopt;
+  }
+  return account;
+}
+
+void OutboxSender::connectNextAccount(int previousAccount) {
   if (outboxFiles_.empty()) {
     finishSending();
     return;
   }
-  currentAccount_ = previousAccount + 1;
-  while (!accountHasMail(currentAccount_)) {
-    if (++currentAccount_ >= kAccountCount) {
-      currentAccount_ = kNoMoreAccounts;
-      break;
-    }
-  }
-  if (currentAccount_ == kNoMoreAccounts) {
-    finishSending();
+  currentAccount_ = nextAccountWithMail(previousAccount);
+  if (currentAccount_) {
+    connectAccount(*currentAccount_);
   } else {
-    connect(currentAccount_);
+    finishSending();
   }
 }
 
@@ -178,8 +181,8 @@ void OutboxSender::finishSending() {
 
 void OutboxSender::sendNextMessage() {
   if (sendingOneMessage_) return;
-  currentFile_ = send::firstFileOfAccount(outboxFiles_, currentAccount_);
-  if (!accountHasMail(currentAccount_) || currentFile_ == outboxFiles_.size()) {
+  currentFile_ = currentAccount_ ? send::firstFileOfAccount(outboxFiles_, *currentAccount_) : outboxFiles_.size();
+  if (!currentAccount_ || !accountHasMail(*currentAccount_) || currentFile_ == outboxFiles_.size()) {
     disconnect();
     return;
   }
@@ -189,17 +192,17 @@ void OutboxSender::sendNextMessage() {
     events_.onSendProgress("The outbox file " + name + " is empty, unreadable or holds no recipient");
   }
   sendingOneMessage_ = true;
-  sendSpooledMessage(message);
+  sendOutboxMessage(message);
 }
 
-void OutboxSender::sendSpooledMessage(const message::Message& message) {
+void OutboxSender::sendOutboxMessage(const message::Message& message) {
   guardedStep(ctx_.log, "SendSpooledMessage", kModule, [&] {
     if (!connected_) {
       sendingOneMessage_ = false;
       events_.onSendProgress("Can't send - not connected to server");
       return;
     }
-    smtp::SmtpSession& mail = smtpSession();
+    smtp::SmtpSession& mail = session();
     mail.setFrom(message::extractEmail(message.from));
     mail.setRecipient(message::extractEmail(message.toEmail()));
     mail.setInReplyTo(message.inReplyTo);
@@ -228,10 +231,10 @@ void OutboxSender::onSmtpDisconnected() {
   // After a cancel or a stop the walk ends here instead of going on to the next account.
   if (!sending_) return;
   guardedStep(ctx_.log, "poSendMail_Disconnected", kModule, [&] {
-    if (outboxFiles_.empty()) {
+    if (outboxFiles_.empty() || !currentAccount_) {
       finishSending();
     } else {
-      nextAccount(currentAccount_);
+      connectNextAccount(*currentAccount_);
     }
   });
 }

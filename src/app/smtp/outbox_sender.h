@@ -1,32 +1,20 @@
 #pragma once
 // The one object through which the program sends. spoolMessage writes an
-// outgoing message into the outbox; uploadSpooledMail later walks the outbox
+// outgoing message into the outbox; sendOutbox later walks the outbox
 // account by account, over one connection per account, and files each sent
 // message in Sent Items. One failed message stops the whole upload, and its
 // file and all after it stay in the outbox for the next one.
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "app/smtp/outbox_listener.h"
 #include "app/smtp/smtp_connection.h"
 #include "core/message/message.h"
 #include "core/send/mail_merge.h"
 
 namespace vonel {
-
-// What the wrapper reports, received by the controller under these names.
-class OutboxListener {
- public:
-  virtual ~OutboxListener() = default;
-  // Any step, errors included, for display.
-  virtual void onSendProgress(const std::string& text) = 0;
-  // Sending stopped.
-  virtual void onSendFailed(const std::string& text) = 0;
-  // The outbox was empty when the upload was asked for.
-  virtual void onNoMailToSend() = 0;
-  // No account is left to serve.
-  virtual void onSendingFinished() = 0;
-};
 
 class OutboxSender final : public send::MessageSpooler {
  public:
@@ -36,22 +24,26 @@ class OutboxSender final : public send::MessageSpooler {
   // that aren't empty replace the account's sender address and name.
   void spoolMessage(message::Message& message, const std::string& fromOverride,
                     const std::string& nameOverride) override;
-  void sendmail(message::Message& message, bool spoolOnly, const std::string& fromOverride,
-                const std::string& nameOverride);
-  void uploadSpooledMail();
+  // Spools the message as spoolMessage does and, unless `spoolOnly`, hands it
+  // to the session to send.
+  void spoolOrSend(message::Message& message, bool spoolOnly, const std::string& fromOverride,
+                   const std::string& nameOverride);
+  // Sends every outbox file, account by account.
+  void sendOutbox();
   void cancelSend();
-  void connect(int account);
-  void disconnect();
-  void sendSpooledMessage(const message::Message& message);
 
   bool sending() const { return sending_; }
-  smtp::SmtpSession& smtpSession() { return connection_.session(); }
 
  private:
-  void setupAccount(int account);
-  void nextAccount(int previousAccount);
+  smtp::SmtpSession& session() { return connection_.session(); }
+  void configureSession(int account);
+  void connectAccount(int account);
+  void disconnect();
+  void connectNextAccount(int previousAccount);
+  std::optional<int> nextAccountWithMail(int previousAccount) const;
   void finishSending();
   void sendNextMessage();
+  void sendOutboxMessage(const message::Message& message);
   bool accountHasMail(int account) const;
   std::filesystem::path freeOutboxPath(int account);
 
@@ -75,7 +67,7 @@ class OutboxSender final : public send::MessageSpooler {
   bool sending_ = false;
   bool sendingOneMessage_ = false;
   std::size_t currentFile_ = 0;
-  int currentAccount_ = 0;
+  std::optional<int> currentAccount_;  // none once every account is served
   // The next counter to try per account; names below it were taken when last
   // looked at, so a long merge doesn't test them all again for each message.
   std::map<int, int> nextCounter_;

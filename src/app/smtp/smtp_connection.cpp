@@ -5,27 +5,19 @@
 #include "core/message/send_date.h"
 
 namespace vonel {
-namespace {
-
-// The socket states as the session has always numbered them.
-constexpr int kResolving = 4;
-constexpr int kConnecting = 6;
-constexpr int kClosing = 8;
-
-}  // namespace
 
 SmtpConnection::SmtpConnection(AppContext& context, QObject* parent)
     : QObject(parent), session_(context, *this, *this, message::standardZoneBias()) {
   timer_.setInterval(1000);
-  QObject::connect(&timer_, &QTimer::timeout, this, [this] { session_.onTick(); });
-  QObject::connect(&socket_, &QTcpSocket::connected, this, [this] { session_.onConnected(); });
-  QObject::connect(&socket_, &QTcpSocket::disconnected, this, [this] { session_.onClosed(); });
+  QObject::connect(&timer_, &QTimer::timeout, this, [this] { session_.onTimerTick(); });
+  QObject::connect(&socket_, &QTcpSocket::connected, this, [this] { session_.onSocketConnected(); });
+  QObject::connect(&socket_, &QTcpSocket::disconnected, this, [this] { session_.onSocketClosed(); });
   QObject::connect(&socket_, &QTcpSocket::readyRead, this, [this] {
     const QByteArray bytes = socket_.readAll();
-    session_.onData(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+    session_.onDataReceived(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
   });
   QObject::connect(&socket_, &QTcpSocket::bytesWritten, this,
-                   [this](qint64 bytes) { session_.onSendProgress(static_cast<std::int64_t>(bytes)); });
+                   [this](qint64 bytes) { session_.onBytesWritten(static_cast<std::int64_t>(bytes)); });
   // Handed on from the event loop, so that the session may close the socket
   // outside the socket's own signal; an error of a replaced connection is dropped.
   QObject::connect(&socket_, &QTcpSocket::errorOccurred, this, [this](QAbstractSocket::SocketError error) {
@@ -63,15 +55,16 @@ void SmtpConnection::setTimer(bool on) {
   }
 }
 
-int SmtpConnection::state() const {
-  if (inError_) return smtp::kSocketError;
+smtp::SocketState SmtpConnection::state() const {
+  using smtp::SocketState;
+  if (inError_) return SocketState::Error;
   switch (socket_.state()) {
-    case QAbstractSocket::UnconnectedState: return smtp::kSocketClosed;
-    case QAbstractSocket::HostLookupState: return kResolving;
-    case QAbstractSocket::ConnectingState: return kConnecting;
-    case QAbstractSocket::ConnectedState: return smtp::kSocketConnected;
-    case QAbstractSocket::ClosingState: return kClosing;
-    default: return smtp::kSocketConnected;
+    case QAbstractSocket::UnconnectedState: return SocketState::Closed;
+    case QAbstractSocket::HostLookupState: return SocketState::Resolving;
+    case QAbstractSocket::ConnectingState: return SocketState::Connecting;
+    case QAbstractSocket::ConnectedState: return SocketState::Connected;
+    case QAbstractSocket::ClosingState: return SocketState::Closing;
+    default: return SocketState::Connected;
   }
 }
 

@@ -9,7 +9,7 @@
 
 namespace vonel {
 
-class SmtpConnection final : public QObject, public smtp::Link, private smtp::SmtpListener {
+class SmtpConnection final : public QObject, public smtp::SmtpLink, private smtp::SmtpListener {
   Q_OBJECT
 
  public:
@@ -22,7 +22,7 @@ class SmtpConnection final : public QObject, public smtp::Link, private smtp::Sm
   void send(std::string_view bytes) override;
   void close() override;
   void setTimer(bool on) override;
-  int state() const override;
+  smtp::SocketState state() const override;
 
  signals:
   void connected();

@@ -69,7 +69,7 @@ static_assert(std::is_sorted(kTypes.begin(), kTypes.end()));
 
 }  // namespace
 
-std::string getContentType(std::string_view fileName, std::string_view defaultType) {
+std::string contentTypeOf(std::string_view fileName, std::string_view defaultType) {
   const std::size_t dot = fileName.rfind('.');
   if (dot == std::string_view::npos) return std::string(defaultType);
   const std::string extension = text::lower(fileName.substr(dot));

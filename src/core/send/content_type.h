@@ -7,6 +7,6 @@ namespace vonel::send {
 
 // The type registered for the text from the last "." of the name on (any
 // case); `defaultType` when the name has no "." or the extension is unknown.
-std::string getContentType(std::string_view fileName, std::string_view defaultType);
+std::string contentTypeOf(std::string_view fileName, std::string_view defaultType);
 
 }  // namespace vonel::send

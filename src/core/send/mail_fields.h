@@ -7,11 +7,15 @@
 
 namespace vonel::send {
 
+// How the spool is encoded; the number is the one kept in the settings.
 enum class EncodeType : std::int32_t { Mime = 0, UUEncode = 1 };
+
+// The X-Priority header carries the number.
+enum class Priority : std::int32_t { Highest = 1, High = 2, Normal = 3, Low = 4, Lowest = 5 };
 
 struct MailFields {
   std::vector<std::string> recipient;
-  std::vector<std::string> recipientDisplayName;  // aligned with Recipient; may be shorter
+  std::vector<std::string> recipientDisplayName;  // aligned with recipient; may be shorter
   std::vector<std::string> ccRecipient;
   std::vector<std::string> ccDisplayName;
   std::vector<std::string> bccRecipient;
@@ -25,7 +29,7 @@ struct MailFields {
   std::vector<std::string> attachmentNames;
   std::int64_t attachmentNameBytes = 0;
   std::int64_t attachmentFileBytes = 0;
-  std::int32_t priority = 3;
+  Priority priority = Priority::Normal;
   std::string priorityWord;
   bool asHtml = false;
   std::string contentBase;

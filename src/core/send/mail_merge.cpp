@@ -65,8 +65,6 @@ message::Message mergedMessage(std::string text, const std::string& to, const Me
 
 }  // namespace
 
-NoEmailField::NoEmailField() : AppError(0, "Error: Your mail merge data file must contain an $EMAIL field") {}
-
 MergeSender firstAccountSender(const SettingsStore& settings) {
   const int account = std::max(firstAccount(settings), 0);
   return {account, settings.get(accountKey("REPLYADDRESS", account), Value("")).text()};
@@ -117,7 +115,7 @@ bool acceptMergeFiles(AppContext& context, const fs::path& dataFile, const fs::p
   return true;
 }
 
-MergeCounts doMailMerge(AppContext& context, MessageSpooler& spooler, Progress& progress, const fs::path& dataFile,
+MergeCounts mergeIntoOutbox(AppContext& context, MessageSpooler& spooler, Progress& progress, const fs::path& dataFile,
                         const fs::path& templateFile) {
   MergeCounts counts;
   guardedStep(context.log, "DoMailMerge", kModule, [&] {

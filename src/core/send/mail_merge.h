@@ -11,16 +11,10 @@
 #include "core/message/message.h"
 #include "core/context/app_context.h"
 #include "core/interaction/progress.h"
+#include "core/send/message_spooler.h"
+#include "core/send/no_email_field.h"
 
 namespace vonel::send {
-
-// Where merged messages go: the outbox writer.
-class MessageSpooler {
- public:
-  virtual ~MessageSpooler() = default;
-  virtual void spoolMessage(message::Message& message, const std::string& fromOverride,
-                            const std::string& nameOverride) = 0;
-};
 
 inline constexpr const char* kMergeNoSubject = "Warning: Your email will have no subject line. Continue anyway?";
 
@@ -31,12 +25,6 @@ struct MergeSender {
   std::string replyAddress;
 };
 MergeSender firstAccountSender(const SettingsStore& settings);
-
-// The data file has no $EMAIL column.
-class NoEmailField : public AppError {
- public:
-  NoEmailField();
-};
 
 struct MergeCounts {
   long saved = 0;
@@ -57,7 +45,7 @@ bool acceptMergeFiles(AppContext& context, const std::filesystem::path& dataFile
 
 // The merge of two files into the outbox, with its questions and its result
 // in boxes. Returns the counts; both are 0 when the merge stopped early.
-MergeCounts doMailMerge(AppContext& context, MessageSpooler& spooler, Progress& progress,
+MergeCounts mergeIntoOutbox(AppContext& context, MessageSpooler& spooler, Progress& progress,
                         const std::filesystem::path& dataFile, const std::filesystem::path& templateFile);
 
 }  // namespace vonel::send

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "core/send/content_type.h"
+#include "core/send/spool_line_writer.h"
 #include "core/message/transfer_encoding.h"
 #include "core/files/files.h"
 #include "core/text/strings.h"
@@ -40,25 +41,7 @@ std::string bccList(const std::vector<std::string>& addresses) {
   return list;
 }
 
-class SpoolText {
- public:
-  explicit SpoolText(files::AtomicFileWriter& file) : file_(file) {}
-  void line(std::string_view text = {}) {
-    buffer_ += text;
-    buffer_ += kCrLf;
-    if (buffer_.size() >= 1 << 16) flush();
-  }
-  void flush() {
-    file_.write(buffer_);
-    buffer_.clear();
-  }
-
- private:
-  files::AtomicFileWriter& file_;
-  std::string buffer_;
-};
-
-void writeHeaders(SpoolText& out, const MailFields& mail, const std::string& boundary, const std::string& version) {
+void writeHeaders(SpoolLineWriter& out, const MailFields& mail, const std::string& boundary, const std::string& version) {
   const std::string sender = senderText(mail);
   out.line("From: " + sender);
   out.line("To: " + addressList(mail.recipient, mail.recipientDisplayName));
@@ -69,7 +52,7 @@ void writeHeaders(SpoolText& out, const MailFields& mail, const std::string& bou
   out.line("Subject: " + mail.subject);
   if (mail.encodeType != EncodeType::Mime) return;
   out.line("MIME-Version: 1.0");
-  out.line("X-Priority: " + std::to_string(mail.priority));
+  out.line("X-Priority: " + std::to_string(static_cast<std::int32_t>(mail.priority)));
   out.line("X-MSMail-Priority: " + mail.priorityWord);
   out.line("X-Mailer: Vonel " + version);
   if (mail.receipt) out.line("Disposition-Notification-To: " + sender);
@@ -86,10 +69,10 @@ void writeHeaders(SpoolText& out, const MailFields& mail, const std::string& bou
 }
 
 // One base64 line per slice, read as it goes, so a large file costs one slice
-// of memory. The uuencode mode never worked: its loop reads from a buffer it
-// never fills, at an invalid position, so the first slice is an error. Kept so.
-// Files only ever go to the spool, never straight to the socket.
-void encodeAndSendFile(SpoolText& out, const std::string& path, EncodeType mode) {
+// of memory. The uuencode mode has no file encoder and fails at once with
+// error 5, so a uuencoded message with an attachment is never spooled: the
+// user sees "Invalid procedure call or argument", and the spool tests expect it.
+void writeEncodedFile(SpoolLineWriter& out, const std::string& path, EncodeType mode) {
   if (mode == EncodeType::UUEncode) throw AttachmentFailed(error_number::kInvalidCall, "Invalid procedure call or argument");
   std::ifstream in(files::pathFromText(path), std::ios::binary);
   if (!in) throw AttachmentFailed(error_number::kFileNotFound, "File not found: " + path);
@@ -100,20 +83,20 @@ void encodeAndSendFile(SpoolText& out, const std::string& path, EncodeType mode)
   if (in.bad()) throw AttachmentFailed(error_number::kDeviceIo, "Device I/O error: " + path);
 }
 
-void writeAttachment(SpoolText& out, const std::string& boundary, const std::string& path, const std::string& name,
+void writeAttachment(SpoolLineWriter& out, const std::string& boundary, const std::string& path, const std::string& name,
                      EncodeType mode) {
   if (mode == EncodeType::UUEncode) {
     out.line("begin 600 " + name);
-    encodeAndSendFile(out, path, mode);
+    writeEncodedFile(out, path, mode);
     return;
   }
   out.line("--" + boundary);
-  out.line("Content-Type: " + getContentType(name, "application/octet-stream") + ";");
+  out.line("Content-Type: " + contentTypeOf(name, "application/octet-stream") + ";");
   out.line("\tname=" + inQuotes(name));
   out.line("Content-Transfer-Encoding: base64");
   out.line("Content-Disposition: attachment;");
   out.line("\tfilename=" + inQuotes(name) + std::string(kCrLf));
-  encodeAndSendFile(out, path, mode);
+  writeEncodedFile(out, path, mode);
   out.line();
   out.line();
 }
@@ -133,7 +116,7 @@ std::string senderText(const MailFields& mail) {
 void writeSpoolFile(const std::filesystem::path& file, const MailFields& mail, const text::DateTime& now,
                     const std::string& version) {
   files::AtomicFileWriter writer(file);
-  SpoolText out(writer);
+  SpoolLineWriter out(writer);
   const std::string boundary = spoolBoundary(now);
   writeHeaders(out, mail, boundary, version);
   out.line();

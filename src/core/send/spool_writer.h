@@ -5,17 +5,11 @@
 #include <filesystem>
 #include <string>
 
-#include "core/log/app_error.h"
+#include "core/send/attachment_failed.h"
 #include "core/send/mail_fields.h"
 #include "core/text/dates.h"
 
 namespace vonel::send {
-
-// An attachment could not be read or encoded.
-class AttachmentFailed : public AppError {
- public:
-  using AppError::AppError;
-};
 
 // The bytes of a base64 slice: 11400 bytes make one line of 15200 characters.
 inline constexpr std::size_t kBase64Slice = 11400;

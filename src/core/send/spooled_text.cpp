@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "core/message/address.h"
-#include "core/send/format_mail.h"
+#include "core/send/data_text.h"
 #include "core/text/strings.h"
 
 namespace vonel::send {
@@ -58,7 +58,7 @@ std::string cutBccHeader(const std::string& text) {
 std::string wireText(std::string text) {
   removeCrLfFromEnd(text);
   std::erase(text, '\n');
-  return formatMail(text::replaceAll(text, "\r", "\r\n"));
+  return fitForData(text::replaceAll(text, "\r", "\r\n"));
 }
 
 }  // namespace vonel::send

@@ -23,7 +23,7 @@ std::string addressesOf(std::string_view list);
 std::string cutBccHeader(const std::string& text);
 
 // Trailing line ends off, every LF dropped, every CR made CR LF; then
-// formatMail once.
+// fitForData once.
 std::string wireText(std::string text);
 
 }  // namespace vonel::send

@@ -10,7 +10,7 @@ char tableEntry(unsigned value) { return value == 0 ? '`' : static_cast<char>(32
 
 }  // namespace
 
-std::string uuEncodeString(std::string_view text) {
+std::string uuencodeLine(std::string_view text) {
   if (text.size() > kMaxInput) return {};
   std::string out(1, tableEntry(static_cast<unsigned>(text.size())));
   for (std::size_t i = 0; i < text.size(); i += 3) {

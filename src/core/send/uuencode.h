@@ -1,5 +1,5 @@
 #pragma once
-// The uuencoding of one short line, kept for the uuencode mode of the spool.
+// The uuencoding of one short line.
 #include <string>
 #include <string_view>
 
@@ -7,6 +7,6 @@ namespace vonel::send {
 
 // At most 63 bytes; longer input gives empty text. Starts with the table
 // entry of the length; one byte in the last group adds "==", two add "=".
-std::string uuEncodeString(std::string_view text);
+std::string uuencodeLine(std::string_view text);
 
 }  // namespace vonel::send

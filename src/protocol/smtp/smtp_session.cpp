@@ -1,7 +1,9 @@
 // The SMTP dialogue of SmtpSession: one reply per data event, decided by
-// the state. The replies accepted in the AUTH LOGIN states are 250 only, so a
-// server answering 334 or 235 fails there; the dialogue is kept as it is.
+// the state. The AUTH LOGIN states accept 250 only, so a server answering 334
+// or 235 fails there: a documented result that the tests and the users of
+// servers which answer 250 throughout depend on.
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "core/message/transfer_encoding.h"
@@ -13,20 +15,17 @@
 namespace vonel::smtp {
 namespace {
 
-enum State : std::int32_t {
-  kGreeting = 1,
-  kHello = 2,
-  kAuthLogin = 3,
-  kUsername = 4,
-  kPassword = 5,
-  kMailFrom = 6,
-  kRecipients = 7,
-  kCcRecipients = 8,
-  kBccRecipients = 9,
-  kData = 10,
-  kMessageText = 11,
-  kQuit = 13,
+// The recipient lists in the order their RCPT commands go out, each with the
+// state that waits for the reply to one of its addresses.
+struct RecipientList {
+  SmtpState awaited;
+  std::vector<std::string> send::MailFields::*addresses;
 };
+constexpr std::array<RecipientList, 3> kRecipientLists{{
+    {SmtpState::AwaitToReply, &send::MailFields::recipient},
+    {SmtpState::AwaitCcReply, &send::MailFields::ccRecipient},
+    {SmtpState::AwaitBccReply, &send::MailFields::bccRecipient},
+}};
 
 constexpr double kProgressInterval = 0.25;
 constexpr double kQuietSecondsBeforeStatus = 10;
@@ -40,12 +39,12 @@ std::string replyText(std::string_view chunk) {
 
 }  // namespace
 
-double SmtpSession::now() const {
+double SmtpSession::secondsIntoDay() const {
   const text::DateTime moment = context_.clock.now();
   return moment.hour * 3600.0 + moment.minute * 60.0 + moment.second;
 }
 
-void SmtpSession::resetTimeout() { deadline_ = static_cast<float>(now() + messageTimeout_); }
+void SmtpSession::resetTimeout() { deadline_ = static_cast<float>(secondsIntoDay() + messageTimeout_); }
 
 bool SmtpSession::connect() {
   keepOpen_ = true;
@@ -62,13 +61,13 @@ void SmtpSession::send() {
   if (!initialised_) throw AppError(kNotInitialisedError, "Sendmail not initialised");
   checkRecipients();
   if (!errors_.empty()) {
-    sendFail();
+    reportFailure();
     return;
   }
   bytesSent_ = 0;
   bytesToSend_ = static_cast<std::int64_t>(mail_.message.size());
   failed_ = false;
-  if (link_.state() != kSocketConnected) {
+  if (link_.state() != SocketState::Connected) {
     connectAttempt_ = 0;
     connectToHost();
   } else {
@@ -85,69 +84,72 @@ void SmtpSession::connectToHost() {
     listener_.onStatus("Connecting to Server... (Attempt " + std::to_string(connectAttempt_) + " of " +
                      std::to_string(connectRetry_) + ")");
   }
-  state_ = kGreeting;
-  if (link_.state() > kSocketClosed) return;
+  state_ = SmtpState::AwaitGreeting;
+  if (link_.state() != SocketState::Closed) return;
   context_.log.addAction("Connecting", "ConnectToHost", kModule);
   link_.connect(smtpHost_, smtpPort_);
 }
 
-void SmtpSession::command(std::int32_t state, const std::string& line) {
-  state_ = state;
+void SmtpSession::sendCommand(SmtpState awaited, const std::string& line) {
+  state_ = awaited;
   link_.send(line + "\r\n");
 }
 
 void SmtpSession::sendHello() {
   const std::size_t at = mail_.from.find('@');
   const std::string domain = at == std::string::npos ? mail_.from : mail_.from.substr(at + 1);
-  command(kHello, (mail_.useAuthentication ? "EHLO " : "HELO ") + domain);
+  sendCommand(SmtpState::AwaitHelloReply, (mail_.useAuthentication ? "EHLO " : "HELO ") + domain);
 }
 
-void SmtpSession::sendAuthLogin() { command(kAuthLogin, "AUTH LOGIN"); }
-void SmtpSession::sendUsername() { command(kUsername, message::encodeMime64String(mail_.username)); }
-void SmtpSession::sendPassword() { command(kPassword, message::encodeMime64String(mail_.password)); }
+void SmtpSession::sendAuthLogin() { sendCommand(SmtpState::AwaitAuthReply, "AUTH LOGIN"); }
+void SmtpSession::sendUsername() {
+  sendCommand(SmtpState::AwaitUsernameReply, message::encodeMime64String(mail_.username));
+}
+void SmtpSession::sendPassword() {
+  sendCommand(SmtpState::AwaitPasswordReply, message::encodeMime64String(mail_.password));
+}
 
 void SmtpSession::sendMailFrom() {
   std::string line = "MAIL FROM: <" + mail_.from + ">";
   if (serverHasAuthEqualsLogin_) line += " AUTH=" + mail_.from;
-  command(kMailFrom, line);
+  sendCommand(SmtpState::AwaitMailFromReply, line);
 }
 
 // To, then Cc, then Bcc, then DATA; one RCPT per reply, empty lists skipped.
-void SmtpSession::sendRecipientsFrom(std::int32_t state, std::size_t index) {
-  for (; state <= kBccRecipients; ++state, index = 0) {
-    const std::vector<std::string>& list = state == kRecipients     ? mail_.recipient
-                                           : state == kCcRecipients ? mail_.ccRecipient
-                                                                    : mail_.bccRecipient;
-    if (index < list.size()) {
+void SmtpSession::sendRecipientsFrom(std::size_t list, std::size_t index) {
+  for (; list < kRecipientLists.size(); ++list, index = 0) {
+    const std::vector<std::string>& addresses = mail_.*kRecipientLists[list].addresses;
+    if (index < addresses.size()) {
+      recipientList_ = list;
       recipientIndex_ = index;
-      command(state, "RCPT TO: <" + text::trim(list[index]) + ">");
+      sendCommand(kRecipientLists[list].awaited, "RCPT TO: <" + text::trim(addresses[index]) + ">");
       return;
     }
   }
   sendDataCommand();
 }
 
-void SmtpSession::sendDataCommand() { command(kData, "DATA"); }
+void SmtpSession::sendDataCommand() { sendCommand(SmtpState::AwaitDataReply, "DATA"); }
 
 void SmtpSession::sendMessageText() {
-  state_ = kMessageText;
+  state_ = SmtpState::AwaitMessageReply;
   link_.send(dateLine(context_.clock.now(), timeZone_) + mail_.message + "\r\n\r\n.\r\n");
 }
 
 void SmtpSession::sendQuit() {
-  if (link_.state() == kSocketConnected) link_.send("QUIT\r\n");
-  state_ = kQuit;
+  if (link_.state() == SocketState::Connected) link_.send("QUIT\r\n");
+  state_ = SmtpState::AwaitQuitReply;
 }
 
-void SmtpSession::fail(const std::string& reply) {
+void SmtpSession::failWithReply(const std::string& reply) {
   addError(reply);
-  sendFail();
+  reportFailure();
 }
 
-void SmtpSession::onConnected() { socketConnected_ = true; }
-void SmtpSession::onClosed() { socketConnected_ = false; }
+void SmtpSession::onSocketConnected() { socketConnected_ = true; }
+void SmtpSession::onSocketClosed() { socketConnected_ = false; }
 
-void SmtpSession::onData(std::string_view chunk) {
+void SmtpSession::onDataReceived(std::string_view chunk) {
   guardedStep(context_.log, "sckMail_DataArrival", kModule, [&] { handleReply(chunk); });
 }
 
@@ -156,7 +158,7 @@ void SmtpSession::handleReply(std::string_view chunk) {
   const int code = text::toWhole<int>(text::val(text::left(chunk, 3)));
   const std::string reply = replyText(chunk);
   switch (state_) {
-    case kGreeting:
+    case SmtpState::AwaitGreeting:
       if (socketConnected_) {
         if (text::findNoCase(chunk, "auth=login") > 0) serverHasAuthEqualsLogin_ = true;
         sendHello();
@@ -167,10 +169,10 @@ void SmtpSession::handleReply(std::string_view chunk) {
         connectToHost();
       } else {
         listener_.onErrorConnecting();
-        fail(reply);
+        failWithReply(reply);
       }
       return;
-    case kHello:
+    case SmtpState::AwaitHelloReply:
       if (code == 250) {
         if (mail_.useAuthentication) {
           sendAuthLogin();
@@ -178,50 +180,50 @@ void SmtpSession::handleReply(std::string_view chunk) {
           listener_.onConnected();
         }
       } else if (code != 220) {
-        fail(reply);
+        failWithReply(reply);
       }
       return;
-    case kAuthLogin:
-      if (code != 250) return fail(reply);
+    case SmtpState::AwaitAuthReply:
+      if (code != 250) return failWithReply(reply);
       if (text::findNoCase(chunk, "auth login") > 0) serverHasAuthLogin_ = true;
       if (serverHasAuthLogin_) sendUsername();
       return;
-    case kUsername:
-      if (code != 250) return fail(reply);
+    case SmtpState::AwaitUsernameReply:
+      if (code != 250) return failWithReply(reply);
       return sendPassword();
-    case kPassword:
+    case SmtpState::AwaitPasswordReply:
       if (code != 250) {
-        fail(reply);
+        failWithReply(reply);
         listener_.onErrorConnecting();
         return;
       }
       listener_.onConnected();
       return;
-    case kMailFrom:
-      if (code != 250) return fail(reply);
-      return sendRecipientsFrom(kRecipients, 0);
-    case kRecipients:
-    case kCcRecipients:
-    case kBccRecipients:
-      if (code != 250) return fail(reply);
-      return sendRecipientsFrom(state_, recipientIndex_ + 1);
-    case kData:
-      if (code != 354) return fail(reply);
+    case SmtpState::AwaitMailFromReply:
+      if (code != 250) return failWithReply(reply);
+      return sendRecipientsFrom(0, 0);
+    case SmtpState::AwaitToReply:
+    case SmtpState::AwaitCcReply:
+    case SmtpState::AwaitBccReply:
+      if (code != 250) return failWithReply(reply);
+      return sendRecipientsFrom(recipientList_, recipientIndex_ + 1);
+    case SmtpState::AwaitDataReply:
+      if (code != 354) return failWithReply(reply);
       return sendMessageText();
-    case kMessageText:
-      if (code != 250) return fail(reply);
+    case SmtpState::AwaitMessageReply:
+      if (code != 250) return failWithReply(reply);
       if (!keepOpen_) sendQuit();
       listener_.onProgress(100);
       listener_.onStatus("Transmission Complete...");
       listener_.onSendSuccessful();
       return;
-    case kQuit:
-      if (code != 221) return fail(reply);
+    case SmtpState::AwaitQuitReply:
+      if (code != 221) return failWithReply(reply);
       link_.setTimer(false);
       link_.close();
       listener_.onDisconnected();
       return;
-    default:
+    case SmtpState::Idle:
       return;
   }
 }
@@ -229,17 +231,17 @@ void SmtpSession::handleReply(std::string_view chunk) {
 void SmtpSession::onSocketError(int code, const std::string& description) {
   if (code != kAddressNotAvailable) {
     addError(description);
-    sendFail();
+    reportFailure();
     return;
   }
-  if (link_.state() == kSocketError) link_.close();
+  if (link_.state() == SocketState::Error) link_.close();
   listener_.onErrorConnecting();
 }
 
-void SmtpSession::onSendProgress(std::int64_t bytes) {
+void SmtpSession::onBytesWritten(std::int64_t bytes) {
   bytesSent_ += bytes;
   resetTimeout();
-  const double moment = now();
+  const double moment = secondsIntoDay();
   if (moment < nextProgressReport_) return;
   nextProgressReport_ = moment + kProgressInterval;
   if (bytesToSend_ <= 0) return;
@@ -250,15 +252,15 @@ void SmtpSession::onSendProgress(std::int64_t bytes) {
   listener_.onProgress(percentage);
 }
 
-void SmtpSession::onTick() {
-  const double moment = now();
+void SmtpSession::onTimerTick() {
+  const double moment = secondsIntoDay();
   if (deadline_ - messageTimeout_ + kQuietSecondsBeforeStatus <= moment) {
     listener_.onStatus("Retrying ... " + std::to_string(text::toWhole<std::int32_t>(deadline_ - moment)));
   }
   if (moment >= deadline_) {
     link_.setTimer(false);
     addError("Timeout occurred: The SMTP Host did not respond to the request");
-    sendFail();
+    reportFailure();
   }
 }
 

@@ -2,7 +2,7 @@
 // One account's sender: the properties of an outgoing message, its spool
 // file, and the SMTP dialogue that carries a spooled text to the server.
 // The dialogue is a state machine fed by socket and timer events; it sends
-// through a Link and reports to a SmtpListener.
+// through an SmtpLink and reports to an SmtpListener.
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -13,8 +13,26 @@
 #include "core/send/send_errors.h"
 #include "core/context/app_context.h"
 #include "protocol/smtp/smtp_link.h"
+#include "protocol/smtp/smtp_listener.h"
 
 namespace vonel::smtp {
+
+// What the dialogue waits for next.
+enum class SmtpState {
+  Idle,
+  AwaitGreeting,
+  AwaitHelloReply,
+  AwaitAuthReply,
+  AwaitUsernameReply,
+  AwaitPasswordReply,
+  AwaitMailFromReply,
+  AwaitToReply,
+  AwaitCcReply,
+  AwaitBccReply,
+  AwaitDataReply,
+  AwaitMessageReply,
+  AwaitQuitReply,
+};
 
 inline constexpr const char* kModule = "clsSendmail";
 inline constexpr int kNotInitialisedError = 23000;
@@ -23,7 +41,7 @@ inline constexpr int kAddressNotAvailable = 10049;
 class SmtpSession {
  public:
   // `standardBiasMinutes`: the system's standard time-zone bias, minutes west of UTC.
-  SmtpSession(AppContext& context, Link& link, SmtpListener& listener, int standardBiasMinutes);
+  SmtpSession(AppContext& context, SmtpLink& link, SmtpListener& listener, int standardBiasMinutes);
   ~SmtpSession();
   SmtpSession(const SmtpSession&) = delete;
   SmtpSession& operator=(const SmtpSession&) = delete;
@@ -33,18 +51,18 @@ class SmtpSession {
   // Session operations.
   bool connect();
   void disconnect();
-  // Throws AppError 23000 before Initialise.
+  // Throws AppError 23000 before initialise.
   void send();
 
   bool spoolToFile(const std::filesystem::path& file);
 
   // Socket and timer events.
-  void onConnected();
-  void onClosed();
-  void onData(std::string_view chunk);
+  void onSocketConnected();
+  void onSocketClosed();
+  void onDataReceived(std::string_view chunk);
   void onSocketError(int code, const std::string& description);
-  void onSendProgress(std::int64_t bytes);
-  void onTick();
+  void onBytesWritten(std::int64_t bytes);
+  void onTimerTick();
 
   // Properties.
   const std::string& from() const { return mail_.from; }
@@ -61,8 +79,8 @@ class SmtpSession {
   void setConnectRetry(std::int32_t value);
   std::int32_t messageTimeout() const { return messageTimeout_; }
   void setMessageTimeout(std::int32_t value);
-  std::int32_t EncodeType() const { return static_cast<std::int32_t>(mail_.encodeType); }
-  void setEncodeType(std::int32_t value);
+  send::EncodeType encodeType() const { return mail_.encodeType; }
+  void setEncodeType(send::EncodeType value);
   const std::string& username() const { return mail_.username; }
   void setUsername(std::string value) { mail_.username = std::move(value); }
   const std::string& password() const { return mail_.password; }
@@ -71,8 +89,8 @@ class SmtpSession {
   void setUseAuthentication(bool value);
   bool persistentSettings() const { return persistentSettings_; }
   void setPersistentSettings(bool value);
-  std::int32_t priority() const { return mail_.priority; }
-  void setPriority(std::int32_t value);
+  send::Priority priority() const { return mail_.priority; }
+  void setPriority(send::Priority value);
   const std::string& delimiter() const { return delimiter_; }
   void setDelimiter(std::string_view value) { delimiter_ = std::string(value.substr(0, 1)); }
   void setRecipient(std::string_view value) { mail_.recipient = splitList(value); }
@@ -95,36 +113,36 @@ class SmtpSession {
   const send::MailFields& fields() const { return mail_; }
   const std::string& timeZone() const { return timeZone_; }
   bool failed() const { return failed_; }
-  std::int32_t sessionState() const { return state_; }
+  SmtpState sessionState() const { return state_; }
   std::int64_t bytesToSend() const { return bytesToSend_; }
   const send::SendErrors& pendingErrors() const { return errors_; }
 
  private:
   std::vector<std::string> splitList(std::string_view value) const;
   void addError(std::string_view text);
-  void sendFail();
-  // The two recipient checks that Send and spoolToFile share.
+  void reportFailure();
+  // The two recipient checks that send and spoolToFile share.
   void checkRecipients();
 
   // The dialogue.
   void handleReply(std::string_view chunk);
-  void fail(const std::string& replyText);
+  void failWithReply(const std::string& replyText);
   void resetTimeout();
-  double now() const;
+  double secondsIntoDay() const;
   void connectToHost();
   void sendHello();
   void sendAuthLogin();
   void sendUsername();
   void sendPassword();
   void sendMailFrom();
-  void sendRecipientsFrom(std::int32_t state, std::size_t index);
+  void sendRecipientsFrom(std::size_t list, std::size_t index);
   void sendDataCommand();
   void sendMessageText();
   void sendQuit();
-  void command(std::int32_t state, const std::string& line);
+  void sendCommand(SmtpState awaited, const std::string& line);
 
   AppContext& context_;
-  Link& link_;
+  SmtpLink& link_;
   SmtpListener& listener_;
   const int standardBiasMinutes_;
 
@@ -139,7 +157,7 @@ class SmtpSession {
   std::string delimiter_ = ";";
   std::string timeZone_;
 
-  std::int32_t state_ = 0;
+  SmtpState state_ = SmtpState::Idle;
   std::int16_t connectAttempt_ = 0;
   float deadline_ = 0;
   bool initialised_ = false;
@@ -150,6 +168,7 @@ class SmtpSession {
   bool serverHasAuthEqualsLogin_ = false;
   std::int64_t bytesSent_ = 0;
   std::int64_t bytesToSend_ = 0;
+  std::size_t recipientList_ = 0;  // To, Cc or Bcc, in the order they are sent
   std::size_t recipientIndex_ = 0;
   std::int32_t lastPercentage_ = 0;
   double nextProgressReport_ = 0;

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "core/send/format_mail.h"
+#include "core/send/data_text.h"
 #include "core/send/mail_size.h"
 #include "core/send/spool_writer.h"
 #include "core/files/files.h"
@@ -30,11 +30,11 @@ std::string lastPathPiece(const std::string& path) {
 
 }  // namespace
 
-SmtpSession::SmtpSession(AppContext& context, Link& link, SmtpListener& listener, int standardBiasMinutes)
+SmtpSession::SmtpSession(AppContext& context, SmtpLink& link, SmtpListener& listener, int standardBiasMinutes)
     : context_(context), link_(link), listener_(listener), standardBiasMinutes_(standardBiasMinutes) {}
 
 SmtpSession::~SmtpSession() {
-  if (link_.state() > kSocketClosed) link_.close();
+  if (link_.state() != SocketState::Closed) link_.close();
 }
 
 void SmtpSession::initialise(std::int16_t account) {
@@ -82,9 +82,9 @@ void SmtpSession::setConnectRetry(std::int32_t value) {
 
 void SmtpSession::setMessageTimeout(std::int32_t value) { messageTimeout_ = std::abs(value); }
 
-void SmtpSession::setEncodeType(std::int32_t value) {
-  mail_.encodeType = static_cast<send::EncodeType>(value);
-  context_.settings.set("EncodeType", value);
+void SmtpSession::setEncodeType(send::EncodeType value) {
+  mail_.encodeType = value;
+  context_.settings.set("EncodeType", static_cast<std::int32_t>(value));
 }
 
 void SmtpSession::setUseAuthentication(bool value) {
@@ -97,11 +97,12 @@ void SmtpSession::setPersistentSettings(bool value) {
   context_.settings.set("DefaultsSet", value);
 }
 
-void SmtpSession::setPriority(std::int32_t value) {
+// Only the highest, normal and lowest priorities have a word; the others keep the word before.
+void SmtpSession::setPriority(send::Priority value) {
   mail_.priority = value;
-  if (value == 1) mail_.priorityWord = "High";
-  if (value == 3) mail_.priorityWord = "Normal";
-  if (value == 5) mail_.priorityWord = "Low";
+  if (value == send::Priority::Highest) mail_.priorityWord = "High";
+  if (value == send::Priority::Normal) mail_.priorityWord = "Normal";
+  if (value == send::Priority::Lowest) mail_.priorityWord = "Low";
 }
 
 std::vector<std::string> SmtpSession::splitList(std::string_view value) const {
@@ -131,7 +132,7 @@ void SmtpSession::setAttachment(std::string_view value) {
 }
 
 void SmtpSession::setMessage(std::string_view value) {
-  mail_.message = send::formatMail(value);
+  mail_.message = send::fitForData(value);
   mail_.eightBit = send::hasEightBit(mail_.message);
 }
 
@@ -151,10 +152,10 @@ void SmtpSession::addError(std::string_view text) {
   errors_.add(text);
 }
 
-void SmtpSession::sendFail() {
+void SmtpSession::reportFailure() {
   link_.setTimer(false);
   const std::string all = errors_.joined();
-  if (link_.state() > kSocketClosed) link_.close();
+  if (link_.state() != SocketState::Closed) link_.close();
   failed_ = true;
   context_.log.addAction(all, "SendFail", kModule);
   errors_.clear();
@@ -171,7 +172,7 @@ bool SmtpSession::spoolToFile(const std::filesystem::path& file) {
   if (mail_.asHtml && mail_.encodeType == send::EncodeType::UUEncode) addError("Sending HTML requires MIME encoding");
   checkRecipients();
   if (!errors_.empty()) {
-    sendFail();
+    reportFailure();
     return false;
   }
   bytesToSend_ = send::estimateMailSize(mail_);
@@ -186,7 +187,7 @@ bool SmtpSession::spoolToFile(const std::filesystem::path& file) {
     logFailure(context_.log, AppError::from(std::current_exception()), "SpoolToFile", kModule);
     addError("Unable to spool message. Disk full/error?");
   }
-  sendFail();
+  reportFailure();
   return false;
 }
 

@@ -92,7 +92,7 @@ TEST(mergeTexts, TenThousandRows) {
   EXPECT_EQ(c.messages.back().subject, "9999");
 }
 
-class DoMailMergeTest : public ::testing::Test, public MessageSpooler {
+class MergeIntoOutboxTest : public ::testing::Test, public MessageSpooler {
  protected:
   testing::TestHome home;
   AppContext context{home.clock, home.prompt, AppInfo{"Vonel", "1.2.3", "os", "/", home.dir.path()}};
@@ -111,11 +111,11 @@ class DoMailMergeTest : public ::testing::Test, public MessageSpooler {
   }
   MergeCounts run() {
     SilentProgress progress;
-    return doMailMerge(context, *this, progress, data, templateFile);
+    return mergeIntoOutbox(context, *this, progress, data, templateFile);
   }
 };
 
-TEST_F(DoMailMergeTest, SpoolsByTheFirstAccountAndReportsTheCounts) {
+TEST_F(MergeIntoOutboxTest, SpoolsByTheFirstAccountAndReportsTheCounts) {
   files::writeTextFile(data, "$EMAIL\r\na@x.org\r\nnot-an-address");
   files::writeTextFile(templateFile, "Subject: s\r\nbody");
   EXPECT_EQ(run().saved, 1);
@@ -125,7 +125,7 @@ TEST_F(DoMailMergeTest, SpoolsByTheFirstAccountAndReportsTheCounts) {
             "Processed 2 name(s)\r\n1 saved to the outbox and \r\n1 had invalid email address(es) (skipped)");
 }
 
-TEST_F(DoMailMergeTest, StopsWithTheDocumentedTexts) {
+TEST_F(MergeIntoOutboxTest, StopsWithTheDocumentedTexts) {
   files::writeTextFile(data, "");
   files::writeTextFile(templateFile, "Subject: s\r\nbody");
   run();
@@ -144,7 +144,7 @@ TEST_F(DoMailMergeTest, StopsWithTheDocumentedTexts) {
   EXPECT_EQ(store::unreadTagCount(context.folders.outboxFolderPath), 0);
 }
 
-TEST_F(DoMailMergeTest, TheWindowChecksTheFilesAndKeepsTheirNames) {
+TEST_F(MergeIntoOutboxTest, TheWindowChecksTheFilesAndKeepsTheirNames) {
   EXPECT_FALSE(acceptMergeFiles(context, data, templateFile));
   EXPECT_EQ(home.prompt.lastQuestion, "Name list file not found");
   files::writeTextFile(data, "$EMAIL");

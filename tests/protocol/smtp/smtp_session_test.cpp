@@ -4,7 +4,7 @@
 
 #include "core/files/files.h"
 #include "protocol/smtp/date_line.h"
-#include "smtp_fakes.h"
+#include "sender_home.h"
 
 namespace vonel::smtp {
 namespace {
@@ -30,11 +30,11 @@ TEST(SmtpDialogue, PlainSessionSendsEveryRecipientThenQuits) {
   EXPECT_EQ(home.socket.host, "mail.example.org");
   EXPECT_EQ(home.socket.port, 25);
   EXPECT_TRUE(home.socket.timerOn);
-  home.socket.socketState = kSocketConnected;
-  s.onConnected();
-  s.onData("220 hi\r\n");
+  home.socket.socketState = SocketState::Connected;
+  s.onSocketConnected();
+  s.onDataReceived("220 hi\r\n");
   EXPECT_EQ(home.socket.last(), "HELO example.org\r\n");
-  s.onData("250 ok\r\n");
+  s.onDataReceived("250 ok\r\n");
   EXPECT_EQ(home.listener.outcomes(), Events{"Connected"});
   // The owner answers Connected with Send, which now finds the socket open.
   s.send();
@@ -42,14 +42,14 @@ TEST(SmtpDialogue, PlainSessionSendsEveryRecipientThenQuits) {
                         "RCPT TO: <cc@x.org>\r\n", "RCPT TO: <bcc@x.org>\r\n", "DATA\r\n"};
   for (const auto& command : expected) {
     EXPECT_EQ(home.socket.last(), command);
-    s.onData(command == "DATA\r\n" ? "354 go\r\n" : "250 ok\r\n");
+    s.onDataReceived(command == "DATA\r\n" ? "354 go\r\n" : "250 ok\r\n");
   }
   EXPECT_EQ(home.socket.last(), "Date: Mon, 23 Nov 2026 09:30:15 +0100\r\nHello\r\n..dot\r\n\r\n.\r\n");
-  s.onData("250 queued\r\n");
+  s.onDataReceived("250 queued\r\n");
   EXPECT_EQ(home.socket.last(), "QUIT\r\n");
   EXPECT_EQ(home.listener.outcomes(), (Events{"Connected", "Progress:100", "SendSuccessful"}));
   EXPECT_EQ(home.listener.events.end()[-2], "Status:Transmission Complete...");
-  s.onData("221 bye\r\n");
+  s.onDataReceived("221 bye\r\n");
   EXPECT_EQ(home.listener.outcomes().back(), "Disconnected");
   EXPECT_EQ(home.socket.closes, 1);
   EXPECT_FALSE(home.socket.timerOn);
@@ -64,18 +64,18 @@ TEST(SmtpDialogue, KeptOpenConnectionCarriesTwoMessagesAndEmptyListsAreSkipped) 
     s.setMessage("m");
     s.send();
     EXPECT_EQ(home.socket.last(), "MAIL FROM: <me@example.org>\r\n");
-    s.onData("250 ok\r\n");
+    s.onDataReceived("250 ok\r\n");
     EXPECT_EQ(home.socket.last(), "RCPT TO: <to@x.org>\r\n");
-    s.onData("250 ok\r\n");
+    s.onDataReceived("250 ok\r\n");
     EXPECT_EQ(home.socket.last(), "DATA\r\n");
-    s.onData("354 go\r\n");
-    s.onData("250 ok\r\n");
+    s.onDataReceived("354 go\r\n");
+    s.onDataReceived("250 ok\r\n");
     EXPECT_NE(home.socket.last(), "QUIT\r\n");
   }
   EXPECT_EQ(home.socket.connects, 1);
   s.disconnect();
   EXPECT_EQ(home.socket.last(), "QUIT\r\n");
-  EXPECT_EQ(s.sessionState(), 13);
+  EXPECT_EQ(s.sessionState(), SmtpState::AwaitQuitReply);
 }
 
 TEST(SmtpDialogue, FailingReplyReportsItsTextAndClosesTheSocket) {
@@ -84,8 +84,8 @@ TEST(SmtpDialogue, FailingReplyReportsItsTextAndClosesTheSocket) {
   home.connectPlain();
   s.setRecipient("nobody@x.org");
   s.send();
-  s.onData("250 ok\r\n");
-  s.onData("550   No such user  \r\n");
+  s.onDataReceived("250 ok\r\n");
+  s.onDataReceived("550   No such user  \r\n");
   // Blanks are trimmed before the CR LF is taken off, so the inner ones stay.
   EXPECT_EQ(home.listener.outcomes().back(), "SendFailed:No such user  ");
   EXPECT_TRUE(s.failed());
@@ -105,8 +105,8 @@ TEST(SmtpDialogue, EveryStateAcceptsOnlyItsOwnCode) {
     home.connectPlain();
     home.sender->setRecipient("to@x.org");
     home.sender->send();
-    for (int i = 0; i < c.repliesBefore; ++i) home.sender->onData(script[i]);
-    home.sender->onData(c.wrong);
+    for (int i = 0; i < c.repliesBefore; ++i) home.sender->onDataReceived(script[i]);
+    home.sender->onDataReceived(c.wrong);
     EXPECT_EQ(home.listener.outcomes().back(), "SendFailed:x" ) << c.repliesBefore;
   }
 }
@@ -119,12 +119,12 @@ TEST(SmtpDialogue, SplitReplyMakesOneTransitionPerChunk) {
     home.connectPlain();
     home.sender->setRecipient("to@x.org");
     home.sender->send();
-    home.sender->onData(reply.substr(0, cut));
+    home.sender->onDataReceived(reply.substr(0, cut));
     if (cut < 3) {
       EXPECT_TRUE(home.sender->failed()) << cut;
     } else {
       EXPECT_EQ(home.socket.last(), "RCPT TO: <to@x.org>\r\n") << cut;
-      home.sender->onData(reply.substr(cut));  // the rest is a reply of its own, code 0
+      home.sender->onDataReceived(reply.substr(cut));  // the rest is a reply of its own, code 0
       EXPECT_TRUE(home.sender->failed()) << cut;
     }
   }
@@ -134,24 +134,24 @@ TEST(SmtpGreeting, AnyDataLeadsToHelloAndTwoTwentyIsIgnoredAfterIt) {
   SenderHome home;
   home.sender->setFrom("justaname");
   home.sender->connect();
-  home.socket.socketState = kSocketConnected;
-  home.sender->onConnected();
-  home.sender->onData("garbage without a code");
+  home.socket.socketState = SocketState::Connected;
+  home.sender->onSocketConnected();
+  home.sender->onDataReceived("garbage without a code");
   EXPECT_EQ(home.socket.last(), "HELO justaname\r\n");
-  home.sender->onData("220 again\r\n");
-  EXPECT_EQ(home.sender->sessionState(), 2);
+  home.sender->onDataReceived("220 again\r\n");
+  EXPECT_EQ(home.sender->sessionState(), SmtpState::AwaitHelloReply);
   EXPECT_TRUE(home.listener.outcomes().empty());
-  home.sender->onData("250 ok\r\n");
+  home.sender->onDataReceived("250 ok\r\n");
   EXPECT_EQ(home.listener.outcomes(), Events{"Connected"});
 }
 
 TEST(SmtpGreeting, AuthEqualsLoginInGreetingAddsAuthToMailFrom) {
   SenderHome home;
   home.sender->connect();
-  home.socket.socketState = kSocketConnected;
-  home.sender->onConnected();
-  home.sender->onData("220 host ESMTP AUTH=LOGIN\r\n");
-  home.sender->onData("250 ok\r\n");
+  home.socket.socketState = SocketState::Connected;
+  home.sender->onSocketConnected();
+  home.sender->onDataReceived("220 host ESMTP AUTH=LOGIN\r\n");
+  home.sender->onDataReceived("250 ok\r\n");
   home.sender->setRecipient("to@x.org");
   home.sender->send();
   EXPECT_EQ(home.socket.last(), "MAIL FROM: <me@example.org> AUTH=me@example.org\r\n");
@@ -162,11 +162,11 @@ TEST(SmtpGreeting, DataBeforeTheSocketIsConnectedRetriesThenGivesUp) {
   home.sender->setConnectRetry(3);
   home.sender->setRecipient("to@x.org");
   home.sender->send();
-  home.sender->onData("421 busy\r\n");
-  home.sender->onData("421 busy\r\n");
+  home.sender->onDataReceived("421 busy\r\n");
+  home.sender->onDataReceived("421 busy\r\n");
   EXPECT_EQ(home.listener.events.back(), "Status:Connecting to Server... (Attempt 2 of 3)");
   EXPECT_EQ(home.socket.connects, 3);
-  home.sender->onData("421 busy\r\n");
+  home.sender->onDataReceived("421 busy\r\n");
   EXPECT_EQ(home.listener.outcomes(), (Events{"ErrorConnecting", "SendFailed:busy"}));
 }
 
@@ -178,38 +178,38 @@ class AuthLogin : public ::testing::Test {
     home.sender->initialise(0);
     home.sender->setPassword("secret");
     home.sender->connect();
-    home.socket.socketState = kSocketConnected;
-    home.sender->onConnected();
-    home.sender->onData("220 hi\r\n");
+    home.socket.socketState = SocketState::Connected;
+    home.sender->onSocketConnected();
+    home.sender->onDataReceived("220 hi\r\n");
   }
   SenderHome home;
 };
 
 TEST_F(AuthLogin, EhloLinesInSeparateChunksDriveTheLogin) {
   EXPECT_EQ(home.socket.last(), "EHLO example.org\r\n");
-  home.sender->onData("250-mail.example.org\r\n");
+  home.sender->onDataReceived("250-mail.example.org\r\n");
   EXPECT_EQ(home.socket.last(), "AUTH LOGIN\r\n");
-  home.sender->onData("250-SIZE 100\r\n");
-  EXPECT_EQ(home.sender->sessionState(), 3);  // waits for a reply that names AUTH LOGIN
-  home.sender->onData("250 AUTH LOGIN PLAIN\r\n");
+  home.sender->onDataReceived("250-SIZE 100\r\n");
+  EXPECT_EQ(home.sender->sessionState(), SmtpState::AwaitAuthReply);  // waits for a reply that names AUTH LOGIN
+  home.sender->onDataReceived("250 AUTH LOGIN PLAIN\r\n");
   EXPECT_EQ(home.socket.last(), "dXNlcg==\r\n");
-  home.sender->onData("250 ok\r\n");
+  home.sender->onDataReceived("250 ok\r\n");
   EXPECT_EQ(home.socket.last(), "c2VjcmV0\r\n");
-  home.sender->onData("250 ok\r\n");
+  home.sender->onDataReceived("250 ok\r\n");
   EXPECT_EQ(home.listener.outcomes(), Events{"Connected"});
 }
 
 TEST_F(AuthLogin, ThreeThirtyFourAndTwoThirtyFiveFailAsDocumented) {
-  home.sender->onData("250 AUTH LOGIN\r\n");
-  home.sender->onData("334 VXNlcm5hbWU6\r\n");
+  home.sender->onDataReceived("250 AUTH LOGIN\r\n");
+  home.sender->onDataReceived("334 VXNlcm5hbWU6\r\n");
   EXPECT_EQ(home.listener.outcomes(), Events{"SendFailed:VXNlcm5hbWU6"});
 }
 
 TEST_F(AuthLogin, RejectedPasswordFailsThenReportsTheConnectionError) {
-  home.sender->onData("250 hi\r\n");
-  home.sender->onData("250 AUTH LOGIN\r\n");
-  home.sender->onData("250 ok\r\n");
-  home.sender->onData("535 bad credentials\r\n");
+  home.sender->onDataReceived("250 hi\r\n");
+  home.sender->onDataReceived("250 AUTH LOGIN\r\n");
+  home.sender->onDataReceived("250 ok\r\n");
+  home.sender->onDataReceived("535 bad credentials\r\n");
   EXPECT_EQ(home.listener.outcomes(), (Events{"SendFailed:bad credentials", "ErrorConnecting"}));
 }
 
@@ -251,10 +251,10 @@ TEST(SmtpSend, SocketErrorsFailOrReportTheUnusableAddress) {
   home.sender->onSocketError(10061, "Connection refused");
   EXPECT_EQ(home.listener.outcomes(), Events{"SendFailed:Connection refused"});
 
-  home.socket.socketState = kSocketError;
+  home.socket.socketState = SocketState::Error;
   home.sender->onSocketError(kAddressNotAvailable, "Address not available");
   EXPECT_EQ(home.listener.outcomes().back(), "ErrorConnecting");
-  EXPECT_EQ(home.socket.socketState, kSocketClosed);
+  EXPECT_EQ(home.socket.socketState, SocketState::Closed);
   EXPECT_TRUE(home.sender->pendingErrors().empty());
 }
 
@@ -265,13 +265,13 @@ TEST(SmtpTimeout, QuietServerGetsStatusAfterTenSecondsAndFailsAtTheDeadline) {
   home.sender->send();
   home.listener.events.clear();
   home.advance(9);
-  home.sender->onTick();
+  home.sender->onTimerTick();
   EXPECT_TRUE(home.listener.events.empty());
   home.advance(1);
-  home.sender->onTick();
+  home.sender->onTimerTick();
   EXPECT_EQ(home.listener.events, Events{"Status:Retrying ... 20"});
   home.advance(20);
-  home.sender->onTick();
+  home.sender->onTimerTick();
   EXPECT_EQ(home.listener.events.back(), "SendFailed:Timeout occurred: The SMTP Host did not respond to the request");
   EXPECT_FALSE(home.socket.timerOn);
 }
@@ -281,9 +281,9 @@ TEST(SmtpTimeout, EveryReplyPushesTheDeadline) {
   home.sender->setMessageTimeout(15);
   home.connectPlain();
   home.advance(14);
-  home.sender->onData("250 late but here\r\n");
+  home.sender->onDataReceived("250 late but here\r\n");
   home.advance(14);
-  home.sender->onTick();
+  home.sender->onTimerTick();
   EXPECT_FALSE(home.sender->failed());
 }
 
@@ -294,14 +294,14 @@ TEST(SmtpProgress, ReportsChangedPercentagesAtMostFourTimesASecond) {
   home.sender->setMessage(std::string(1000, 'x'));
   home.sender->send();
   home.listener.events.clear();
-  home.sender->onSendProgress(250);
-  home.sender->onSendProgress(250);  // same moment: too soon
+  home.sender->onBytesWritten(250);
+  home.sender->onBytesWritten(250);  // same moment: too soon
   home.advance(1);
-  home.sender->onSendProgress(0);
+  home.sender->onBytesWritten(0);
   home.advance(1);
-  home.sender->onSendProgress(0);  // still 50 %: not repeated
+  home.sender->onBytesWritten(0);  // still 50 %: not repeated
   home.advance(1);
-  home.sender->onSendProgress(900);
+  home.sender->onBytesWritten(900);
   EXPECT_EQ(home.listener.events, (Events{"Progress:25", "Progress:50", "Progress:100"}));
 }
 
@@ -338,11 +338,11 @@ TEST(SmtpProperties, BoundedValuesIgnoreOutOfRangeWrites) {
 TEST(SmtpProperties, PriorityWordFollowsOnlyTheThreeKnownValues) {
   SenderHome home;
   EXPECT_EQ(home.sender->fields().priorityWord, "");
-  home.sender->setPriority(1);
+  home.sender->setPriority(send::Priority::Highest);
   EXPECT_EQ(home.sender->fields().priorityWord, "High");
-  home.sender->setPriority(4);
+  home.sender->setPriority(send::Priority::Low);
   EXPECT_EQ(home.sender->fields().priorityWord, "High");
-  home.sender->setPriority(5);
+  home.sender->setPriority(send::Priority::Lowest);
   EXPECT_EQ(home.sender->fields().priorityWord, "Low");
 }
 

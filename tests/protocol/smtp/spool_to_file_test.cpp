@@ -2,7 +2,7 @@
 
 #include "core/files/files.h"
 #include "protocol/smtp/smtp_session.h"
-#include "smtp_fakes.h"
+#include "sender_home.h"
 
 namespace vonel::smtp {
 namespace {
@@ -19,7 +19,7 @@ struct SpoolHome : SenderHome {
 
 TEST(spoolToFile, ValidationErrorsAreReportedTogetherAndNothingIsWritten) {
   SpoolHome home;
-  home.sender->setEncodeType(1);
+  home.sender->setEncodeType(send::EncodeType::UUEncode);
   home.sender->setAsHtml(true);
   EXPECT_FALSE(home.sender->spoolToFile(home.out()));
   EXPECT_EQ(home.listener.events,
@@ -39,9 +39,9 @@ TEST(spoolToFile, AttachmentThatCannotBeEncodedFailsTheSpool) {
   ASSERT_EQ(home.listener.events.size(), 1u);
   EXPECT_TRUE(home.listener.events[0].starts_with("SendFailed:File not found: ")) << home.listener.events[0];
 
-  // The uuencode mode has never worked: it fails on the first attachment.
+  // The uuencode mode has no file encoder: it fails on the first attachment.
   home.listener.events.clear();
-  home.sender->setEncodeType(1);
+  home.sender->setEncodeType(send::EncodeType::UUEncode);
   home.sender->setAttachment(home.attach("there.bin", "here"));
   EXPECT_FALSE(home.sender->spoolToFile(home.out()));
   EXPECT_EQ(home.listener.events, std::vector<std::string>{"SendFailed:Invalid procedure call or argument"});

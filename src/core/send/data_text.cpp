@@ -1,4 +1,4 @@
-#include "core/send/format_mail.h"
+#include "core/send/data_text.h"
 
 #include <algorithm>
 
@@ -30,7 +30,7 @@ void appendCut(std::string& out, std::string_view line, std::string_view separat
 
 }  // namespace
 
-std::string formatMail(std::string_view text) {
+std::string fitForData(std::string_view text) {
   if (text.empty()) return {};
   std::string_view separator = separatorOf(text);
   const std::vector<std::string> lines =

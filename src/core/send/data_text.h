@@ -7,7 +7,7 @@
 
 namespace vonel::send {
 
-std::string formatMail(std::string_view text);
+std::string fitForData(std::string_view text);
 
 // True when a byte of the text is above 127.
 bool hasEightBit(std::string_view text);

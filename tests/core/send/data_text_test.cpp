@@ -1,0 +1,60 @@
+#include "core/send/data_text.h"
+
+#include <gtest/gtest.h>
+
+#include "core/send/uuencode.h"
+#include "core/send/content_type.h"
+
+namespace vonel::send {
+namespace {
+
+TEST(fitForData, LongLinesAreCutAtBlanksOrAtNineHundredNinetyEight) {
+  const std::string exact(998, 'a');
+  EXPECT_EQ(fitForData(exact + "\r\nb"), exact + "\r\nb");
+  EXPECT_EQ(fitForData("x\r\n" + exact + "a"), "x\r\n" + exact + "\r\na");
+  // A blank at or before 998 ends the piece and stays with it.
+  const std::string words = std::string(500, 'w') + " " + std::string(600, 'v');
+  EXPECT_EQ(fitForData(words), std::string(500, 'w') + " \r\n" + std::string(600, 'v'));
+  // Several pieces, and a tail shorter than a piece.
+  EXPECT_EQ(fitForData(std::string(2000, 'z')),
+            std::string(998, 'z') + "\r\n" + std::string(998, 'z') + "\r\n" + std::string(4, 'z'));
+}
+
+TEST(fitForData, SeparatorIsKeptAndLongLineWithoutOneGetsCrLf) {
+  EXPECT_EQ(fitForData(""), "");
+  EXPECT_EQ(fitForData("a\rb\r.c"), "a\rb\r..c");
+  EXPECT_EQ(fitForData("a\nb"), "a\nb");  // a bare LF is no separator
+  EXPECT_EQ(fitForData(std::string(1000, 'c') + "\r"), std::string(998, 'c') + "\r" + "cc\r");
+}
+
+TEST(fitForData, DotsAreAddedOnEveryPass) {
+  std::string text = "first\r\n.second\r\n..";
+  for (int pass = 0; pass < 3; ++pass) text = fitForData(text);
+  EXPECT_EQ(text, "first\r\n....second\r\n.....");
+}
+
+TEST(hasEightBit, MeansAByteAboveOneTwentySeven) {
+  EXPECT_FALSE(hasEightBit(std::string("plain\x7f text")));
+  EXPECT_TRUE(hasEightBit("na\xefve"));
+}
+
+TEST(uuencodeLine, GroupsLengthAndPadding) {
+  EXPECT_EQ(uuencodeLine("Cat"), "#0V%T");
+  EXPECT_EQ(uuencodeLine("Ca"), "\"0V$`=");
+  EXPECT_EQ(uuencodeLine("C"), "!0P``==");
+  EXPECT_EQ(uuencodeLine(""), "`");
+  EXPECT_EQ(uuencodeLine(std::string(63, 'a')).size(), 1u + 84u);
+  EXPECT_EQ(uuencodeLine(std::string(64, 'a')), "");
+}
+
+TEST(contentTypeOf, ExtensionTableWithFallBack) {
+  EXPECT_EQ(contentTypeOf("report.PDF", "x/y"), "application/pdf");
+  EXPECT_EQ(contentTypeOf("archive.tar.gz", "x/y"), "application/x-gzip");
+  EXPECT_EQ(contentTypeOf("photo.jpeg", "x/y"), "image/jpeg");
+  EXPECT_EQ(contentTypeOf("README", "x/y"), "x/y");
+  EXPECT_EQ(contentTypeOf("data.unknownext", "x/y"), "x/y");
+  EXPECT_EQ(contentTypeOf("trailingdot.", "x/y"), "x/y");
+}
+
+}  // namespace
+}  // namespace vonel::send
