@@ -68,7 +68,7 @@ message::Message mergedMessage(std::string text, const std::string& to, const Me
 NoEmailField::NoEmailField() : AppError(0, "Error: Your mail merge data file must contain an $EMAIL field") {}
 
 MergeSender firstAccountSender(const SettingsStore& settings) {
-  const int account = std::max(firstAccount(settings), 0);
+  const int account = firstAccount(settings).value_or(0);
   return {account, settings.get(accountKey("REPLYADDRESS", account), Value("")).text()};
 }
 
