@@ -195,10 +195,10 @@ bool MailController::exitProgram() {
       outbox_->cancel();
       waitWhileEventsRun(kShutdownWaitMs);
     }
-    if (checkingMail_) {
+    if (passRunning_) {
       logAction("Still checking for mail. Stopping transfer.");
       if (pop3_) pop3_->session().cancelMail();
-      checkingMail_ = false;
+      passRunning_ = false;
       waitWhileEventsRun(kShutdownWaitMs);
     }
     if (outboxHoldsMail() &&

@@ -41,7 +41,8 @@ class MailController : public QObject, public pop3::Pop3Listener {
   // False when the user chose to keep the program running.
   bool exitProgram();
 
-  // The one entry point of a pass over the servers; ignored while a pass runs.
+  // The one entry point of a pass over the servers; ignored while a pass runs
+  // and before start-up.
   void startPass(const PassRequest& request);
   // Cancels the running pass.
   void stopPass();
@@ -80,7 +81,7 @@ class MailController : public QObject, public pop3::Pop3Listener {
   OutboxUpload* outbox() { return outbox_.get(); }
   bayes::BayesFilter* bayesFilter() { return bayes_.get(); }
 
-  bool passRunning() const { return checkingMail_; }
+  bool passRunning() const { return passRunning_; }
   // The running pass, or the last one.
   const PassRequest& pass() const { return pass_; }
   const PassTally& tally() const { return tally_; }
@@ -140,12 +141,12 @@ class MailController : public QObject, public pop3::Pop3Listener {
 
   bool autoDelete_ = false;  // AUTODELETE: scanAll and the auto scan delete spam on the server
   bool soundOn_ = false;     // AUDIO: the chime after a pass that listed good mail
-  double totalSpamCount_ = 0;
+  double totalSpamCount_ = 0;  // SpamCount: what passes have deleted, over all runs
   PassRequest pass_;
-  bool checkingMail_ = false;
+  bool passRunning_ = false;
   // The account being polled; none between full passes and after a cancel.
   std::optional<int> currentAccount_;
-  int lastAccount_ = kAccountCount - 1;
+  int lastAccount_ = kAccountCount - 1;  // the pass's last account
   PassTally tally_;
   FetchPurpose fetchPurpose_ = FetchPurpose::None;
 

@@ -7,7 +7,7 @@
 namespace vonel {
 
 void MailController::scanAll() {
-  if (checkingMail_) return;
+  if (passRunning_) return;
   autoScan_.stop();
   startPass({.kind = PassKind::Scan, .deleteSpam = autoDelete_, .account = std::nullopt});
 }
@@ -57,7 +57,7 @@ void MailController::downloadDeleteAndSendFrom(int account) {
 }
 
 void MailController::startOrStop(void (MailController::*command)()) {
-  if (checkingMail_) {
+  if (passRunning_) {
     stopPass();
     return;
   }
@@ -87,7 +87,7 @@ void MailController::sendOutbox() {
 }
 
 void MailController::sendOutboxIfIdle() {
-  if (!checkingMail_) sendOutbox();
+  if (!passRunning_) sendOutbox();
 }
 
 }  // namespace vonel

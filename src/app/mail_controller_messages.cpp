@@ -36,7 +36,7 @@ void MailController::runRuleProgram(const message::Message& message, const std::
 }
 
 void MailController::fetchSpecificMessage(FetchPurpose purpose, int account, int number) {
-  if (checkingMail_ || !pop3_) return;
+  if (passRunning_ || !pop3_) return;
   fetchPurpose_ = purpose;
   pop3_->session().getSpecificMessage(account, number);
 }

@@ -10,7 +10,7 @@
 namespace vonel {
 
 void MailController::startPass(const PassRequest& request) {
-  if (checkingMail_ || !pop3_) return;
+  if (passRunning_ || !pop3_) return;
   pass_ = request;
   windows_.showPassRunning(true);
   autoScan_.stop();
@@ -35,7 +35,7 @@ void MailController::startAccount(bool evenIfUnchecked) {
       onAccountFinished();
       return;
     }
-    checkingMail_ = true;
+    passRunning_ = true;
     tally_.serverNames[static_cast<std::size_t>(account)] = server;
     auto& session = pop3_->session();
     switch (pass_.kind) {
@@ -48,7 +48,7 @@ void MailController::startAccount(bool evenIfUnchecked) {
 
 // Safe to run again after the pass has ended: a time-out reports more than once.
 void MailController::onAccountFinished() {
-  checkingMail_ = false;
+  passRunning_ = false;
   // A cancelled pass and a pass on one account before the last end here; one
   // on the last account ends as a full pass does: the spam count saved, the
   // chime, "Process complete".
