@@ -1,5 +1,7 @@
 #include "app/command_line.h"
 
+#include "core/settings/accounts.h"
+
 namespace vonel {
 
 CommandLine parseCommandLine(const QStringList& arguments) {
@@ -40,11 +42,12 @@ CommandLine parseCommandLine(const QStringList& arguments) {
       line.deleteOnServer = true;
     } else if (argument == "--account") {
       bool ok = false;
-      line.account = i + 1 < arguments.size() ? arguments[++i].toInt(&ok) : -1;
-      if (!ok || line.account < 0 || line.account > 19) {
+      const int account = i + 1 < arguments.size() ? arguments[++i].toInt(&ok) : 0;
+      if (!ok || account < 0 || account >= kAccountCount) {
         line.error = "--account needs a number from 0 to 19";
         return line;
       }
+      line.account = account;
     } else if (argument.startsWith("--")) {
       line.error = "unknown option " + argument;
       return line;

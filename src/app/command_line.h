@@ -9,15 +9,15 @@ namespace vonel {
 struct CommandLine {
   std::optional<QString> home;
   bool headless = false;
-  bool scan = false;          // one pass over the servers, headers only
-  bool download = false;      // one pass that downloads what passes into the store
-  bool daemon = false;        // passes on the auto-scan timer until stopped
-  bool train = false;         // train the Bayes filter on the stored mail
+  bool scan = false;           // one pass over the servers, headers only
+  bool download = false;       // one pass that downloads what passes into the store
+  bool daemon = false;         // passes on the auto-scan timer until stopped
+  bool train = false;          // train the Bayes filter on the stored mail
   bool deleteOnServer = false;
-  int account = -1;           // the one account of the pass, or all
-  bool score = false;         // print the Bayes score of each message file in passOn
-  bool send = false;          // send the outbox, beside the pass if there is one
-  bool merge = false;         // spool a mail merge of mergeData and mergeTemplate
+  std::optional<int> account;  // the one account of the pass; every account when empty
+  bool score = false;          // print the Bayes score of each message file in passOn
+  bool send = false;           // send the outbox, beside the pass if there is one
+  bool merge = false;          // spool a mail merge of mergeData and mergeTemplate
   QString mergeData;
   QString mergeTemplate;
   QStringList passOn;  // the rest, for the command handler of a running copy

@@ -1,26 +1,25 @@
 #include "app/headless_run.h"
 
+#include <QEventLoop>
 #include <QTimer>
 #include <atomic>
 #include <csignal>
 #include <cstdio>
 
 #include "app/console_prompt.h"
-#include "app/mail_controller.h"
 #include "app/headless_windows.h"
+#include "app/mail_controller.h"
 #include "app/platform.h"
 #include "app/qtext.h"
 #include "app/terminal_password.h"
-#include "core/bayes/message_file_score.h"
 #include "core/bayes/bayes_trainer.h"
-#include "core/settings/accounts.h"
+#include "core/bayes/message_file_score.h"
+#include "core/files/files.h"
 #include "core/rules/status_word.h"
 #include "core/send/mail_merge.h"
+#include "core/settings/accounts.h"
 #include "core/text/cp1252.h"
 #include "core/text/numbers.h"
-
-#include <QEventLoop>
-#include "core/files/files.h"
 
 namespace vonel {
 
@@ -56,10 +55,11 @@ void pass(MailController& controller, HeadlessWindows& windows, const AppContext
     ended = true;
     loop.quit();
   });
-  const bool oneAccount = line.account >= 0;
-  controller.processMail(line.deleteOnServer, oneAccount, oneAccount ? line.account : 0, line.download, false);
+  controller.startPass({.kind = line.download ? PassKind::Download : PassKind::Scan,
+                        .deleteSpam = line.deleteOnServer,
+                        .account = line.account});
   // As Send/Receive does: the upload starts right after the pass and runs beside it.
-  if (line.send) controller.uploadMail();
+  if (line.send) controller.sendOutbox();
   if (!ended) loop.exec();
   std::printf("%s\n", qPrintable(outcome.isEmpty() ? toQString(windows.statusText) : outcome));
   std::fflush(stdout);
@@ -133,25 +133,25 @@ bool score(MailController& controller, AppContext& context, const CommandLine& l
 // from spooling on, and waits for an upload to end.
 class UploadWatch {
  public:
-  explicit UploadWatch(MailController& controller) : controller_(controller) {
-    QObject::connect(&controller, &MailController::sendProgress, &loop_, [](const QString& text) {
+  explicit UploadWatch(OutboxUpload& upload) : upload_(upload) {
+    QObject::connect(&upload, &OutboxUpload::sendProgress, &loop_, [](const QString& text) {
       std::printf("%s\n", qPrintable(text));
       std::fflush(stdout);
     });
-    QObject::connect(&controller, &MailController::sendFailed, &loop_, [this](const QString& text) {
+    QObject::connect(&upload, &OutboxUpload::sendFailed, &loop_, [this](const QString& text) {
       std::fprintf(stderr, "vonel: %s\n", qPrintable(text));
       failed_ = true;
     });
-    QObject::connect(&controller, &MailController::sendEnded, &loop_, &QEventLoop::quit);
+    QObject::connect(&upload, &OutboxUpload::sendEnded, &loop_, &QEventLoop::quit);
   }
   // False when spooling or sending failed.
   bool wait() {
-    if (controller_.sendingMail) loop_.exec();
+    if (upload_.running()) loop_.exec();
     return !failed_;
   }
 
  private:
-  MailController& controller_;
+  OutboxUpload& upload_;
   QEventLoop loop_;
   bool failed_ = false;
 };
@@ -162,7 +162,7 @@ bool merge(MailController& controller, AppContext& context, const CommandLine& l
   const std::filesystem::path templateFile = line.mergeTemplate.toStdU16String();
   if (!send::acceptMergeFiles(context, data, templateFile)) return false;
   SilentProgress progress;
-  send::mergeIntoOutbox(context, *controller.outboxSender(), progress, data, templateFile);
+  send::mergeIntoOutbox(context, controller.outbox()->sender(), progress, data, templateFile);
   return true;
 }
 
@@ -183,14 +183,14 @@ int runHeadless(const CommandLine& line) {
     return 2;
   }
   // Only the daemon runs passes on the timer; every other command runs its own.
-  if (!line.daemon) controller.stopMailTimer();
-  UploadWatch upload(controller);
+  if (!line.daemon) controller.autoScan().stop();
+  UploadWatch upload(*controller.outbox());
   const bool merged = !line.merge || merge(controller, context, line);
   const bool trained = !line.train || train(controller, context);
   bool daemonRan = true;
   if (line.scan || line.download) pass(controller, windows, context, line);
   else if (line.daemon) daemonRan = daemon(controller, windows, context);
-  else if (line.send) controller.uploadMail();
+  else if (line.send) controller.sendOutbox();
   const bool sent = !line.send || upload.wait();
   const bool scored = !line.score || score(controller, context, line);
   return controller.exitProgram() && scored && merged && sent && trained && daemonRan ? 0 : 1;

@@ -1,11 +1,11 @@
 #pragma once
 // The windows of a run without a display: nothing shows, and the account
 // wizard can't run.
-#include "app/main_window_port.h"
+#include "app/app_windows.h"
 
 namespace vonel {
 
-class HeadlessWindows final : public MainWindowPort {
+class HeadlessWindows final : public AppWindows {
  public:
   void showSplash() override {}
   void splashStatus(std::string_view) override {}
@@ -28,10 +28,10 @@ class HeadlessWindows final : public MainWindowPort {
   void setupMenus() override {}
   void switchToMailer() override {}
   // A screen larger than any window, so that the saved size comes back unchanged.
-  WindowGeometry screenTwips() const override { return {1 << 24, 1 << 24, 0}; }
+  WindowGeometry screenTwips() const override { return {1 << 24, 1 << 24}; }
   WindowGeometry geometryTwips() const override { return geometry; }
-  void maximise() override { geometry.state = 2; }
-  void resizeTwips(int widthTwips, int heightTwips) override { geometry = {widthTwips, heightTwips, 0}; }
+  void maximise() override { geometry.state = WindowState::Maximised; }
+  void resizeTwips(int widthTwips, int heightTwips) override { geometry = {widthTwips, heightTwips}; }
   void showMain() override { hidden = false; }
   void hideMain() override { hidden = true; }
   void closeOtherWindows(const std::function<void(const std::string&)>&) override {}
@@ -47,7 +47,7 @@ class HeadlessWindows final : public MainWindowPort {
   TrayPicture trayPicture = TrayPicture::LargeS;
   std::string trayTip;
   bool hidden = false;
-  WindowGeometry geometry{7668, 7300, 0};
+  WindowGeometry geometry{7668, 7300};
 };
 
 }  // namespace vonel

@@ -1,20 +1,26 @@
 #pragma once
-// The controller: brings the program up in a fixed order, keeps the state of
-// the mail cycle, and takes the program down again. Its window is a separate
-// class that fills MainWindowPort.
+// The controller: brings the program up in a fixed order, runs the passes over
+// the servers, and takes the program down again. Its windows are a separate
+// class that fills AppWindows.
 #include <QObject>
 #include <QTimer>
-#include <array>
 #include <filesystem>
+#include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
-#include "app/main_window_port.h"
+#include "app/app_windows.h"
+#include "app/auto_scan_timer.h"
+#include "app/day_change_watch.h"
+#include "app/outbox_upload.h"
+#include "app/pass_request.h"
+#include "app/pass_tally.h"
 #include "app/pop3/pop3_connection.h"
-#include "app/smtp/outbox_sender.h"
+#include "app/tray_flasher.h"
 #include "core/bayes/bayes_filter.h"
-#include "core/message/message_list.h"
-#include "core/rules/rule_engine.h"
 #include "core/context/app_context.h"
+#include "core/rules/rule_engine.h"
 #include "core/settings/accounts.h"
 
 namespace vonel {
@@ -24,118 +30,68 @@ enum class StartupResult { Started, NoAccount };
 // Why a single message is being fetched from the server.
 enum class FetchPurpose { None, ViewSource, Read, Download };
 
-class MailController : public QObject, public pop3::Pop3Listener, private OutboxListener {
+class MailController : public QObject, public pop3::Pop3Listener {
   Q_OBJECT
 
  public:
-  MailController(AppContext& context, MainWindowPort& windows, PasswordPrompt& passwords);
+  MailController(AppContext& context, AppWindows& windows, PasswordPrompt& passwords);
   ~MailController() override;
 
   StartupResult startup();
   // False when the user chose to keep the program running.
   bool exitProgram();
-  void readSettings();
 
-  // The one entry point of a pass over the servers.
-  void processMail(bool deleteSpam, bool oneAccount, int account, bool retrieve, bool clear);
-  void checkNextAccount(bool force);
-  void doNextAccount();
-
-  // The commands that start a pass; each is ignored while one runs.
-  void downloadMail(bool deleteSpam);
-  void downloadFromAccount(bool deleteSpam, int account);
-  // The commands of the menus, the toolbar, the keys and the mail window.
-  // Those that start a pass are ignored while one runs; on the toolbar they
-  // stop it instead.
-  void scanAll();
-  void scanAccount(int account);
-  void toolbarScan();
-  void toolbarScanAndDelete();
-  void toolbarSendReceiveDelete();
-  void toolbarSendReceive();
-  // Erases all mail of the account on its server, after asking.
-  void deleteAllFromAccount(int account);
-  void onKeyF2(bool ctrl);
-  void onKeyF3();
-  void onKeyF5(bool ctrl);
-  void downloadAndSend();
-  void downloadOnly();
-  void downloadDeleteAndSend();
-  void downloadDeleteAndSendFrom(int account);
-  void downloadAndDelete();
-  void downloadFrom(int account);
-  void sendReceiveDelete();
-  void sendReceiveDeleteFrom(int account);
-  void scan();
-  void scanFrom(int account);
-  void scanAndDelete();
-  void scanAndDeleteFrom(int account);
-  void uploadFromMailer() { uploadMail(); }
+  // The one entry point of a pass over the servers; ignored while a pass runs
+  // and before start-up.
+  void startPass(const PassRequest& request);
   // Cancels the running pass.
   void stopPass();
+
+  // The commands of the menus, the toolbar, the keys and the mail window.
+  // Those that start a pass are ignored while one runs; on the toolbar they
+  // stop it instead. Those that send start the upload in any case.
+  // scanAll deletes by the auto-delete setting, and stops the auto scan even
+  // while a pass runs.
+  void scanAll();
+  void scan();
+  void scanAndDelete();
+  void scanFrom(int account);
+  void scanAndDeleteFrom(int account);
+  void downloadOnly();
+  void downloadAndDelete();
+  void downloadFrom(int account);
+  void downloadAndSend();
+  void downloadDeleteAndSend();
+  void downloadDeleteAndSendFrom(int account);
+  void toolbarScan();
+  void toolbarScanAndDelete();
+  void toolbarSendReceive();
+  void toolbarSendReceiveDelete();
+  // Erases all mail of the account on its server, after asking.
+  void deleteAllFromAccount(int account);
+  void sendOutbox();
+  // Sends only while no pass runs.
+  void sendOutboxIfIdle();
 
   // Fetches message `number` of the account for one purpose.
   void fetchSpecificMessage(FetchPurpose purpose, int account, int number);
 
-  // The auto scan: a tick a second, a pass when DELAY ticks have gone by
-  // since the end of the last one.
-  void setMailTimerInterval();
-  void startMailTimer();
-  void stopMailTimer();
-  void displayTimeLeft();
+  AutoScanTimer& autoScan() { return autoScan_; }
+  // The upload of the outbox and the Bayes filter, made at start.
+  OutboxUpload* outbox() { return outbox_.get(); }
+  bayes::BayesFilter* bayesFilter() { return bayes_.get(); }
 
-  // The tray icon flashes between its two pictures while a pass runs; the
-  // tip counts the good messages of the pass.
-  void startIconTimer();
-  void stopIconTimer();
-  void swapTrayIcon();
-  void showTrayError();
-  int scanDelay = 0;
-  int scanTicks = 0;
-
-  // Sets sendingMail and starts sending the outbox.
-  void uploadMail();
-  // The outbox writer and sender, made at start.
-  OutboxSender* outboxSender() { return sendMail_.get(); }
-
-  // The Bayes filter, made and loaded at start.
-  bayes::BayesFilter* bayesFilter() { return bayesForm_.get(); }
-
-  // State of the mail cycle that start-up and shutdown read.
-  bool checkingMail = false;
-  bool sendingMail = false;
-  bool autoDelete = false;
-  bool soundOn = false;
-  bool retrieveNext = false;
-  double totalSpamCount = 0;
-  double sessionSpamCount = 0;
-  int currentAccount = -1;
-  int lastAccount = 19;
-  bool retrieveMode = false;
-  bool clearMode = false;
-  bool deleteSpamMode = false;
-  bool passedMail = false;
-  long messagesListed = 0;
-  long goodMessages = 0;
-  std::array<long, kAccountCount> accountMessages{};  // messages seen in this pass, by account
-  std::array<std::string, kAccountCount> serverNames;  // the server of each account in this pass
-  message::MessageList messages;
-
-  QTimer autoScanTimer_;
-  QTimer iconFlashTimer_;
-  QTimer midnightTimer_;
-  QTimer delayedStartTimer_;
-  QTimer updateCheckTimer_;
+  bool passRunning() const { return passRunning_; }
+  // The running pass, or the last one.
+  const PassRequest& pass() const { return pass_; }
+  const PassTally& tally() const { return tally_; }
+  bool soundOn() const { return soundOn_; }
+  bool trayFlashing() const { return tray_.isFlashing(); }
+  bool delayedStartPending() const { return delayedStartTimer_.isActive(); }
 
  signals:
   // A pass over the servers has ended, with the text that says how.
   void passEnded(const QString& text);
-  // A step of sending the outbox, for display.
-  void sendProgress(const QString& text);
-  // Sending stopped on an error.
-  void sendFailed(const QString& text);
-  // sendingMail has gone back to false.
-  void sendEnded();
   // Thirty seconds after start: the moment to look for a newer version.
   void updateCheckDue();
 
@@ -156,43 +112,57 @@ class MailController : public QObject, public pop3::Pop3Listener, private Outbox
   void onNoConnection() override;
   void onFinished(const std::string& title, long count) override;
 
-  void notifyPassFinished(const std::string& text);
-  void runRuleProgram(const message::Message& message, const std::filesystem::path& file);
-  void onAutoScanTick();
-  void onMidnightTick();
+  // Polls currentAccount_, or moves on when it has no server.
+  void startAccount(bool evenIfUnchecked);
+  // Moves on to the next account or ends the pass.
+  void onAccountFinished();
+  void onAutoScanDue(PassKind kind);
   void onDelayedStart();
-  // The toolbar's way: a running pass is stopped, else `start` runs.
-  template <typename Start>
-  void startOrStop(Start start);
+  // The status bar and the tray once no pass runs.
+  void showPassIdle();
+  void resumeAutoScan();
+  void endPass(const std::string& text);
+  void runRuleProgram(const message::Message& message, const std::filesystem::path& file);
+  // The toolbar's way: a running pass is stopped, else `command` runs.
+  void startOrStop(void (MailController::*command)());
 
-  // What the outbox sender reports.
-  void onSendProgress(const std::string& text) override;
-  void onSendFailed(const std::string& text) override;
-  void onNoMailToSend() override;
-  void onSendingFinished() override;
-  void sendingStopped(const std::string& text);
-
-  void stage(std::string_view text);
-  void action(std::string_view text);
-  void migrateOldPaths();
-  void removeUnfinishedDownloads();
-  void migrateOldSignature();
+  void showStage(std::string_view text);
+  void logAction(std::string_view text);
+  void readSettings();
   void applyWindowSize();
-  std::string trayTip() const;
-  void changeTrayIcon(TrayPicture picture);
   bool outboxHoldsMail() const;
 
+  // The module that the controller's log lines name.
+  static constexpr std::string_view kLogModule = "frmMain";
+
   AppContext& ctx_;
-  MainWindowPort& windows_;
+  AppWindows& windows_;
   PasswordPrompt& passwords_;
+
+  bool autoDelete_ = false;  // AUTODELETE: scanAll and the auto scan delete spam on the server
+  bool soundOn_ = false;     // AUDIO: the chime after a pass that listed good mail
+  double totalSpamCount_ = 0;  // SpamCount: what passes have deleted, over all runs
+  PassRequest pass_;
+  bool passRunning_ = false;
+  // The account being polled; none between full passes and after a cancel.
+  std::optional<int> currentAccount_;
+  int lastAccount_ = kAccountCount - 1;  // the pass's last account
+  PassTally tally_;
+  FetchPurpose fetchPurpose_ = FetchPurpose::None;
+
+  // Declared before the sessions, so that they outlive whatever a session
+  // reports while it is taken down.
+  AutoScanTimer autoScan_;
+  TrayFlasher tray_;
+  DayChangeWatch dayWatch_;
+  QTimer delayedStartTimer_;
+  QTimer updateCheckTimer_;
+
   rules::RuleEngine serverFilters_;
   rules::RuleEngine localFilters_;
-  std::unique_ptr<Pop3Connection> getMail_;
-  std::unique_ptr<OutboxSender> sendMail_;
-  std::unique_ptr<bayes::BayesFilter> bayesForm_;
-  FetchPurpose fetchPurpose_ = FetchPurpose::None;
-  int dayOfMonth_ = 0;
-  bool trayLarge_ = true;
+  std::unique_ptr<Pop3Connection> pop3_;
+  std::unique_ptr<OutboxUpload> outbox_;
+  std::unique_ptr<bayes::BayesFilter> bayes_;
 };
 
 }  // namespace vonel

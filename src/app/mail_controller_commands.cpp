@@ -1,4 +1,5 @@
-// The entry points of the mail cycle: one method a row of the command table.
+// The commands that start a pass or the upload, one method each for the
+// menus, the toolbar, the keys and the mail window.
 #include "app/mail_controller.h"
 
 #include "core/settings/accounts.h"
@@ -6,116 +7,87 @@
 namespace vonel {
 
 void MailController::scanAll() {
-  if (checkingMail) return;
-  stopMailTimer();
-  processMail(autoDelete, false, 0, false, false);
+  if (passRunning_) return;
+  autoScan_.stop();
+  startPass({.kind = PassKind::Scan, .deleteSpam = autoDelete_, .account = std::nullopt});
 }
 
-void MailController::scanAccount(int account) {
-  if (!checkingMail) processMail(false, true, account, false, false);
+void MailController::scan() {
+  startPass({.kind = PassKind::Scan, .deleteSpam = false, .account = std::nullopt});
 }
 
-void MailController::stopPass() {
-  if (getMail_) getMail_->session().cancelMail();
-  windows_.showPassRunning(false);
+void MailController::scanAndDelete() {
+  startPass({.kind = PassKind::Scan, .deleteSpam = true, .account = std::nullopt});
 }
 
-template <typename Start>
-void MailController::startOrStop(Start start) {
-  if (checkingMail) {
+void MailController::scanFrom(int account) {
+  startPass({.kind = PassKind::Scan, .deleteSpam = false, .account = account});
+}
+
+void MailController::scanAndDeleteFrom(int account) {
+  startPass({.kind = PassKind::Scan, .deleteSpam = true, .account = account});
+}
+
+void MailController::downloadOnly() {
+  startPass({.kind = PassKind::Download, .deleteSpam = false, .account = std::nullopt});
+}
+
+void MailController::downloadAndDelete() {
+  startPass({.kind = PassKind::Download, .deleteSpam = true, .account = std::nullopt});
+}
+
+void MailController::downloadFrom(int account) {
+  startPass({.kind = PassKind::Download, .deleteSpam = false, .account = account});
+}
+
+// The upload starts whether or not a pass could, and runs beside it.
+void MailController::downloadAndSend() {
+  downloadOnly();
+  sendOutbox();
+}
+
+void MailController::downloadDeleteAndSend() {
+  downloadAndDelete();
+  sendOutbox();
+}
+
+void MailController::downloadDeleteAndSendFrom(int account) {
+  startPass({.kind = PassKind::Download, .deleteSpam = true, .account = account});
+  sendOutbox();
+}
+
+void MailController::startOrStop(void (MailController::*command)()) {
+  if (passRunning_) {
     stopPass();
     return;
   }
-  start();
+  (this->*command)();
 }
 
-void MailController::toolbarScan() {
-  startOrStop([this] { processMail(false, false, 0, false, false); });
-}
+void MailController::toolbarScan() { startOrStop(&MailController::scan); }
 
-void MailController::toolbarScanAndDelete() {
-  startOrStop([this] { processMail(true, false, 0, false, false); });
-}
+void MailController::toolbarScanAndDelete() { startOrStop(&MailController::scanAndDelete); }
 
-void MailController::toolbarSendReceiveDelete() {
-  startOrStop([this] {
-    downloadMail(true);
-    uploadMail();
-  });
-}
+void MailController::toolbarSendReceive() { startOrStop(&MailController::downloadAndSend); }
 
-void MailController::toolbarSendReceive() {
-  startOrStop([this] {
-    downloadMail(false);
-    uploadMail();
-  });
-}
+void MailController::toolbarSendReceiveDelete() { startOrStop(&MailController::downloadDeleteAndSend); }
 
 void MailController::deleteAllFromAccount(int account) {
   const std::string server = ctx_.settings.get(accountKey("SERVER", account), Value("")).text();
   const std::string question = "You're about to erase all mail, good and bad, from server\r\n'" +
                                accountTitle(ctx_.settings, account) + "' (" + server +
                                ")\r\nAre you absolutely certain you want to do this?";
-  if (ctx_.prompt.ask(question, Buttons::YesNo, "Vonel") == Answer::Yes) processMail(false, true, account, false, true);
+  if (ctx_.prompt.ask(question, Buttons::YesNo, "Vonel") == Answer::Yes) {
+    startPass({.kind = PassKind::DeleteAll, .deleteSpam = false, .account = account});
+  }
 }
 
-void MailController::onKeyF2(bool ctrl) {
-  if (!checkingMail) processMail(ctrl, false, 0, true, false);
+void MailController::sendOutbox() {
+  if (outbox_) outbox_->start();
 }
 
-void MailController::onKeyF3() {
-  if (!checkingMail) uploadMail();
-}
-
-void MailController::onKeyF5(bool ctrl) {
-  if (!checkingMail) processMail(ctrl, false, 0, false, false);
-}
-
-void MailController::downloadAndSend() {
-  downloadMail(false);
-  uploadMail();
-}
-
-void MailController::downloadOnly() { downloadMail(false); }
-
-void MailController::downloadDeleteAndSend() {
-  downloadMail(true);
-  uploadMail();
-}
-
-void MailController::downloadDeleteAndSendFrom(int account) {
-  downloadFromAccount(true, account);
-  uploadMail();
-}
-
-void MailController::downloadAndDelete() { downloadMail(true); }
-
-void MailController::downloadFrom(int account) { downloadFromAccount(false, account); }
-
-void MailController::sendReceiveDelete() {
-  if (!checkingMail) downloadMail(true);
-  uploadMail();
-}
-
-void MailController::sendReceiveDeleteFrom(int account) {
-  if (!checkingMail) processMail(true, true, account, true, false);
-  uploadMail();
-}
-
-void MailController::scan() {
-  if (!checkingMail) processMail(false, false, 0, false, false);
-}
-
-void MailController::scanFrom(int account) {
-  if (!checkingMail) processMail(false, true, account, false, false);
-}
-
-void MailController::scanAndDelete() {
-  if (!checkingMail) processMail(true, false, 0, false, false);
-}
-
-void MailController::scanAndDeleteFrom(int account) {
-  if (!checkingMail) processMail(true, true, account, false, false);
+void MailController::sendOutboxIfIdle() {
+  if (!passRunning_) sendOutbox();
 }
 
 }  // namespace vonel

@@ -125,7 +125,7 @@ int runSpool(const Arguments& args, std::ostream& out, std::ostream& err) {
   NoNetwork link;
   FailureReport report(err);
   smtp::SmtpSession sender(context, link, report, 0);
-  sender.initialise(static_cast<std::int16_t>(std::max(0, firstAccount(context.settings))));
+  sender.initialise(static_cast<std::int16_t>(firstAccount(context.settings).value_or(0)));
   sender.setRecipient(options->to);
   sender.setCcRecipient(options->cc);
   sender.setBccRecipient(options->bcc);

@@ -92,19 +92,19 @@ class MailControllerTest : public QObject {
   void theFirstPassIsArmedFromTheTimer() {
     Home scan("REPLYADDRESS0,a@b\r\nSCANONSTART,TRUE\r\n");
     scan.controller->startup();
-    QVERIFY(scan.controller->autoScanTimer_.isActive());
-    QCOMPARE(scan.controller->autoScanTimer_.interval(), 200);
-    QVERIFY(!scan.controller->retrieveNext);
+    QVERIFY(scan.controller->autoScan().isActive());
+    QCOMPARE(scan.controller->autoScan().interval(), 200);
+    QCOMPARE(scan.controller->autoScan().nextPassKind(), PassKind::Scan);
 
     Home retrieve("REPLYADDRESS0,a@b\r\nRETRIEVEONSTART,-1\r\n");
     retrieve.controller->startup();
-    QVERIFY(retrieve.controller->autoScanTimer_.isActive());
-    QVERIFY(retrieve.controller->retrieveNext);
+    QVERIFY(retrieve.controller->autoScan().isActive());
+    QCOMPARE(retrieve.controller->autoScan().nextPassKind(), PassKind::Download);
 
     Home idle;
     idle.controller->startup();
-    QVERIFY(!idle.controller->autoScanTimer_.isActive());
-    QVERIFY(idle.controller->delayedStartTimer_.isActive());
+    QVERIFY(!idle.controller->autoScan().isActive());
+    QVERIFY(idle.controller->delayedStartPending());
   }
 
   void startMinimisedComparesTheTextWithOne() {
@@ -122,16 +122,16 @@ class MailControllerTest : public QObject {
     QVERIFY(titled.log().find("Displaying tray icon") != std::string::npos);
     Home none("AUDIO,1\r\n");
     none.controller->startup();
-    QVERIFY(none.controller->soundOn);
+    QVERIFY(none.controller->soundOn());
   }
 
   void aWindowLargerThanTheScreenIsMaximised() {
     Home home("REPLYADDRESS0,a@b\r\nMAINWIDTH,99999999\r\nMAINHEIGHT,99999999\r\n");
     home.controller->startup();
-    QCOMPARE(home.windows.geometry.state, 2);
+    QCOMPARE(home.windows.geometry.state, WindowState::Maximised);
     Home wide("REPLYADDRESS0,a@b\r\nMAINWIDTH,99999999\r\nMAINHEIGHT,5000\r\n");
     wide.controller->startup();
-    QCOMPARE(wide.windows.geometry.state, 0);
+    QCOMPARE(wide.windows.geometry.state, WindowState::Normal);
     QCOMPARE(wide.windows.geometry.heightTwips, 5000);
   }
 
@@ -156,24 +156,24 @@ class MailControllerTest : public QObject {
     Home home("REPLYADDRESS0,a@b\r\nSCANONSTART,TRUE\r\nDELAY,2\r\n");
     home.controller->startup();
     MailController& main = *home.controller;
-    main.stopMailTimer();
+    main.autoScan().stop();
     QCOMPARE(home.windows.timerStatus, std::string("Timer stopped"));
-    main.startMailTimer();
-    QCOMPARE(main.scanDelay, 2);
+    main.autoScan().restart();
+    QCOMPARE(main.autoScan().delay(), 2);
     QCOMPARE(home.windows.timerStatus, std::string("Next scan: 2"));
-    main.autoScanTimer_.setInterval(5);
+    main.autoScan().setInterval(5);
     QSignalSpy passes(&main, &MailController::passEnded);
     QVERIFY(passes.wait(2000));  // no account has a server: the pass ends at once
     QCOMPARE(passes.at(0).at(0).toString(), QString("Process complete"));
-    QVERIFY(main.autoScanTimer_.isActive());  // and the count starts again
-    QCOMPARE(main.scanTicks, 0);
+    QVERIFY(main.autoScan().isActive());  // and the count starts again
+    QCOMPARE(main.autoScan().ticks(), 0);
 
     Home off("REPLYADDRESS0,a@b\r\nSCANONSTART,TRUE\r\n");
     off.controller->startup();
-    off.controller->startMailTimer();
+    off.controller->autoScan().restart();
     QCOMPARE(off.windows.timerStatus, std::string("Auto scan Disabled"));
     QSignalSpy none(off.controller.get(), &MailController::passEnded);
-    off.controller->autoScanTimer_.setInterval(5);
+    off.controller->autoScan().setInterval(5);
     QVERIFY(!none.wait(100));
   }
 
@@ -195,11 +195,11 @@ class MailControllerTest : public QObject {
     elsewhere.fromAccount = 1;
     elsewhere.setToEmail("other@example.org");
     events.onHeaderReceived(elsewhere);
-    const message::MessageList& kept = home.controller->messages;
+    const message::MessageList& kept = home.controller->tally().messages;
     QVERIFY(kept.contains("<same@x>") && kept.contains("<same@x>1") && kept.contains("<same@x>11"));
     QVERIFY(kept.contains("3.28800.s@x"));  // row count, seconds since midnight, sender
-    QCOMPARE(home.controller->messagesListed, 5L);
-    QCOMPARE(home.controller->accountMessages[1], 1L);
+    QCOMPARE(home.controller->tally().listed, 5L);
+    QCOMPARE(home.controller->tally().byAccount[1], 1L);
     QCOMPARE(listed, 4L);
   }
 
@@ -269,9 +269,9 @@ class MailControllerTest : public QObject {
     QVERIFY(passes.wait(10000));
     QCOMPARE(passes.at(0).at(0).toString(), QString("Finished getting mail"));
     QVERIFY(home.prompt.lastQuestion.starts_with("Error while connecting to server:\r\n[10061] "));
-    QCOMPARE(home.controller->serverNames[0], std::string("127.0.0.1"));
-    QVERIFY(!home.controller->checkingMail);
-    QVERIFY(!home.controller->iconFlashTimer_.isActive());
+    QCOMPARE(home.controller->tally().serverNames[0], std::string("127.0.0.1"));
+    QVERIFY(!home.controller->passRunning());
+    QVERIFY(!home.controller->trayFlashing());
     QCOMPARE(home.windows.trayPicture, TrayPicture::LargeS);
     QCOMPARE(home.windows.trayTip, std::string("Vonel - Jo - 0 message(s)"));
     QCOMPARE(home.windows.statusText, std::string("Done"));
@@ -294,7 +294,7 @@ class MailControllerTest : public QObject {
     home.prompt.queue(Answer::Yes);
     home.controller->deleteAllFromAccount(3);
     QCOMPARE(passes.count(), 1);  // an account without a server ends its pass at once
-    QVERIFY(home.controller->clearMode);
+    QCOMPARE(home.controller->pass().kind, PassKind::DeleteAll);
     QCOMPARE(passes.at(0).at(0).toString(), QString("Finished getting mail"));
   }
 };

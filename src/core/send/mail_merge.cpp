@@ -66,7 +66,7 @@ message::Message mergedMessage(std::string text, const std::string& to, const Me
 }  // namespace
 
 MergeSender firstAccountSender(const SettingsStore& settings) {
-  const int account = std::max(firstAccount(settings), 0);
+  const int account = firstAccount(settings).value_or(0);
   return {account, settings.get(accountKey("REPLYADDRESS", account), Value("")).text()};
 }
 

@@ -66,11 +66,11 @@ std::string accountTitle(const SettingsStore& settings, int n) {
   return settings.get(accountKey("TITLE", n), Value("Account " + std::to_string(n + 1))).text();
 }
 
-int firstAccount(const SettingsStore& settings) {
+std::optional<int> firstAccount(const SettingsStore& settings) {
   for (int n = 0; n < kAccountCount; ++n) {
     if (!settings.get(accountKey("REPLYADDRESS", n), Value("")).text().empty()) return n;
   }
-  return -1;
+  return std::nullopt;
 }
 
 }  // namespace vonel

@@ -2,6 +2,7 @@
 // Up to twenty mail accounts, kept as numbered keys of the general settings
 // (SERVER0, TITLE12, ...). An account is in use when it has a reply address
 // and is polled when it has a POP3 server.
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -47,8 +48,8 @@ void writeAccount(SettingsStore& settings, const Account& account);
 // The name shown for an account: TITLE<n>, or "Account " + (n+1).
 std::string accountTitle(const SettingsStore& settings, int account);
 
-// The lowest account in use, or -1 when there is none.
-int firstAccount(const SettingsStore& settings);
+// The lowest account in use; none when no account has a reply address.
+std::optional<int> firstAccount(const SettingsStore& settings);
 
 // Asks for a password the file doesn't hold.
 class PasswordPrompt {

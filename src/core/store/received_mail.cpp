@@ -21,7 +21,8 @@ fs::path targetFolder(const AppContext& context, const message::Message& message
   return storeFolder(context.folders.messageFolderPath, message.destFolder);
 }
 
-// The inbox path is left as it was; only the root moves to the program's folder.
+// Only the store root moves to the program's folder: mail without a folder
+// of its own still goes to the inbox path.
 fs::path madeTargetFolder(AppContext& context, const message::Message& message) {
   fs::path folder = targetFolder(context, message);
   files::mkMissingDir(folder);

@@ -69,13 +69,13 @@ ScannerWindow::ScannerWindow() : list_(new QTreeWidget(this)) {
   auto* fileMenu = menuBar()->addMenu("&File");
   auto* exit = fileMenu->addAction("E&xit");
   exit->setObjectName("mnuExit");
-  connect(exit, &QAction::triggered, this, &ScannerWindow::exitProgram);
+  connect(exit, &QAction::triggered, this, &ScannerWindow::onExitTriggered);
   statusBar()->setObjectName("StatusBar1");
 }
 
 ScannerWindow::~ScannerWindow() = default;
 
-void ScannerWindow::exitProgram() {
+void ScannerWindow::onExitTriggered() {
   if (onExit && onExit()) QApplication::quit();
 }
 
@@ -172,11 +172,13 @@ WindowGeometry ScannerWindow::screenTwips() const {
   const QScreen* screen = this->screen() ? this->screen() : QGuiApplication::primaryScreen();
   if (!screen) return {};
   const QSize size = screen->availableGeometry().size();
-  return {size.width() * twipsPerPixel(), size.height() * twipsPerPixel(), 0};
+  return {size.width() * twipsPerPixel(), size.height() * twipsPerPixel()};
 }
 
 WindowGeometry ScannerWindow::geometryTwips() const {
-  const int state = isMaximized() ? 2 : isMinimized() ? 1 : 0;
+  const WindowState state = isMaximized()   ? WindowState::Maximised
+                            : isMinimized() ? WindowState::Minimised
+                                            : WindowState::Normal;
   return {width() * twipsPerPixel(), height() * twipsPerPixel(), state};
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 // The scanner window: the list of messages waiting on the servers, the status
-// bar and the tray icon. Start-up and shutdown reach it through MainWindowPort.
+// bar and the tray icon. The controller reaches it through AppWindows.
 #include <QMainWindow>
 #include <functional>
 #include <memory>
 
-#include "app/main_window_port.h"
+#include "app/app_windows.h"
 
 class QSplashScreen;
 class QSystemTrayIcon;
@@ -13,7 +13,7 @@ class QTreeWidget;
 
 namespace vonel {
 
-class ScannerWindow final : public QMainWindow, public MainWindowPort {
+class ScannerWindow final : public QMainWindow, public AppWindows {
   Q_OBJECT
 
  public:
@@ -54,7 +54,7 @@ class ScannerWindow final : public QMainWindow, public MainWindowPort {
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  void exitProgram();
+  void onExitTriggered();
   int twipsPerPixel() const;
 
   QTreeWidget* list_;

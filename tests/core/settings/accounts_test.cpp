@@ -37,7 +37,7 @@ TEST(Scramble, KeepsTheOldFormForPlainLettersAndReadsOldValues) {
 TEST(Accounts, FirstAccountIsTheLowestWithAReplyAddress) {
   testing::TestHome home;
   SettingsStore settings(home.log, home.prompt);
-  EXPECT_EQ(firstAccount(settings), -1);
+  EXPECT_EQ(firstAccount(settings), std::nullopt);
   settings.set("REPLYADDRESS3", Value("me@example.org"));
   EXPECT_EQ(firstAccount(settings), 3);
   settings.set("REPLYADDRESS12", Value("other@example.org"));

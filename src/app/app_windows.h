@@ -1,6 +1,6 @@
 #pragma once
-// What start-up and shutdown ask of the windows. The scanner window fills it;
-// a run without windows uses the quiet HeadlessWindows.
+// What the controller asks of the program's windows. The scanner window fills
+// it; a run without windows uses the quiet HeadlessWindows.
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -11,19 +11,23 @@
 
 namespace vonel {
 
-// Window sizes are kept in twips (1/1440 inch), as the settings always have.
+// The numbers are what MainWindowState holds in the settings file.
+enum class WindowState { Normal = 0, Minimised = 1, Maximised = 2 };
+
+// Sizes are in twips (1/1440 inch): MainWidth and MainHeight in the settings
+// file hold twips.
 struct WindowGeometry {
   int widthTwips = 0;
   int heightTwips = 0;
-  int state = 0;  // 0 normal, 1 minimised, 2 maximised
+  WindowState state = WindowState::Normal;
 };
 
 // The tray's three pictures: the letter S large or small, and the error.
 enum class TrayPicture { LargeS, SmallS, Error };
 
-class MainWindowPort {
+class AppWindows {
  public:
-  virtual ~MainWindowPort() = default;
+  virtual ~AppWindows() = default;
 
   virtual void showSplash() = 0;
   // Shows a start-up stage on the splash and lets the window repaint.

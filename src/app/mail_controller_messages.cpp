@@ -1,0 +1,73 @@
+// Whole messages from the server: those a download stores, and single ones
+// fetched to be read, viewed as source or saved.
+#include "app/mail_controller.h"
+
+#include <QProcess>
+#include <optional>
+
+#include "app/qtext.h"
+#include "core/files/files.h"
+#include "core/message/message_file.h"
+#include "core/store/received_mail.h"
+
+namespace vonel {
+
+// The message is only reported kept once its file is whole on disk, so a
+// failed store never lets the session delete it on the server.
+bool MailController::onMessageReceived(message::Message& message) {
+  std::optional<store::StoredMessage> stored;
+  guardedStep(ctx_.log, "fGetMail_MessageReceived", kLogModule,
+              [&] { stored = store::saveReceivedMessage(ctx_, message); });
+  if (!stored) return false;
+  if (!message.runThisFile.empty()) runRuleProgram(message, stored->file);
+  guardedStep(ctx_.log, "fGetMail_MessageReceived", kLogModule,
+              [&] { store::announceNewMessage(ctx_, *stored, message, windows_.openMailer()); });
+  windows_.messageStored(message, stored->file);
+  return true;
+}
+
+// Started directly, never through a shell, with the message file as its one argument.
+void MailController::runRuleProgram(const message::Message& message, const std::filesystem::path& file) {
+  const QString program = toQString(message.runThisFile);
+  const bool started = QProcess::startDetached(program, {QString::fromStdString(file.string())});
+  ctx_.log.addAction((started ? "Ran " : "Could not run ") + message.runThisFile + " for " +
+                         files::textFromPath(file) + ", as a rule asked",
+                     "fGetMail_MessageReceived", kLogModule);
+}
+
+void MailController::fetchSpecificMessage(FetchPurpose purpose, int account, int number) {
+  if (passRunning_ || !pop3_) return;
+  fetchPurpose_ = purpose;
+  pop3_->session().getSpecificMessage(account, number);
+}
+
+void MailController::onSpecificMessage(message::Message& message) {
+  const FetchPurpose purpose = fetchPurpose_;
+  fetchPurpose_ = FetchPurpose::None;
+  guardedStep(ctx_.log, "fGetMail_SpecificMessage", kLogModule, [&] {
+    switch (purpose) {
+      case FetchPurpose::ViewSource: {
+        windows_.setStatusText("Viewing source");
+        // Left for the viewer to read; removed at the next start.
+        const auto file =
+            message::getUnusedFilename(message.read, ctx_.folders.messageFolderPath, "temp", ".eml", ctx_.clock);
+        files::writeTextFile(file, message.messageText());
+        windows_.openFile(file);
+        break;
+      }
+      case FetchPurpose::Read:
+        windows_.setStatusText("Viewing email");
+        windows_.showMessage(message);
+        break;
+      case FetchPurpose::Download:
+        files::writeTextFile(message::getUnusedFilename(message.read, ctx_.folders.inboxFolderPath, "download",
+                                                        ".eml", ctx_.clock),
+                             message.messageText());
+        break;
+      case FetchPurpose::None:
+        break;
+    }
+  });
+}
+
+}  // namespace vonel

@@ -1,0 +1,169 @@
+// A pass over the servers: its start, one account after another, its end, and
+// what the POP3 session reports along the way.
+#include "app/mail_controller.h"
+
+#include "app/qtext.h"
+#include "app/status_line.h"
+#include "core/store/suppress_message.h"
+#include "core/text/strings.h"
+
+namespace vonel {
+
+void MailController::startPass(const PassRequest& request) {
+  if (passRunning_ || !pop3_) return;
+  pass_ = request;
+  windows_.showPassRunning(true);
+  autoScan_.stop();
+  tray_.start();
+  tally_.restart();
+  windows_.setupListView();
+  currentAccount_ = request.account.value_or(0);
+  lastAccount_ = request.account.value_or(kAccountCount - 1);
+  startAccount(request.account.has_value());
+}
+
+void MailController::stopPass() {
+  if (pop3_) pop3_->session().cancelMail();
+  windows_.showPassRunning(false);
+}
+
+void MailController::startAccount(bool evenIfUnchecked) {
+  guardedStep(ctx_.log, "CheckNextAccount", kLogModule, [&] {
+    const int account = *currentAccount_;
+    const std::string server = text::trim(ctx_.settings.get(accountKey("SERVER", account), Value("")).text());
+    if (server.empty()) {
+      onAccountFinished();
+      return;
+    }
+    passRunning_ = true;
+    tally_.serverNames[static_cast<std::size_t>(account)] = server;
+    auto& session = pop3_->session();
+    switch (pass_.kind) {
+      case PassKind::Download: session.getMessages(account, pass_.deleteSpam, evenIfUnchecked); break;
+      case PassKind::DeleteAll: session.deleteAllMail(account); break;
+      case PassKind::Scan: session.getHeaders(account, pass_.deleteSpam, evenIfUnchecked); break;
+    }
+  });
+}
+
+// Safe to run again after the pass has ended: a time-out reports more than once.
+void MailController::onAccountFinished() {
+  passRunning_ = false;
+  // A cancelled pass and a pass on one account before the last end here; one
+  // on the last account ends as a full pass does: the spam count saved, the
+  // chime, "Process complete".
+  if (!currentAccount_ || lastAccount_ < kAccountCount - 1) {
+    showPassIdle();
+    resumeAutoScan();
+    endPass("Finished getting mail");
+    return;
+  }
+  ctx_.settings.set("SpamCount", Value(totalSpamCount_));
+  if (++*currentAccount_ < kAccountCount) {
+    startAccount(false);
+    return;
+  }
+  currentAccount_.reset();
+  showPassIdle();
+  if (!firstAccount(ctx_.settings)) {
+    // The auto scan stays off until there is an account to scan.
+    if (ctx_.prompt.ask("You need to set up your email account(s). Would you like to open the settings screen?",
+                        Buttons::YesNo, "Vonel") == Answer::Yes) {
+      windows_.showSettings();
+    }
+    emit passEnded(QString());
+    return;
+  }
+  if (tally_.passedMail && soundOn_) windows_.playSound(ctx_.installFolder() / "ClockChime.wav");
+  resumeAutoScan();
+  endPass("Process complete");
+}
+
+void MailController::showPassIdle() {
+  windows_.setStatusText("Done");
+  tray_.stop();
+}
+
+void MailController::resumeAutoScan() {
+  autoScan_.restart();
+  windows_.showPassRunning(false);
+}
+
+void MailController::endPass(const std::string& text) {
+  windows_.showPassRunning(false);
+  emit passEnded(toQString(text));
+}
+
+void MailController::onAutoScanDue(PassKind kind) {
+  startPass({.kind = kind, .deleteSpam = autoDelete_, .account = std::nullopt});
+}
+
+void MailController::onHeaderReceived(message::Message& received) {
+  auto message = std::make_shared<message::Message>(received);
+  const bool goingAway = message->deleted && pass_.deleteSpam;
+  if (!goingAway) {
+    if (message->messageId.empty()) {
+      const text::DateTime now = ctx_.clock.now();
+      message->messageId = std::to_string(tally_.listed) + "." +
+                           std::to_string(now.hour * 3600 + now.minute * 60 + now.second) + "." + message->sender;
+    }
+    while (tally_.messages.contains(message->messageId)) message->messageId += "1";
+    tally_.messages.add(message, message->messageId);
+  }
+  ++tally_.listed;
+  if (message->fromAccount >= 0 && message->fromAccount < kAccountCount) ++tally_.byAccount[message->fromAccount];
+  if (!message->deleted && !message->ignored && message->bayes < ctx_.saveToSpamThreshold) tray_.countGoodMessage();
+  if (store::suppressMessage(*message, ctx_.settings) || goingAway) return;
+  if (!message->deleted && !message->ignored) tally_.passedMail = true;
+  windows_.addServerMessage(*message, tally_.listed, accountTitle(ctx_.settings, message->fromAccount));
+}
+
+void MailController::onDoingServer(const std::string& title) { windows_.addServerToLists(title); }
+
+void MailController::onNumberMessagesFound(const std::string& title, long count) {
+  windows_.setServerStatus(title, count == 0   ? std::string("No messages")
+                                  : count == 1 ? std::string("1 message")
+                                               : std::to_string(count) + " messages");
+}
+
+void MailController::onNoMail(const std::string& title) { windows_.setServerStatus(title, "No messages"); }
+
+void MailController::onProgress(const std::string& text) { windows_.setStatusText(text); }
+
+void MailController::onDeletedSpam(int count) { totalSpamCount_ += count; }
+
+void MailController::onPopError(const std::string& title, const std::string& text) {
+  const std::string shown = withoutLineEnds(text);
+  windows_.setStatusText(shown);
+  windows_.setServerStatus(title, shown);
+}
+
+void MailController::onCancelled(const std::string& title) {
+  windows_.setServerStatus(title, "Communications cancelled");
+  currentAccount_.reset();
+  onAccountFinished();
+}
+
+void MailController::onTimedOut(const std::string& title, int seconds) {
+  const std::string text = "Timed out after " + std::to_string(seconds) + " seconds.";
+  windows_.setStatusText(text);
+  windows_.setServerStatus(title, text);
+  onAccountFinished();
+}
+
+void MailController::onNoMailServer() { onAccountFinished(); }
+
+void MailController::onNoConnection() {
+  showPassIdle();
+  resumeAutoScan();
+  tray_.showError();
+  windows_.showTrayError("No internet connection");
+  windows_.setStatusText("No Internet Connection");
+}
+
+void MailController::onFinished(const std::string&, long) {
+  windows_.setStatusText("");
+  onAccountFinished();
+}
+
+}  // namespace vonel
