@@ -12,9 +12,6 @@
 
 namespace vonel {
 
-// A socket failure as the mail sessions name it; its number is what their
-// log lines and error boxes print.
-protocol::SocketError toSocketError(QAbstractSocket::SocketError error);
 
 class Pop3Connection final : public QObject, public protocol::Link {
   Q_OBJECT

@@ -1,6 +1,6 @@
 #include "app/smtp/smtp_connection.h"
 
-#include "app/pop3/pop3_connection.h"
+#include "app/socket_errors.h"
 #include "app/qtext.h"
 #include "core/message/send_date.h"
 
