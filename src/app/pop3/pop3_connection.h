@@ -1,6 +1,5 @@
 #pragma once
-// Drives a POP3 session from a real socket and a one-second timer, and turns
-// socket errors into the errors the sessions know.
+// Drives a POP3 session from a real socket and a one-second timer.
 #include <QObject>
 #include <QTcpSocket>
 #include <QTimer>
@@ -8,10 +7,8 @@
 
 #include "protocol/link.h"
 #include "protocol/pop3/pop3_session.h"
-#include "protocol/socket_error.h"
 
 namespace vonel {
-
 
 class Pop3Connection final : public QObject, public protocol::Link {
   Q_OBJECT
