@@ -15,7 +15,7 @@
 #include "core/bayes/bayes_filter.h"
 #include "core/bayes/tokeniser.h"
 #include "core/context/app_context.h"
-#include "core/files/files.h"
+#include "core/files/file_text.h"
 #include "core/text/strings.h"
 
 namespace {
@@ -142,7 +142,7 @@ int main(int argc, char** argv) {
   report("look-ups, half of them absent", kLookups, "look-ups", timed([&] {
            for (int i = 0; i < kLookups; ++i) {
              const auto& key = built.recString(1 + static_cast<std::int32_t>(static_cast<std::int64_t>(i) * 7919 % kRecords));
-             found += loaded.recIndex(i % 2 ? key : key + "x") > 0;
+             found += loaded.recIndex(i % 2 ? key : key + "x").has_value();
            }
          }));
   found = 0;

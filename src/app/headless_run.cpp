@@ -20,7 +20,6 @@
 #include "core/text/numbers.h"
 
 #include <QEventLoop>
-#include "core/files/files.h"
 
 namespace vonel {
 

@@ -9,7 +9,9 @@
 #include "core/store/received_mail.h"
 #include "core/store/suppress_message.h"
 #include "core/send/outbox.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/path_text.h"
 #include "core/settings/accounts.h"
 #include "core/text/strings.h"
 
@@ -84,7 +86,7 @@ StartupResult MailController::startup() {
     ctx_.folders.readFilterFolder();
     ctx_.folders.readDataFolder();
     for (const char* folder : {"AutoReply", "Sigs", "DB", "DB/Attachments"}) {
-      files::mkMissingDir(ctx_.folders.dataFolderPath / folder);
+      files::ensureFolder(ctx_.folders.dataFolderPath / folder);
     }
     ctx_.noCacheMode = ctx_.settings.get("NoCache", Value(false)).flag();
     guardedStep(log, "Startup", kModule, [&] { migrateOldSignature(); });

@@ -3,7 +3,7 @@
 #include "core/bayes/score_steps.h"
 #include "core/bayes/tokeniser.h"
 #include "core/message/address.h"
-#include "core/files/files.h"
+#include "core/files/any_case.h"
 #include "core/text/numbers.h"
 
 namespace vonel::bayes {
@@ -63,8 +63,8 @@ float BayesFilter::tokenMean(message::Message& message, bool headersOnly) {
   for (std::int32_t i = 1; i <= messageTable_.lastRecord; ++i) {
     const std::string& key = messageTable_.recString(i);
     if (key.empty()) continue;
-    const std::int32_t found = wordTable_.recIndex(key);
-    const float probability = found > 0 ? wordTable_.recValue(found) : kUnknownToken;
+    const std::optional<std::int32_t> found = wordTable_.recIndex(key);
+    const float probability = found ? wordTable_.recValue(*found) : kUnknownToken;
     messageTable_.changeValue(i, probability);
     tokens.push_back({key, probability});
   }
@@ -99,7 +99,7 @@ float BayesFilter::senderCorrected(const message::Message& message, float score)
 // Only entries put into the good table by other means answer: the tokeniser
 // never writes "SND*".
 bool BayesFilter::knownGoodSender(const std::string& address) const {
-  return goodTable_.findRec("SND*" + address).key != "-1";
+  return goodTable_.findRec("SND*" + address).has_value();
 }
 
 bool BayesFilter::isContact(const std::string& field) const {

@@ -6,7 +6,9 @@
 
 #include "core/bayes/tokeniser.h"
 #include "core/message/message_file.h"
-#include "core/files/files.h"
+#include "core/files/any_case.h"
+#include "core/files/file_info.h"
+#include "core/files/path_text.h"
 #include "core/store/folder_listing.h"
 #include "core/store/folder_lists.h"
 #include "core/text/numbers.h"
@@ -169,10 +171,10 @@ void BayesTrainer::generateWordHash(WordTable& good, WordTable& bad, int minimum
       const std::string& key = good.recString(i);
       const float goodCount = good.recValue(i);
       if (key.empty() || goodCount < static_cast<float>(minimum)) continue;
-      const WordRecord inBad = bad.findRec(key);
+      const std::optional<WordRecord> inBad = bad.findRec(key);
       float p = kGoodOnly;
-      if (inBad.index != 0) {
-        const double spamRate = inBad.Value / badTotal;
+      if (inBad) {
+        const double spamRate = inBad->value / badTotal;
         const double goodRate = goodCount / goodTotal;
         p = static_cast<float>(text::roundHalfEven(static_cast<float>(spamRate / (goodRate + spamRate)), 2));
       }
@@ -183,7 +185,7 @@ void BayesTrainer::generateWordHash(WordTable& good, WordTable& bad, int minimum
       const std::string& key = bad.recString(i);
       if (key.empty() || bad.recValue(i) < static_cast<float>(minimum)) continue;
       // A token known as good at all, even below the minimum, never counts as spam only.
-      if (good.findRec(key).index == 0) words.insertRecord(key, kSpamOnly);
+      if (!good.findRec(key)) words.insertRecord(key, kSpamOnly);
     }
     words.writeHashTable(filter_.wordTableFile(), ctx_.log);
     filter_.clearWordTable();
@@ -204,9 +206,9 @@ void BayesTrainer::updateFromUnread() {
   });
 }
 
-void BayesTrainer::swapStatus(const message::Message& message, bool junk) {
+void BayesTrainer::countMessage(const message::Message& message, Verdict verdict) {
   guardedStep(ctx_.log, "SwapStatus", kModule, [&] {
-    const CountTable target = junk ? bad() : good();
+    const CountTable target = verdict == Verdict::Junk ? bad() : good();
     ensureLoaded(target);
     WordTable tokens;
     tokens.initSmall();
@@ -214,7 +216,7 @@ void BayesTrainer::swapStatus(const message::Message& message, bool junk) {
     target.table.messageCount += 1;
     for (std::int32_t i = 1; i <= tokens.lastRecord; ++i) {
       const std::string& key = tokens.recString(i);
-      if (!key.empty()) target.table.alterValue(key, 1);
+      if (!key.empty()) target.table.addCount(key);
     }
   });
 }

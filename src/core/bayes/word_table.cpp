@@ -111,24 +111,25 @@ std::int32_t WordTable::findIndex(std::string_view key, std::int32_t first) cons
   return 0;
 }
 
-WordRecord WordTable::findRec(std::string_view key, std::int32_t first) const {
+std::optional<WordRecord> WordTable::findRec(std::string_view key, std::int32_t first) const {
   const std::int32_t index = findIndex(key, first);
-  if (index == 0) return WordRecord{"-1", kAbsent, 0};
+  if (index == 0) return std::nullopt;
   const auto at = static_cast<std::size_t>(index);
   return WordRecord{recKey_[at], records_[at].value, index};
 }
 
-std::int32_t WordTable::recIndex(std::string_view key) const {
+std::optional<std::int32_t> WordTable::recIndex(std::string_view key) const {
   const std::int32_t index = findIndex(key, 0);
-  return index == 0 ? -1 : index;
+  if (index == 0) return std::nullopt;
+  return index;
 }
 
-WordRecord WordTable::find(std::string_view key) {
+std::optional<WordRecord> WordTable::find(std::string_view key) {
   ensureInitialised();
   return findRec(key);
 }
 
-void WordTable::alterValue(std::string_view key, std::int16_t increment) {
+void WordTable::addCount(std::string_view key, std::int16_t increment) {
   ensureInitialised();
   const std::int32_t first = firstHash(key);
   const std::int32_t index = findIndex(key, first);

@@ -6,7 +6,10 @@
 #include <optional>
 
 #include "core/bayes/word_table.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
+#include "core/files/path_text.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 

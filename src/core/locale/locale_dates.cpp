@@ -17,7 +17,6 @@ LocaleDates::LocaleDates(const LocaleFacts& facts, Log& log, const Clock& clock)
     : clock_(clock) {
   commaThousandSeparator = facts.decimalMark == ",";
   for (std::size_t m = 0; m < 12; ++m) {
-    fullEnglishMonthNames[m] = text::englishMonthNames()[m];
     englishMonthNames[m] = text::upper(text::englishShortMonthNames()[m]);
     shortMonthNames[m] = text::upper(facts.shortMonthNames[m]);
     if (shortMonthNames[m] != englishMonthNames[m]) translateMonthNames = true;
@@ -55,16 +54,12 @@ void LocaleDates::readDateFormat(const std::string& probe) {
     }
   } else {
     sysDateYearField = 1;
-    if (year < month && month < day) {
+    // Year, day, month gets no picture: the format stays empty, and so does
+    // every short date ($TODAY$ in a template).
+    if (month < day) {
       dateFormatString = "YYYY/MM/DD";
       sysDateMonthField = 2;
       sysDateDayField = 3;
-    } else if (month < day) {
-      // Kept as it always was: this second test can't tell the two orders
-      // apart, and a probe that meets neither leaves the format empty.
-      dateFormatString = "YYYY/DD/MM";
-      sysDateMonthField = 3;
-      sysDateDayField = 2;
     }
   }
 
@@ -81,17 +76,8 @@ std::string LocaleDates::formatDate(const text::DateTime& date) const {
   return text::formatDate(date, fullDateFormatString);
 }
 
-std::string LocaleDates::formatDatePlusTime(const text::DateTime& date) const {
-  return text::formatDate(date, fullDateFormatString);
-}
-
 std::string LocaleDates::shortFormatDate(const text::DateTime& date) const {
   return text::formatDate(date, dateFormatString);
-}
-
-text::DateTime LocaleDates::removeSeconds(text::DateTime date) {
-  date.second = 0;
-  return date;
 }
 
 std::string LocaleDates::expandDateTokens(std::string_view input) const {

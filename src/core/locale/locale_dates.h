@@ -26,7 +26,6 @@ class LocaleDates {
   bool translateMonthNames = false;
   std::array<std::string, 12> shortMonthNames;
   std::array<std::string, 12> englishMonthNames;
-  std::array<std::string, 12> fullEnglishMonthNames;
   bool commaThousandSeparator = false;
   int sysDateYearField = 0;
   int sysDateMonthField = 0;
@@ -39,11 +38,7 @@ class LocaleDates {
   std::string dateSeparator;
 
   std::string formatDate(const text::DateTime& date) const;
-  // Uses the long format without the time, as it always has.
-  std::string formatDatePlusTime(const text::DateTime& date) const;
   std::string shortFormatDate(const text::DateTime& date) const;
-  const std::string& localDateFormat() const { return dateFormatString; }
-  static text::DateTime removeSeconds(text::DateTime date);
   std::string expandDateTokens(std::string_view text) const;
 
  private:

@@ -5,7 +5,8 @@
 
 #include "core/log/app_error.h"
 #include "core/message/transfer_encoding.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/path_text.h"
 #include "core/text/shared_text.h"
 #include "core/text/strings.h"
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "core/text/markup.h"
 #include "core/text/numbers.h"
 #include "core/text/shared_text.h"
 #include "core/text/strings.h"
@@ -63,36 +62,36 @@ std::string decodeHexPairs(std::string_view text) {
 std::string quotedPrintableDecode(std::string_view input) {
   if (input.find('=') == std::string_view::npos) return std::string(input);
   std::string text(input);
-  if (isCleanlySoftWrapped(text)) text::replaceWith(text, "=\r\n", "");
+  if (isCleanlySoftWrapped(text)) text::replaceAllInPlace(text, "=\r\n", "");
   if (text::find(text, "=0D")) {
-    text::replaceWith(text, "\r\n", "");
-    text::replaceWith(text, "=0D", "\r\n");
+    text::replaceAllInPlace(text, "\r\n", "");
+    text::replaceAllInPlace(text, "=0D", "\r\n");
   }
-  text::replaceWith(text, "=0A", "");
+  text::replaceAllInPlace(text, "=0A", "");
   if (text::find(text, "=2E")) {
     // The dot code is taken as a line end: people's paragraphs came through that way.
-    text::replaceWith(text, "\r\n", "");
-    text::replaceWith(text, "=2E", "\r\n");
+    text::replaceAllInPlace(text, "\r\n", "");
+    text::replaceAllInPlace(text, "=2E", "\r\n");
   }
   bool keptEquals = false;
   if (text::find(text, "=\r\n")) {
     if (text::findNoCase(text, "ebay")) {
       keptEquals = true;
-      text::replaceWith(text, "=\r\n", "");
-      text::replaceWith(text, "=3D", "\x01");
-      text::replaceWith(text, "=20\r\n", " ");
-      text::replaceWith(text, "=2E\r\n", " ");
-      text::replaceWith(text, "=09", "");
+      text::replaceAllInPlace(text, "=\r\n", "");
+      text::replaceAllInPlace(text, "=3D", "\x01");
+      text::replaceAllInPlace(text, "=20\r\n", " ");
+      text::replaceAllInPlace(text, "=2E\r\n", " ");
+      text::replaceAllInPlace(text, "=09", "");
     } else {
-      text::replaceWith(text, "=\r\n", "\r\n");
+      text::replaceAllInPlace(text, "=\r\n", "\r\n");
     }
   }
   if (text.empty()) return text;
   text = text::byteArrayToString(decodeHexPairs(text));
   if (keptEquals) {
-    text::replaceWith(text, "\x01", "=");
+    text::replaceAllInPlace(text, "\x01", "=");
   } else {
-    text::replaceWith(text, "=\r", "\r");
+    text::replaceAllInPlace(text, "=\r", "\r");
   }
   return text;
 }

@@ -1,7 +1,9 @@
 #include "core/rules/address_list.h"
 
 #include "core/message/address.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/text/strings.h"
 
 namespace vonel::rules {

@@ -4,7 +4,10 @@
 
 #include "core/log/app_error.h"
 #include "core/message/message_file.h"
-#include "core/files/files.h"
+#include "core/files/any_case.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_view.h"
 #include "core/store/cache_file.h"
 #include "core/store/folder_listing.h"
 #include "core/text/strings.h"

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 
-#include "core/files/files.h"
+#include "core/files/any_case.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/text/shared_text.h"
 #include "core/text/strings.h"
 
@@ -33,7 +36,8 @@ std::vector<std::string> listFolders(const fs::path& root) {
 
 std::vector<std::string> listStoreFolders(const fs::path& root) {
   auto paths = listFolders(root);
-  // The same order the old neighbour-exchange sort gave: ascending by byte.
+  // Ascending by byte, not by locale: both folder lists on disk and the
+  // folder tree built from them are in this order.
   std::sort(paths.begin(), paths.end());
   return paths;
 }
@@ -100,7 +104,7 @@ std::string makeNewFolder(Log& log, const DataFolders& folders, std::string_view
   if (name.empty()) return "Please enter a folder name";
   const fs::path parentFolder = storeFolder(folders.messageFolderPath, parent);
   if (files::findAnyCase(parentFolder, name)) return "There's already a folder called " + name + ".  Please try again.";
-  if (!files::mkMissingDir(parentFolder / name)) {
+  if (!files::ensureFolder(parentFolder / name)) {
     log.addAction("Can't make folder " + (parentFolder / name).string(), "MakeNewFolder", kModule);
     return "Can't make the folder " + (parentFolder / name).string() + ".";
   }

@@ -3,7 +3,8 @@
 #include <cmath>
 
 #include "core/message/message_file.h"
-#include "core/files/files.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/store/folder_cache.h"
 #include "core/store/folder_listing.h"
 #include "core/store/folder_lists.h"

@@ -11,7 +11,7 @@ namespace vonel::text {
 namespace {
 
 // Formats with %G at the given precision and then reshapes the C form into
-// the program's: mantissa without trailing zeros, two-digit exponent at least.
+// the files': mantissa without trailing zeros, two-digit exponent at least.
 std::string formatSignificant(double value, int digits, bool leadingBlank) {
   if (value == 0) return leadingBlank ? " 0" : "0";
   char buffer[64];

@@ -72,8 +72,7 @@ void removeNonAlphaNumeric(std::string& text) {
   text = trim(text);
 }
 
-bool contains(std::string_view text, std::string_view search) { return findNoCase(text, search) != 0; }
-
+bool containsNoCase(std::string_view text, std::string_view search) { return findNoCase(text, search) != 0; }
 
 bool stringsEqual(std::string_view a, std::string_view b) { return equalsNoCase(trimView(a), trimView(b)); }
 

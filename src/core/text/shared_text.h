@@ -30,7 +30,7 @@ void trimJunkFromStart(std::string& text);
 void removeNonAlphaNumeric(std::string& text);
 
 // Whether the text holds the search text, ignoring case.
-bool contains(std::string_view text, std::string_view search);
+bool containsNoCase(std::string_view text, std::string_view search);
 // Equal once both are trimmed, ignoring case.
 bool stringsEqual(std::string_view a, std::string_view b);
 

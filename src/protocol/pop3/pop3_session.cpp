@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "core/files/files.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/settings/scramble.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"

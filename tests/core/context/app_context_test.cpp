@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "../test_home.h"
-#include "core/files/files.h"
+#include "core/files/file_info.h"
 
 namespace vonel {
 namespace {

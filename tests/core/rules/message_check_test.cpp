@@ -142,13 +142,13 @@ TEST_F(MessageCheckTest, ConditionsReadTheirFieldsAndCompareIgnoringCase) {
       {"Attachment Filenames", "cnt", ".zip", true},
       {"Message Body", "cnt", "unsubscribe", true},
       {"Unknown:", "!cnt", "x", true},
-      {"Subject:", "mtch", "Cheap", false},       // an old comparison never makes a rule hold
+      {"Subject:", "mtch", "Cheap", false},       // an unknown comparison never makes a rule hold
   };
   for (const auto& c : cases) {
     filters.setRules({rule("r", c.field, c.comparison, c.wanted, "100")});
     EXPECT_EQ(checked(m).deleted, c.fires) << c.field << " " << c.comparison << " '" << c.wanted << "'";
   }
-  // An old comparison after one that held keeps it holding.
+  // An unknown comparison after one that held keeps it holding.
   FilterRule two = rule("two", "Subject:", "cnt", "cheap", "100");
   two.ruleCount = 2;
   two.setFields(2, "Subject:");

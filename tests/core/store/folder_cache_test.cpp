@@ -4,6 +4,7 @@
 
 #include <chrono>
 
+#include "core/files/file_info.h"
 #include "core/store/cache_file.h"
 #include "store_home.h"
 

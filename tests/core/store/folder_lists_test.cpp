@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/files/file_info.h"
 #include "store_home.h"
 
 namespace vonel::store {
