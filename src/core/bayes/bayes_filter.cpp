@@ -61,11 +61,11 @@ float BayesFilter::tokenMean(message::Message& message, bool headersOnly) {
 
   std::vector<TokenProbability> tokens;
   for (std::int32_t i = 1; i <= messageTable_.lastRecord; ++i) {
-    const std::string& key = messageTable_.recString(i);
+    const std::string& key = messageTable_.keyAt(i);
     if (key.empty()) continue;
-    const std::optional<std::int32_t> found = wordTable_.recIndex(key);
-    const float probability = found ? wordTable_.recValue(*found) : kUnknownToken;
-    messageTable_.changeValue(i, probability);
+    const std::optional<std::int32_t> found = wordTable_.indexOf(key);
+    const float probability = found ? wordTable_.valueAt(*found) : kUnknownToken;
+    messageTable_.setValueAt(i, probability);
     tokens.push_back({key, probability});
   }
 
@@ -74,7 +74,7 @@ float BayesFilter::tokenMean(message::Message& message, bool headersOnly) {
   if (n < wanted && wanted >= 1) {
     // By record number, as the table holds them: 1 to n.
     float sum = 0;
-    for (std::int32_t i = 1; i <= n; ++i) sum += messageTable_.recValue(i);
+    for (std::int32_t i = 1; i <= n; ++i) sum += messageTable_.valueAt(i);
     return sum != 0 ? sum / static_cast<float>(n) : kLowest;
   }
   sortByValue(tokens);
@@ -99,7 +99,7 @@ float BayesFilter::senderCorrected(const message::Message& message, float score)
 // Only entries put into the good table by other means answer: the tokeniser
 // never writes "SND*".
 bool BayesFilter::knownGoodSender(const std::string& address) const {
-  return goodTable_.findRec("SND*" + address).has_value();
+  return goodTable_.findRecord("SND*" + address).has_value();
 }
 
 bool BayesFilter::isContact(const std::string& field) const {

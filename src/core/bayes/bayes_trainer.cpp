@@ -168,10 +168,10 @@ void BayesTrainer::generateWordHash(WordTable& good, WordTable& bad, int minimum
     const double badTotal = bad.messageCount == 0 ? 1 : bad.messageCount;
     for (std::int32_t i = 1; i <= good.lastRecord; ++i) {
       if (i % kRecordsPerProgress == 0) progress_.status("Checking Good Words");
-      const std::string& key = good.recString(i);
-      const float goodCount = good.recValue(i);
+      const std::string& key = good.keyAt(i);
+      const float goodCount = good.valueAt(i);
       if (key.empty() || goodCount < static_cast<float>(minimum)) continue;
-      const std::optional<WordRecord> inBad = bad.findRec(key);
+      const std::optional<WordRecord> inBad = bad.findRecord(key);
       float p = kGoodOnly;
       if (inBad) {
         const double spamRate = inBad->value / badTotal;
@@ -182,10 +182,10 @@ void BayesTrainer::generateWordHash(WordTable& good, WordTable& bad, int minimum
     }
     for (std::int32_t i = 1; i <= bad.lastRecord; ++i) {
       if (i % kRecordsPerProgress == 0) progress_.status("Checking Spam Words");
-      const std::string& key = bad.recString(i);
-      if (key.empty() || bad.recValue(i) < static_cast<float>(minimum)) continue;
+      const std::string& key = bad.keyAt(i);
+      if (key.empty() || bad.valueAt(i) < static_cast<float>(minimum)) continue;
       // A token known as good at all, even below the minimum, never counts as spam only.
-      if (!good.findRec(key)) words.insertRecord(key, kSpamOnly);
+      if (!good.findRecord(key)) words.insertRecord(key, kSpamOnly);
     }
     words.writeHashTable(filter_.wordTableFile(), ctx_.log);
     filter_.clearWordTable();
@@ -215,7 +215,7 @@ void BayesTrainer::countMessage(const message::Message& message, Verdict verdict
     hashMessage(tokens, message, true);
     target.table.messageCount += 1;
     for (std::int32_t i = 1; i <= tokens.lastRecord; ++i) {
-      const std::string& key = tokens.recString(i);
+      const std::string& key = tokens.keyAt(i);
       if (!key.empty()) target.table.addCount(key);
     }
   });

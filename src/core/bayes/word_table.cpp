@@ -11,11 +11,11 @@
 namespace vonel::bayes {
 namespace {
 
-constexpr int kObjectErrorBase = 512;
+// The error number of a missing key, as the log prints it.
+constexpr int kKeyNotFound = 513;
 
-[[noreturn]] void raise(int code, std::string_view source) {
-  const char* text = code == 1 ? "Key not found" : "Duplicate key";
-  throw AppError(kObjectErrorBase + code, std::string(text) + ": " + std::string(source) + " ");
+[[noreturn]] void raiseKeyNotFound(std::string_view source) {
+  throw AppError(kKeyNotFound, "Key not found: " + std::string(source) + " ");
 }
 
 template <typename T>
@@ -58,11 +58,11 @@ std::size_t WordTable::checkedIndex(std::int32_t index) const {
   return static_cast<std::size_t>(index);
 }
 
-const std::string& WordTable::recString(std::int32_t index) const { return recKey_[checkedIndex(index)]; }
+const std::string& WordTable::keyAt(std::int32_t index) const { return recKey_[checkedIndex(index)]; }
 
-float WordTable::recValue(std::int32_t index) const { return records_[checkedIndex(index)].value; }
+float WordTable::valueAt(std::int32_t index) const { return records_[checkedIndex(index)].value; }
 
-void WordTable::changeValue(std::int32_t index, float value) { records_[checkedIndex(index)].value = value; }
+void WordTable::setValueAt(std::int32_t index, float value) { records_[checkedIndex(index)].value = value; }
 
 std::int32_t WordTable::firstHash(std::string_view key) const { return stringHash(key, tableSize_); }
 
@@ -111,14 +111,14 @@ std::int32_t WordTable::findIndex(std::string_view key, std::int32_t first) cons
   return 0;
 }
 
-std::optional<WordRecord> WordTable::findRec(std::string_view key, std::int32_t first) const {
+std::optional<WordRecord> WordTable::findRecord(std::string_view key, std::int32_t first) const {
   const std::int32_t index = findIndex(key, first);
   if (index == 0) return std::nullopt;
   const auto at = static_cast<std::size_t>(index);
   return WordRecord{recKey_[at], records_[at].value, index};
 }
 
-std::optional<std::int32_t> WordTable::recIndex(std::string_view key) const {
+std::optional<std::int32_t> WordTable::indexOf(std::string_view key) const {
   const std::int32_t index = findIndex(key, 0);
   if (index == 0) return std::nullopt;
   return index;
@@ -126,7 +126,7 @@ std::optional<std::int32_t> WordTable::recIndex(std::string_view key) const {
 
 std::optional<WordRecord> WordTable::find(std::string_view key) {
   ensureInitialised();
-  return findRec(key);
+  return findRecord(key);
 }
 
 void WordTable::addCount(std::string_view key, std::int16_t increment) {
@@ -147,12 +147,12 @@ void WordTable::addCount(std::string_view key, std::int16_t increment) {
 
 void WordTable::removeByHash(std::int32_t first) {
   constexpr std::string_view kSource = "CHash.Delete";
-  if (!initialised_ || first < 0 || first >= tableSize_) raise(1, kSource);
+  if (!initialised_ || first < 0 || first >= tableSize_) raiseKeyNotFound(kSource);
   std::int32_t* link = &buckets_[static_cast<std::size_t>(bucketOf(first))];
   while (*link != 0 && records_[static_cast<std::size_t>(*link)].first != first) {
     link = &records_[static_cast<std::size_t>(*link)].next;
   }
-  if (*link == 0) raise(1, kSource);
+  if (*link == 0) raiseKeyNotFound(kSource);
   const std::int32_t index = *link;
   const auto at = static_cast<std::size_t>(index);
   *link = records_[at].next;

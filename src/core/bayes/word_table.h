@@ -39,9 +39,9 @@ class WordTable {
   bool initialised() const { return initialised_; }
 
   // By record index, 1 to maxRecords; AppError 9 outside.
-  const std::string& recString(std::int32_t index) const;
-  float recValue(std::int32_t index) const;
-  void changeValue(std::int32_t index, float value);
+  const std::string& keyAt(std::int32_t index) const;
+  float valueAt(std::int32_t index) const;
+  void setValueAt(std::int32_t index, float value);
 
   // Adds a record without looking for the key: a repeated key gives a second
   // record, found before the first.
@@ -55,8 +55,8 @@ class WordTable {
   void removeByHash(std::int32_t first);
   void remove(std::string_view key);
   // `first` 0: computed from the key.
-  std::optional<WordRecord> findRec(std::string_view key, std::int32_t first = 0) const;
-  std::optional<std::int32_t> recIndex(std::string_view key) const;
+  std::optional<WordRecord> findRecord(std::string_view key, std::int32_t first = 0) const;
+  std::optional<std::int32_t> indexOf(std::string_view key) const;
 
   // The file form: "Count, String", the message count, then one
   // "value, key" line per used record, each line ending CR LF.

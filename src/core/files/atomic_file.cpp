@@ -25,8 +25,8 @@ fs::path temporarySibling(const fs::path& file) {
 #else
   const int pid = static_cast<int>(getpid());
 #endif
-  return file.parent_path() /
-         ("." + file.filename().string() + ".tmp" + std::to_string(pid) + "-" + std::to_string(++counter));
+  const std::string name = file.filename().string();
+  return file.parent_path() / ("." + name + ".tmp" + std::to_string(pid) + "-" + std::to_string(++counter));
 }
 
 #ifndef _WIN32

@@ -27,11 +27,11 @@ class LocaleDates {
   std::array<std::string, 12> shortMonthNames;
   std::array<std::string, 12> englishMonthNames;
   bool commaThousandSeparator = false;
-  int sysDateYearField = 0;
-  int sysDateMonthField = 0;
-  int sysDateDayField = 0;
-  std::string trueStr;
-  std::string falseStr;
+  int yearField = 0;
+  int monthField = 0;
+  int dayField = 0;
+  std::string trueWord;
+  std::string falseWord;
   std::string dateFormatString;
   std::string fullDateFormatString;
   std::string fullDateFormatPlusTimeString;

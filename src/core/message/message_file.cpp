@@ -75,8 +75,9 @@ void saveMessage(const Message& message, Log& log) {
 
 fs::path getUnusedFilename(bool read, const fs::path& folder, std::string_view base, std::string_view extension,
                            const Clock& clock) {
-  std::string ext(extension);
-  if (!ext.empty() && ext.front() != '.') ext.insert(0, ".");
+  std::string ext;
+  if (!extension.empty() && extension.front() != '.') ext = '.';
+  ext += extension;
   std::string name(base);
   // A subject ending in a bracket loses it, and so does a name with a time stamp.
   if (const std::size_t bracket = name.rfind('('); bracket != std::string::npos) name.resize(bracket);

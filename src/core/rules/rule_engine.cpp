@@ -99,7 +99,7 @@ void RuleEngine::blockSender(std::string_view address) {
   lists().senders.add(std::string(address));
 }
 
-void RuleEngine::blockRecip(std::string_view address) {
+void RuleEngine::blockRecipient(std::string_view address) {
   if (text::trimView(address).empty()) return;
   lists().recipients.add(std::string(address));
 }
@@ -151,7 +151,7 @@ RuleEngine::Outcome RuleEngine::checkLists(message::Message& m, const std::strin
   };
   if (blockedSender(senderAddress)) return block("Sender Blocked", true);
   if (blockedDomain(senderAddress)) return block("Domain Blocked", true);
-  if (blockedRecipDomain(recipientAddress)) return block("Recip Domain Blocked", false);
+  if (blockedRecipientDomain(recipientAddress)) return block("Recip Domain Blocked", false);
   if (blockedRecipient(recipientAddress)) return block(recipientAddress + " Blocked", false);
   return Outcome::GoOn;
 }

@@ -44,8 +44,8 @@ void DataFolders::readFilterFolder() {
 
 void DataFolders::readDataFolder() {
   dataFolderPath = readFolderKey("DataFolder", installFolder_);
-  folderNamesIni = dataFolderPath / "foldernames.ini";
-  folderListIni = dataFolderPath / "folderlist.ini";
+  folderNamesFile = dataFolderPath / "foldernames.ini";
+  folderListFile = dataFolderPath / "folderlist.ini";
   makeFolder(dataFolderPath);
 }
 

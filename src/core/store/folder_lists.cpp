@@ -60,33 +60,33 @@ std::string folderNamesText(const std::vector<std::string>& paths) {
 
 }  // namespace
 
-void generateFolderIni(Log& log, const DataFolders& folders) {
+void writeFolderLists(Log& log, const DataFolders& folders) {
   guardedStep(log, "GenerateFolderIni", kModule, [&] {
     const auto paths = listStoreFolders(folders.messageFolderPath);
     std::string list;
     for (const std::string& path : paths) list += path + "\r\n";
-    files::writeTextFile(folders.folderNamesIni, folderNamesText(paths));
-    files::writeTextFile(folders.folderListIni, list);
+    files::writeTextFile(folders.folderNamesFile, folderNamesText(paths));
+    files::writeTextFile(folders.folderListFile, list);
   });
 }
 
-std::vector<std::string> fillMailFolders(Log& log, const DataFolders& folders) {
+std::vector<std::string> listedMailFolders(Log& log, const DataFolders& folders) {
   std::vector<std::string> result;
   guardedStep(log, "FillMailFolders", kModule, [&] {
-    if (!files::fileExists(folders.folderListIni)) generateFolderIni(log, folders);
-    for (std::string& line : text::split(files::loadTextFile(folders.folderListIni), "\r\n")) {
+    if (!files::fileExists(folders.folderListFile)) writeFolderLists(log, folders);
+    for (std::string& line : text::split(files::loadTextFile(folders.folderListFile), "\r\n")) {
       if (!text::trim(line).empty()) result.push_back(std::move(line));
     }
   });
   return result;
 }
 
-FolderChoices fillFolderCombo(Log& log, const DataFolders& folders) {
+FolderChoices folderChoices(Log& log, const DataFolders& folders) {
   FolderChoices choices;
-  for (const std::string& folder : fillMailFolders(log, folders)) {
+  for (const std::string& folder : listedMailFolders(log, folders)) {
     if (folder == "Outbox\\") continue;
     choices.items.push_back("\\" + folder);
-    if (choices.items.back() == "\\Inbox\\") choices.selected = static_cast<int>(choices.items.size()) - 1;
+    if (choices.items.back() == "\\Inbox\\") choices.selected = choices.items.size() - 1;
   }
   return choices;
 }

@@ -38,8 +38,6 @@ std::string trimBlanksAndNulls(std::string_view text) {
   return std::string(text.substr(first, last - first + 1));
 }
 
-std::string byteArrayToString(std::string_view bytes) { return trimBlanksAndNulls(bytes); }
-
 std::size_t wordCount(std::string_view text) {
   std::size_t words = 0;
   bool inWord = false;

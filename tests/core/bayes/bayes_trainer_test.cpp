@@ -39,7 +39,7 @@ class TrainingTest : public ::testing::Test {
     table.initSmall();
     hashMessage(table, m, false);
     std::vector<std::string> keys;
-    for (std::int32_t i = 1; i <= table.lastRecord; ++i) keys.push_back(table.recString(i));
+    for (std::int32_t i = 1; i <= table.lastRecord; ++i) keys.push_back(table.keyAt(i));
     return keys;
   }
 
@@ -54,17 +54,17 @@ TEST_F(TrainingTest, WordProbabilitiesAreTheShareOfTheSpamRate) {
   WordTable bad = counts({{"EVEN", 5}, {"SPAMONLY", 2}, {"RAREGOOD", 9}, {"MOSTLYGOOD", 1}, {"ONCE", 1}}, 10);
   training.generateWordHash(good, bad, 2);
   WordTable words = writtenWords();
-  EXPECT_FLOAT_EQ(words.findRec("EVEN").value().value, 0.5f);
-  EXPECT_FLOAT_EQ(words.findRec("GOODONLY").value().value, 0.01f);
-  EXPECT_FLOAT_EQ(words.findRec("SPAMONLY").value().value, 0.99f);
-  EXPECT_FLOAT_EQ(words.findRec("MOSTLYGOOD").value().value, 0.1f);  // 0.1 / (0.9 + 0.1)
-  EXPECT_FALSE(words.findRec("RAREGOOD"));  // under the minimum as good, known as good as spam
-  EXPECT_FALSE(words.findRec("ONCE"));
+  EXPECT_FLOAT_EQ(words.findRecord("EVEN").value().value, 0.5f);
+  EXPECT_FLOAT_EQ(words.findRecord("GOODONLY").value().value, 0.01f);
+  EXPECT_FLOAT_EQ(words.findRecord("SPAMONLY").value().value, 0.99f);
+  EXPECT_FLOAT_EQ(words.findRecord("MOSTLYGOOD").value().value, 0.1f);  // 0.1 / (0.9 + 0.1)
+  EXPECT_FALSE(words.findRecord("RAREGOOD"));  // under the minimum as good, known as good as spam
+  EXPECT_FALSE(words.findRecord("ONCE"));
 
   // With no good mail at all every spam token at the minimum is spam only.
   WordTable none;
   training.generateWordHash(none, bad, 2);
-  EXPECT_FLOAT_EQ(writtenWords().findRec("EVEN").value().value, 0.99f);
+  EXPECT_FLOAT_EQ(writtenWords().findRecord("EVEN").value().value, 0.99f);
 }
 
 TEST_F(TrainingTest, FullTrainingCountsEveryFileAndWritesThreeTables) {
@@ -82,7 +82,7 @@ TEST_F(TrainingTest, FullTrainingCountsEveryFileAndWritesThreeTables) {
   EXPECT_TRUE(files::fileExists(training.badTableFile()));
   const WordTable words = writtenWords();
   for (const std::string& token : tokensOf(spamText)) {
-    EXPECT_FLOAT_EQ(words.findRec(token).value().value, 0.99f) << token;
+    EXPECT_FLOAT_EQ(words.findRecord(token).value().value, 0.99f) << token;
   }
 
   // The next score reads the new table.
@@ -101,13 +101,13 @@ TEST_F(TrainingTest, MarkingCountsEachTokenOnceAMessageAndNeverSubtracts) {
   training.countMessage(m, Verdict::Good);
   EXPECT_EQ(training.badTable().messageCount, 2);
   EXPECT_EQ(training.goodTable().messageCount, 1);
-  const std::string token = training.badTable().recString(1);
-  EXPECT_FLOAT_EQ(training.badTable().findRec(token).value().value, 2.0f);
-  EXPECT_FLOAT_EQ(training.goodTable().findRec(token).value().value, 1.0f);
+  const std::string token = training.badTable().keyAt(1);
+  EXPECT_FLOAT_EQ(training.badTable().findRecord(token).value().value, 2.0f);
+  EXPECT_FLOAT_EQ(training.goodTable().findRecord(token).value().value, 1.0f);
 
   home.context.spamWordMinimum = 1;
   training.recreateWordHash();
-  EXPECT_FLOAT_EQ(writtenWords().findRec(token).value().value, 0.5f);  // in every message of both sides
+  EXPECT_FLOAT_EQ(writtenWords().findRecord(token).value().value, 0.5f);  // in every message of both sides
   WordTable reread;
   reread.loadTable(training.badTableFile(), home.context.log);
   EXPECT_EQ(reread.messageCount, 2);

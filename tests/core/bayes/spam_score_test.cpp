@@ -30,7 +30,7 @@ class SpamScore : public ::testing::Test {
     tokens.initSmall();
     hashMessage(tokens, message, true);
     WordTable words;
-    for (std::int32_t i = 1; i <= tokens.lastRecord; ++i) words.insertRecord(tokens.recString(i), probability);
+    for (std::int32_t i = 1; i <= tokens.lastRecord; ++i) words.insertRecord(tokens.keyAt(i), probability);
     ASSERT_TRUE(words.writeHashTable(home.dir.path() / "HashTable.dat", home.log));
   }
   void writeFile(const std::string& name, const std::string& bytes) {

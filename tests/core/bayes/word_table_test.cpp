@@ -31,7 +31,7 @@ TEST(HashTableCounts, NewKeyStartsAtOneWhateverTheIncrement) {
   table.addCount("SUB*free", 1);
   table.addCount("SUB*free");
   EXPECT_EQ(table.find("SUB*free").value().value, 3);
-  EXPECT_FALSE(table.recIndex("SUB*FREE")) << "keys compare with case";
+  EXPECT_FALSE(table.indexOf("SUB*FREE")) << "keys compare with case";
   table.addCount("SUB*free", 0);
   EXPECT_EQ(table.find("SUB*free").value().value, 1) << "increment 0 resets";
   table.addCount("SUB*free");
@@ -41,7 +41,7 @@ TEST(HashTableCounts, NewKeyStartsAtOneWhateverTheIncrement) {
 
 TEST(HashTableSearch, AbsenceFindsNothing) {
   WordTable table;
-  EXPECT_FALSE(table.recIndex("x")) << "an unused table has nothing";
+  EXPECT_FALSE(table.indexOf("x")) << "an unused table has nothing";
   EXPECT_EQ(table.maxRecords, 0);
   EXPECT_FALSE(table.find("x"));
   EXPECT_EQ(table.maxRecords, 50000) << "first use sets up a standard table";
@@ -57,9 +57,9 @@ TEST(HashTableSearch, RepeatedInsertIsFoundNewestFirst) {
   table.remove("k");
   EXPECT_EQ(table.find("k").value().value, 0.2f);
   EXPECT_EQ(table.lastRecord, 2) << "deleting never lowers LastRecord";
-  EXPECT_EQ(table.recString(2), "");
+  EXPECT_EQ(table.keyAt(2), "");
   table.insertRecord("m", 1);
-  EXPECT_EQ(table.recIndex("m"), 2) << "the freed index is used again";
+  EXPECT_EQ(table.indexOf("m"), 2) << "the freed index is used again";
 }
 
 TEST(HashTableSearch, DeletingWhatIsNotThereRaisesKeyNotFound) {
@@ -72,8 +72,8 @@ TEST(HashTableSearch, DeletingWhatIsNotThereRaisesKeyNotFound) {
     EXPECT_EQ(e.number(), 513);
     EXPECT_EQ(e.description(), "Key not found: CHash.Delete ");
   }
-  EXPECT_THROW(table.recValue(501), AppError);
-  EXPECT_THROW(table.recValue(0), AppError);
+  EXPECT_THROW(table.valueAt(501), AppError);
+  EXPECT_THROW(table.valueAt(0), AppError);
 }
 
 TEST(HashTableGrowth, GrowsByHalfWithHalvesToEven) {
@@ -87,10 +87,10 @@ TEST(HashTableGrowth, GrowsByHalfWithHalvesToEven) {
   for (int i = 1; i <= 501; ++i) table.addCount("key" + std::to_string(i));
   EXPECT_EQ(table.maxRecords, 750);
   EXPECT_EQ(table.lastRecord, 501);
-  for (int i = 1; i <= 501; ++i) ASSERT_EQ(table.recIndex("key" + std::to_string(i)), i);
+  for (int i = 1; i <= 501; ++i) ASSERT_EQ(table.indexOf("key" + std::to_string(i)), i);
   for (int i = 502; i <= 751; ++i) table.addCount("key" + std::to_string(i));
   EXPECT_EQ(table.maxRecords, 1125);
-  EXPECT_EQ(table.recIndex("key751"), 751);
+  EXPECT_EQ(table.indexOf("key751"), 751);
 }
 
 TEST(HashTableFile, WritesPrintFormLinesInIndexOrder) {
@@ -119,7 +119,7 @@ TEST(HashTableFile, RoundTripTrimsKeysButKeepsCommas) {
   loaded.loadTable(inHome(home, "HashGood.dat"), home.log);
   EXPECT_EQ(loaded.messageCount, 7);
   EXPECT_EQ(loaded.find("a,b, c").value().value, 0.25f);
-  EXPECT_FALSE(loaded.recIndex(" lead"));
+  EXPECT_FALSE(loaded.indexOf(" lead"));
   EXPECT_EQ(loaded.find("lead").value().value, 2);
   EXPECT_EQ(loaded.maxRecords, 2 * (4 + 1000)) << "sized by the lines of its file";
   EXPECT_NE(home.log.currentAction().find("Hashtable loaded "), std::string::npos);
