@@ -136,7 +136,7 @@ int zoneMinutes(std::string_view zone) {
 std::string zoneTextOfBias(int biasMinutes) {
   const int hours = -biasMinutes / 60;
   const int minutes = std::abs(biasMinutes) % 60;
-  char text[16];
+  char text[32];
   std::snprintf(text, sizeof text, "%c%02d%02d", hours < 0 ? '-' : '+', std::abs(hours), minutes);
   return text;
 }
