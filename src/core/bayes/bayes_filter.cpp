@@ -41,10 +41,10 @@ void BayesFilter::score(message::Message& message, bool headersOnly, float& scor
     message.filterReason = "Subject contains " + *word;
     return;
   }
-  messageTable_.hashClear();
+  messageTable_.clear();
   messageTable_.initSmall();
   if (!wordTableLoaded_) loadWordHash();
-  if (wordTable_.maxRecords == 0) {
+  if (!wordTable_.initialised()) {
     score = kLowest;
     return;
   }

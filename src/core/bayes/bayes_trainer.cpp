@@ -88,7 +88,7 @@ BayesTrainer::CountTable BayesTrainer::bad() { return {badTable_, badLoaded_, ba
 void BayesTrainer::ensureLoaded(const CountTable& side) {
   if (side.loaded) return;
   progress_.status(side.loadingText);
-  side.table.hashClear();
+  side.table.clear();
   side.table.initHuge();
   side.table.loadTable(side.file, ctx_.log);
   side.loaded = true;
@@ -96,7 +96,7 @@ void BayesTrainer::ensureLoaded(const CountTable& side) {
 
 void BayesTrainer::rebuildFromFolder(const CountTable& side, std::string_view title, const fs::path& folder,
                                     bool subfolders) {
-  side.table.clearArrays();
+  side.table.clear();
   side.table.initHuge();
   generateTable(title, folder, false, subfolders, side.table);
   side.table.writeHashTable(side.file, ctx_.log);

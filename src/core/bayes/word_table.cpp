@@ -31,24 +31,20 @@ void WordTable::init(std::int32_t buckets, std::int32_t records) {
   maxRecords = std::max(records, 1);
   lastRecord = 0;
   records_.assign(static_cast<std::size_t>(maxRecords) + 1, Record{});
-  recKey_.assign(static_cast<std::size_t>(maxRecords) + 1, std::string());
+  keys_.assign(static_cast<std::size_t>(maxRecords) + 1, std::string());
   nodes_.init(maxRecords, kGrowth);
   initialised_ = true;
 }
 
-void WordTable::clearArrays() {
+void WordTable::clear() {
+  initialised_ = false;
   records_.clear();
-  recKey_.clear();
+  keys_.clear();
   buckets_.clear();
   nodes_.clear();
   tableSize_ = 0;
   maxRecords = 0;
   lastRecord = 0;
-}
-
-void WordTable::hashClear() {
-  initialised_ = false;
-  clearArrays();
 }
 
 std::size_t WordTable::checkedIndex(std::int32_t index) const {
@@ -58,7 +54,7 @@ std::size_t WordTable::checkedIndex(std::int32_t index) const {
   return static_cast<std::size_t>(index);
 }
 
-const std::string& WordTable::keyAt(std::int32_t index) const { return recKey_[checkedIndex(index)]; }
+const std::string& WordTable::keyAt(std::int32_t index) const { return keys_[checkedIndex(index)]; }
 
 float WordTable::valueAt(std::int32_t index) const { return records_[checkedIndex(index)].value; }
 
@@ -79,7 +75,7 @@ void WordTable::ensureInitialised() {
 
 void WordTable::growTo(std::int32_t bound) {
   resizeRecords(records_, bound);
-  resizeRecords(recKey_, bound);
+  resizeRecords(keys_, bound);
   maxRecords = bound;
 }
 
@@ -90,7 +86,7 @@ std::int32_t WordTable::addRecord(std::string_view key, std::int32_t first, floa
   const auto i = static_cast<std::size_t>(index);
   records_[i] = Record{head, first, value};
   head = index;
-  recKey_[i].assign(key);
+  keys_[i].assign(key);
   lastRecord = std::max(lastRecord, index);
   return index;
 }
@@ -106,7 +102,7 @@ std::int32_t WordTable::findIndex(std::string_view key, std::int32_t first) cons
   for (std::int32_t i = buckets_[static_cast<std::size_t>(bucketOf(first))]; i != 0;
        i = records_[static_cast<std::size_t>(i)].next) {
     const auto at = static_cast<std::size_t>(i);
-    if (records_[at].first == first && recKey_[at] == key) return i;
+    if (records_[at].first == first && keys_[at] == key) return i;
   }
   return 0;
 }
@@ -115,7 +111,7 @@ std::optional<WordRecord> WordTable::findRecord(std::string_view key, std::int32
   const std::int32_t index = findIndex(key, first);
   if (index == 0) return std::nullopt;
   const auto at = static_cast<std::size_t>(index);
-  return WordRecord{recKey_[at], records_[at].value, index};
+  return WordRecord{keys_[at], records_[at].value, index};
 }
 
 std::optional<std::int32_t> WordTable::indexOf(std::string_view key) const {
@@ -157,7 +153,7 @@ void WordTable::removeByHash(std::int32_t first) {
   const auto at = static_cast<std::size_t>(index);
   *link = records_[at].next;
   nodes_.free(index);
-  recKey_[at].clear();
+  keys_[at].clear();
   records_[at].value = 0;
 }
 

@@ -25,17 +25,16 @@ class WordTable {
  public:
   static constexpr float kGrowth = 1.5f;
 
-  std::int32_t maxRecords = 0;  // 0: never set up
+  std::int32_t maxRecords = 0;  // the capacity; 0 until the table is set up
   std::int32_t lastRecord = 0;  // highest index ever used; deleting never lowers it
   std::int32_t messageCount = 0;
 
   void init(std::int32_t buckets, std::int32_t records);
   void initSmall() { init(50, 500); }
   void initStandard() { init(20000, 50000); }
-  void initBig() { init(50000, 100000); }
   void initHuge() { init(85000, 350000); }
-  void clearArrays();
-  void hashClear();
+  // Empties the table; the next use sets it up afresh. The message count stays.
+  void clear();
   bool initialised() const { return initialised_; }
 
   // By record index, 1 to maxRecords; AppError 9 outside.
@@ -87,7 +86,7 @@ class WordTable {
 
   RecordFreeList nodes_;
   std::vector<Record> records_;
-  std::vector<std::string> recKey_;
+  std::vector<std::string> keys_;
   std::vector<std::int32_t> buckets_;
   std::int32_t tableSize_ = 0;
   bool initialised_ = false;

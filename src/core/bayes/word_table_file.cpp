@@ -67,10 +67,10 @@ std::string WordTable::fileText() const {
   out += "\r\n";
   for (std::int32_t i = 1; i <= lastRecord; ++i) {
     const auto at = static_cast<std::size_t>(i);
-    if (recKey_[at].empty()) continue;
+    if (keys_[at].empty()) continue;
     out += text::printForm(records_[at].value);
     out += ", ";
-    out += recKey_[at];
+    out += keys_[at];
     out += "\r\n";
   }
   return out;

@@ -33,7 +33,7 @@ void FilterRule::setFields(int n, std::string value) {
 }
 
 std::string& FilterRule::at(Column& column, int n) {
-  if (n < 1 || n > kMaxConditions) throw AppError(9, "Subscript out of range");
+  if (n < 1 || n > kMaxConditions) throw AppError(error_number::kSubscriptOutOfRange, "Subscript out of range");
   return column[n - 1];
 }
 

@@ -126,7 +126,7 @@ bool PreparedRule::holds(FoldedFields& fields) const {
     }
     if (!matched) return false;
   }
-  if (matched && countsMoreThanItHolds_) throw AppError(9, "Subscript out of range");
+  if (matched && countsMoreThanItHolds_) throw AppError(error_number::kSubscriptOutOfRange, "Subscript out of range");
   return matched;
 }
 

@@ -89,7 +89,7 @@ class RuleReader {
   void apply(std::string_view key, std::string_view value) {
     FilterRule& rule = *current_;
     if (key == "filterfield") {
-      if (conditions_ == std::numeric_limits<std::int16_t>::max()) throw AppError(6, "Overflow");
+      if (conditions_ == std::numeric_limits<std::int16_t>::max()) throw AppError(error_number::kOverflow, "Overflow");
       rule.setFields(++conditions_, std::string(value));
     } else if (key == "filtercomparison") {
       rule.setComparisons(conditions_, std::string(value));
