@@ -15,7 +15,7 @@
 #include "core/bayes/bayes_filter.h"
 #include "core/bayes/tokeniser.h"
 #include "core/context/app_context.h"
-#include "core/files/files.h"
+#include "core/files/file_text.h"
 #include "core/text/strings.h"
 
 namespace {
@@ -87,7 +87,7 @@ bayes::WordTable wordTableFor(const std::vector<message::Message>& messages, Wor
   for (std::size_t i = 0; i < messages.size() && table.lastRecord < kRecords; i += 2) {
     bayes::hashMessage(table, messages[i], false);
   }
-  for (std::int32_t i = 1; i <= table.lastRecord; ++i) table.changeValue(i, static_cast<float>(words.number(99) + 1) / 100);
+  for (std::int32_t i = 1; i <= table.lastRecord; ++i) table.setValueAt(i, static_cast<float>(words.number(99) + 1) / 100);
   for (int i = table.lastRecord; i < kRecords; ++i) {
     table.insertRecord(std::string(kPrefixes[i % std::size(kPrefixes)]) + words.word(3, 24) + std::to_string(i),
                        static_cast<float>(i % 99 + 1) / 100);
@@ -141,8 +141,8 @@ int main(int argc, char** argv) {
   std::size_t found = 0;
   report("look-ups, half of them absent", kLookups, "look-ups", timed([&] {
            for (int i = 0; i < kLookups; ++i) {
-             const auto& key = built.recString(1 + static_cast<std::int32_t>(static_cast<std::int64_t>(i) * 7919 % kRecords));
-             found += loaded.recIndex(i % 2 ? key : key + "x") > 0;
+             const auto& key = built.keyAt(1 + static_cast<std::int32_t>(static_cast<std::int64_t>(i) * 7919 % kRecords));
+             found += loaded.indexOf(i % 2 ? key : key + "x").has_value();
            }
          }));
   found = 0;

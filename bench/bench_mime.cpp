@@ -22,7 +22,8 @@
 #include "core/message/message.h"
 #include "core/message/plain_text.h"
 #include "core/message/transfer_encoding.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_text.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 
 #include "core/bayes/bayes_filter.h"
 #include "core/rules/rule_engine.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
 #include "core/interaction/prompt.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
 #include "core/settings/settings_store.h"
 
 int main(int argc, char** argv) {

@@ -19,7 +19,8 @@
 #include <vector>
 
 #include "core/context/app_context.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_text.h"
 #include "protocol/smtp/smtp_session.h"
 
 using namespace vonel;

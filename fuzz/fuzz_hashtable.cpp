@@ -11,8 +11,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   vonel::bayes::WordTable table;
   table.loadText(bytes);
   for (std::int32_t i = 1; i <= table.lastRecord; ++i) {
-    const std::string key = table.recString(i);
-    table.alterValue(key, static_cast<std::int16_t>(i % 7 - 3));
+    const std::string key = table.keyAt(i);
+    table.addCount(key, static_cast<std::int16_t>(i % 7 - 3));
     if (i % 3 == 0) {
       try {
         table.remove(key);

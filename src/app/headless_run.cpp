@@ -14,7 +14,6 @@
 #include "app/terminal_password.h"
 #include "core/bayes/bayes_trainer.h"
 #include "core/bayes/message_file_score.h"
-#include "core/files/files.h"
 #include "core/rules/status_word.h"
 #include "core/send/mail_merge.h"
 #include "core/settings/accounts.h"

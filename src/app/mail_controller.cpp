@@ -3,7 +3,7 @@
 
 #include "app/event_wait.h"
 #include "app/startup_housekeeping.h"
-#include "core/files/files.h"
+#include "core/files/file_info.h"
 #include "core/send/outbox.h"
 
 namespace vonel {
@@ -71,7 +71,7 @@ StartupResult MailController::startup() {
     ctx_.folders.readFilterFolder();
     ctx_.folders.readDataFolder();
     for (const char* folder : {"AutoReply", "Sigs", "DB", "DB/Attachments"}) {
-      files::mkMissingDir(ctx_.folders.dataFolderPath / folder);
+      files::ensureFolder(ctx_.folders.dataFolderPath / folder);
     }
     ctx_.noCacheMode = ctx_.settings.get("NoCache", Value(false)).flag();
     guardedStep(log, "Startup", kLogModule, [&] { moveSignatureToFile(ctx_); });

@@ -6,7 +6,8 @@
 #include <optional>
 
 #include "app/qtext.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/path_text.h"
 #include "core/message/message_file.h"
 #include "core/store/received_mail.h"
 

@@ -8,7 +8,8 @@
 #include <QSysInfo>
 
 #include "app/qtext.h"
-#include "core/files/files.h"
+#include "core/files/any_case.h"
+#include "core/files/file_info.h"
 
 namespace vonel {
 namespace {
@@ -32,7 +33,7 @@ std::filesystem::path resolveHome(const std::optional<QString>& homeArgument) {
   } else {
     home = toPath(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
   }
-  files::mkMissingDir(home);
+  files::ensureFolder(home);
   return home;
 }
 

@@ -15,8 +15,7 @@ std::string fromQString(const QString& text) {
   std::string out;
   out.reserve(static_cast<std::size_t>(text.size()));
   for (const QChar c : text) {
-    const int byte = text::unicodeToCp1252(c.unicode());
-    out += byte < 0 ? '?' : static_cast<char>(byte);
+    out += text::unicodeToCp1252(c.unicode()).value_or('?');
   }
   return out;
 }

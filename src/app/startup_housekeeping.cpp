@@ -1,6 +1,7 @@
 #include "app/startup_housekeeping.h"
 
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
 #include "core/text/strings.h"
 
 namespace vonel {

@@ -9,7 +9,7 @@
 #include <ostream>
 
 #include "core/context/app_context.h"
-#include "core/files/files.h"
+#include "core/files/file_info.h"
 #include "core/interaction/progress.h"
 #include "core/store/folder_cache.h"
 #include "core/store/folder_lists.h"

@@ -14,7 +14,9 @@
 #include "core/message/message.h"
 #include "core/message/message_report.h"
 #include "core/message/send_date.h"
-#include "core/files/files.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
+#include "core/files/path_text.h"
 #include "core/text/cp1252.h"
 #include "core/text/numbers.h"
 #include "inspect/command.h"
@@ -93,7 +95,7 @@ int listParts(const message::Message& parsed, const std::optional<std::string>& 
   }
   if (!saveFolder) return 0;
   const auto folder = files::pathFromText(*saveFolder);
-  if (!files::mkMissingDir(folder)) {
+  if (!files::ensureFolder(folder)) {
     err << *saveFolder << ": can't make the folder\n";
     return 1;
   }

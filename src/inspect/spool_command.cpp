@@ -9,7 +9,9 @@
 
 #include "core/log/app_error.h"
 #include "core/context/app_context.h"
-#include "core/files/files.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
+#include "core/files/path_text.h"
 #include "core/settings/accounts.h"
 #include "inspect/command.h"
 #include "protocol/smtp/smtp_session.h"

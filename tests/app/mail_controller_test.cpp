@@ -5,7 +5,9 @@
 #include "app/mail_controller.h"
 #include "app/terminal_password.h"
 #include "app/headless_windows.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/text/strings.h"
 
 using namespace vonel;

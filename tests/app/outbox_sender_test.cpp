@@ -5,7 +5,8 @@
 #include <QtTest>
 
 #include "app/smtp/outbox_sender.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_text.h"
 #include "core/send/outbox.h"
 #include "support/scripted_peer.h"
 

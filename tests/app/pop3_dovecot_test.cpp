@@ -3,7 +3,7 @@
 #include <QtTest>
 
 #include "app/pop3/pop3_connection.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
 
 using namespace vonel;
 

@@ -6,7 +6,7 @@
 
 #include "app/mail_controller.h"
 #include "app/terminal_password.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
 #include "ui/scanner/scanner_window.h"
 
 using namespace vonel;

@@ -8,7 +8,8 @@
 #include "app/smtp/smtp_connection.h"
 #include "core/message/transfer_encoding.h"
 #include "core/context/app_context.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_text.h"
 #include "core/text/strings.h"
 
 using namespace vonel;

@@ -3,7 +3,7 @@
 #include "core/bayes/score_steps.h"
 #include "core/bayes/tokeniser.h"
 #include "core/message/address.h"
-#include "core/files/files.h"
+#include "core/files/any_case.h"
 #include "core/text/numbers.h"
 
 namespace vonel::bayes {
@@ -41,10 +41,10 @@ void BayesFilter::score(message::Message& message, bool headersOnly, float& scor
     message.filterReason = "Subject contains " + *word;
     return;
   }
-  messageTable_.hashClear();
+  messageTable_.clear();
   messageTable_.initSmall();
   if (!wordTableLoaded_) loadWordHash();
-  if (wordTable_.maxRecords == 0) {
+  if (!wordTable_.initialised()) {
     score = kLowest;
     return;
   }
@@ -61,11 +61,11 @@ float BayesFilter::tokenMean(message::Message& message, bool headersOnly) {
 
   std::vector<TokenProbability> tokens;
   for (std::int32_t i = 1; i <= messageTable_.lastRecord; ++i) {
-    const std::string& key = messageTable_.recString(i);
+    const std::string& key = messageTable_.keyAt(i);
     if (key.empty()) continue;
-    const std::int32_t found = wordTable_.recIndex(key);
-    const float probability = found > 0 ? wordTable_.recValue(found) : kUnknownToken;
-    messageTable_.changeValue(i, probability);
+    const std::optional<std::int32_t> found = wordTable_.indexOf(key);
+    const float probability = found ? wordTable_.valueAt(*found) : kUnknownToken;
+    messageTable_.setValueAt(i, probability);
     tokens.push_back({key, probability});
   }
 
@@ -74,7 +74,7 @@ float BayesFilter::tokenMean(message::Message& message, bool headersOnly) {
   if (n < wanted && wanted >= 1) {
     // By record number, as the table holds them: 1 to n.
     float sum = 0;
-    for (std::int32_t i = 1; i <= n; ++i) sum += messageTable_.recValue(i);
+    for (std::int32_t i = 1; i <= n; ++i) sum += messageTable_.valueAt(i);
     return sum != 0 ? sum / static_cast<float>(n) : kLowest;
   }
   sortByValue(tokens);
@@ -99,7 +99,7 @@ float BayesFilter::senderCorrected(const message::Message& message, float score)
 // Only entries put into the good table by other means answer: the tokeniser
 // never writes "SND*".
 bool BayesFilter::knownGoodSender(const std::string& address) const {
-  return goodTable_.findRec("SND*" + address).key != "-1";
+  return goodTable_.findRecord("SND*" + address).has_value();
 }
 
 bool BayesFilter::isContact(const std::string& field) const {

@@ -39,7 +39,7 @@ class BayesFilter final : public rules::SpamScorer {
   void forceRefresh() { wordTableLoaded_ = false; }
   // Empties the word table; the next score reads the file afresh.
   void clearWordTable() {
-    wordTable_.hashClear();
+    wordTable_.clear();
     wordTableLoaded_ = false;
   }
   void loadBlackList();

@@ -6,7 +6,9 @@
 
 #include "core/bayes/tokeniser.h"
 #include "core/message/message_file.h"
-#include "core/files/files.h"
+#include "core/files/any_case.h"
+#include "core/files/file_info.h"
+#include "core/files/path_text.h"
 #include "core/store/folder_listing.h"
 #include "core/store/folder_lists.h"
 #include "core/text/numbers.h"
@@ -86,7 +88,7 @@ BayesTrainer::CountTable BayesTrainer::bad() { return {badTable_, badLoaded_, ba
 void BayesTrainer::ensureLoaded(const CountTable& side) {
   if (side.loaded) return;
   progress_.status(side.loadingText);
-  side.table.hashClear();
+  side.table.clear();
   side.table.initHuge();
   side.table.loadTable(side.file, ctx_.log);
   side.loaded = true;
@@ -94,7 +96,7 @@ void BayesTrainer::ensureLoaded(const CountTable& side) {
 
 void BayesTrainer::rebuildFromFolder(const CountTable& side, std::string_view title, const fs::path& folder,
                                     bool subfolders) {
-  side.table.clearArrays();
+  side.table.clear();
   side.table.initHuge();
   generateTable(title, folder, false, subfolders, side.table);
   side.table.writeHashTable(side.file, ctx_.log);
@@ -166,13 +168,13 @@ void BayesTrainer::generateWordHash(WordTable& good, WordTable& bad, int minimum
     const double badTotal = bad.messageCount == 0 ? 1 : bad.messageCount;
     for (std::int32_t i = 1; i <= good.lastRecord; ++i) {
       if (i % kRecordsPerProgress == 0) progress_.status("Checking Good Words");
-      const std::string& key = good.recString(i);
-      const float goodCount = good.recValue(i);
+      const std::string& key = good.keyAt(i);
+      const float goodCount = good.valueAt(i);
       if (key.empty() || goodCount < static_cast<float>(minimum)) continue;
-      const WordRecord inBad = bad.findRec(key);
+      const std::optional<WordRecord> inBad = bad.findRecord(key);
       float p = kGoodOnly;
-      if (inBad.index != 0) {
-        const double spamRate = inBad.Value / badTotal;
+      if (inBad) {
+        const double spamRate = inBad->value / badTotal;
         const double goodRate = goodCount / goodTotal;
         p = static_cast<float>(text::roundHalfEven(static_cast<float>(spamRate / (goodRate + spamRate)), 2));
       }
@@ -180,10 +182,10 @@ void BayesTrainer::generateWordHash(WordTable& good, WordTable& bad, int minimum
     }
     for (std::int32_t i = 1; i <= bad.lastRecord; ++i) {
       if (i % kRecordsPerProgress == 0) progress_.status("Checking Spam Words");
-      const std::string& key = bad.recString(i);
-      if (key.empty() || bad.recValue(i) < static_cast<float>(minimum)) continue;
+      const std::string& key = bad.keyAt(i);
+      if (key.empty() || bad.valueAt(i) < static_cast<float>(minimum)) continue;
       // A token known as good at all, even below the minimum, never counts as spam only.
-      if (good.findRec(key).index == 0) words.insertRecord(key, kSpamOnly);
+      if (!good.findRecord(key)) words.insertRecord(key, kSpamOnly);
     }
     words.writeHashTable(filter_.wordTableFile(), ctx_.log);
     filter_.clearWordTable();
@@ -204,17 +206,17 @@ void BayesTrainer::updateFromUnread() {
   });
 }
 
-void BayesTrainer::swapStatus(const message::Message& message, bool junk) {
+void BayesTrainer::countMessage(const message::Message& message, Verdict verdict) {
   guardedStep(ctx_.log, "SwapStatus", kModule, [&] {
-    const CountTable target = junk ? bad() : good();
+    const CountTable target = verdict == Verdict::Junk ? bad() : good();
     ensureLoaded(target);
     WordTable tokens;
     tokens.initSmall();
     hashMessage(tokens, message, true);
     target.table.messageCount += 1;
     for (std::int32_t i = 1; i <= tokens.lastRecord; ++i) {
-      const std::string& key = tokens.recString(i);
-      if (!key.empty()) target.table.alterValue(key, 1);
+      const std::string& key = tokens.keyAt(i);
+      if (!key.empty()) target.table.addCount(key);
     }
   });
 }

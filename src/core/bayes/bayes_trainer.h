@@ -28,6 +28,9 @@ struct TrainingChoices {
   void store(SettingsStore& settings) const;
 };
 
+// Which table a message a user judged is counted into.
+enum class Verdict { Good, Junk };
+
 class BayesTrainer {
  public:
   BayesTrainer(AppContext& context, BayesFilter& filter, Progress& progress)
@@ -43,10 +46,9 @@ class BayesTrainer {
   void generateWordHash(WordTable& good, WordTable& bad, int minimum);
   // The unread mail of the spam folder into the bad table (in memory only), then the word table.
   void updateFromUnread();
-  // One message into the bad (junk) or good table, each token once; nothing is ever subtracted.
-  void swapStatus(const message::Message& message, bool junk);
-  void addToJunk(const message::Message& message) { swapStatus(message, true); }
-  void removeFromJunk(const message::Message& message) { swapStatus(message, false); }
+  // One message into the junk (bad) or good table, each token once; nothing
+  // is ever subtracted, so a message taken back out of junk counts on both sides.
+  void countMessage(const message::Message& message, Verdict verdict);
   // Writes both count tables and computes the word table.
   void recreateWordHash();
 

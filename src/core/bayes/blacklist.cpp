@@ -1,6 +1,7 @@
 #include "core/bayes/blacklist.h"
 
-#include "core/files/files.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/text/strings.h"
 
 namespace vonel::bayes {

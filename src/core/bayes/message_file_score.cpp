@@ -1,6 +1,6 @@
 #include "core/bayes/message_file_score.h"
 
-#include "core/files/files.h"
+#include "core/files/file_text.h"
 #include "core/text/numbers.h"
 
 namespace vonel::bayes {

@@ -34,7 +34,9 @@ void sortByValue(std::vector<TokenProbability>& tokens) {
 std::string spamSplitText(const std::vector<TokenProbability>& tokens) {
   std::string out;
   for (const auto& token : tokens) {
-    out += "(" + text::plainText(token.value) + ") \t";
+    out += '(';
+    out += text::plainText(token.value);
+    out += ") \t";
     out += token.key;
     out += "\r\n";
   }

@@ -7,8 +7,8 @@ namespace vonel::bayes {
 std::string describeTable(const WordTable& table) {
   std::string out;
   for (std::int32_t i = 1; i <= table.lastRecord; ++i) {
-    if (table.recString(i).empty()) continue;
-    out += text::plainText(table.recValue(i)) + "\t" + table.recString(i) + "\n";
+    if (table.keyAt(i).empty()) continue;
+    out += text::plainText(table.valueAt(i)) + "\t" + table.keyAt(i) + "\n";
   }
   return out;
 }

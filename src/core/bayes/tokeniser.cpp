@@ -77,10 +77,10 @@ void hashAddressHost(WordTable& table, std::string_view prefix, const std::strin
   if (at == std::string::npos || at + 1 == address.size()) return;
   const std::string domain = address.substr(at + 1);
   const std::string p(prefix);
-  table.insert(p + domain);
+  table.addCount(p + domain);
   const auto pieces = text::split(domain, ".");
-  table.insert(p + pieces.front());
-  for (std::size_t i = 1; i < pieces.size(); ++i) table.insert(p + "." + pieces[i]);
+  table.addCount(p + pieces.front());
+  for (std::size_t i = 1; i < pieces.size(); ++i) table.addCount(p + "." + pieces[i]);
 }
 
 void hashWord(WordTable& table, std::string_view prefix, const std::string& word, const std::string& last) {
@@ -88,18 +88,18 @@ void hashWord(WordTable& table, std::string_view prefix, const std::string& word
   if (prefix == "RCT*") {
     const std::string lastUpper = text::upper(last);
     if (lastUpper == "HELO") {
-      table.insert(word);
+      table.addCount(word);
     } else if (lastUpper == "FROM" && word != "network;") {
-      table.insert(last + " " + word);
+      table.addCount(last + " " + word);
     }
   } else if (prefix == "CT*") {
-    if (contains(word, "/")) table.insert(p + text::replaceAll(word, ";", ""));
+    if (contains(word, "/")) table.addCount(p + text::replaceAll(word, ";", ""));
   } else if (prefix == "HDR*") {
-    if (!contains(word, ":") && text::findNoCase(word, "boundary") == 0 && !allNumerics(word)) table.insert(p + word);
+    if (!contains(word, ":") && text::findNoCase(word, "boundary") == 0 && !allNumerics(word)) table.addCount(p + word);
   } else if (prefix == "SUB*") {
-    table.insert(p + word);
+    table.addCount(p + word);
   } else if (!allNumerics(word)) {
-    table.insert(p + word);
+    table.addCount(p + word);
     if (contains(word, "@")) hashAddressHost(table, prefix, word);
   }
 }
@@ -147,7 +147,7 @@ void breakAndHash(WordTable& table, std::string text, std::string_view prefix) {
   if (text.empty() || text::findNoCase(text, "boundary=") > 0) return;
   text = text::replaceAll(text, "\r\n", " ");
   blankEach(text, "\r\n\t");
-  if (contains(text, " ") && text.size() <= kLongestPhrase) table.insert(std::string(prefix) + text);
+  if (contains(text, " ") && text.size() <= kLongestPhrase) table.addCount(std::string(prefix) + text);
   if (prefix != "HDR*" && prefix != "SB-LN*" && prefix != "SB-ND*") blankEach(text, "=,*-()");
 
   ForwardSearch blanks(text, " ");
@@ -174,7 +174,7 @@ void breakAndHash(WordTable& table, std::string text, std::string_view prefix) {
 }
 
 // The last URL of a body is counted twice: the final pass finds no further
-// link and inserts the one it still holds. Each insert cleans the URL as found.
+// link and counts the one it still holds. Each count cleans the URL as found.
 void hashUrls(WordTable& table, std::string_view body) {
   if (body.empty()) return;
   const std::string text = text::lower(body);
@@ -195,7 +195,7 @@ void hashUrls(WordTable& table, std::string_view body) {
       for (ForwardSearch* stop : {&quote, &blank, &com, &biz, &info}) getLowest(pos + 8, *stop, end);
       url = end != 0 ? text::trim(text::mid(text, pos, end - pos + 1)) : std::string();
     }
-    if (url.size() >= kShortestWord && url.size() <= kLongestUrl) table.insert("URL*" + cleanUrl(url));
+    if (url.size() >= kShortestWord && url.size() <= kLongestUrl) table.addCount("URL*" + cleanUrl(url));
   } while (pos > 0);
 }
 

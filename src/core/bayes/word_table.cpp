@@ -11,11 +11,11 @@
 namespace vonel::bayes {
 namespace {
 
-constexpr int kObjectErrorBase = 512;
+// The error number of a missing key, as the log prints it.
+constexpr int kKeyNotFound = 513;
 
-[[noreturn]] void raise(int code, std::string_view source) {
-  const char* text = code == 1 ? "Key not found" : "Duplicate key";
-  throw AppError(kObjectErrorBase + code, std::string(text) + ": " + std::string(source) + " ");
+[[noreturn]] void raiseKeyNotFound(std::string_view source) {
+  throw AppError(kKeyNotFound, "Key not found: " + std::string(source) + " ");
 }
 
 template <typename T>
@@ -31,24 +31,20 @@ void WordTable::init(std::int32_t buckets, std::int32_t records) {
   maxRecords = std::max(records, 1);
   lastRecord = 0;
   records_.assign(static_cast<std::size_t>(maxRecords) + 1, Record{});
-  recKey_.assign(static_cast<std::size_t>(maxRecords) + 1, std::string());
+  keys_.assign(static_cast<std::size_t>(maxRecords) + 1, std::string());
   nodes_.init(maxRecords, kGrowth);
   initialised_ = true;
 }
 
-void WordTable::clearArrays() {
+void WordTable::clear() {
+  initialised_ = false;
   records_.clear();
-  recKey_.clear();
+  keys_.clear();
   buckets_.clear();
   nodes_.clear();
   tableSize_ = 0;
   maxRecords = 0;
   lastRecord = 0;
-}
-
-void WordTable::hashClear() {
-  initialised_ = false;
-  clearArrays();
 }
 
 std::size_t WordTable::checkedIndex(std::int32_t index) const {
@@ -58,11 +54,11 @@ std::size_t WordTable::checkedIndex(std::int32_t index) const {
   return static_cast<std::size_t>(index);
 }
 
-const std::string& WordTable::recString(std::int32_t index) const { return recKey_[checkedIndex(index)]; }
+const std::string& WordTable::keyAt(std::int32_t index) const { return keys_[checkedIndex(index)]; }
 
-float WordTable::recValue(std::int32_t index) const { return records_[checkedIndex(index)].value; }
+float WordTable::valueAt(std::int32_t index) const { return records_[checkedIndex(index)].value; }
 
-void WordTable::changeValue(std::int32_t index, float value) { records_[checkedIndex(index)].value = value; }
+void WordTable::setValueAt(std::int32_t index, float value) { records_[checkedIndex(index)].value = value; }
 
 std::int32_t WordTable::firstHash(std::string_view key) const { return stringHash(key, tableSize_); }
 
@@ -79,7 +75,7 @@ void WordTable::ensureInitialised() {
 
 void WordTable::growTo(std::int32_t bound) {
   resizeRecords(records_, bound);
-  resizeRecords(recKey_, bound);
+  resizeRecords(keys_, bound);
   maxRecords = bound;
 }
 
@@ -90,7 +86,7 @@ std::int32_t WordTable::addRecord(std::string_view key, std::int32_t first, floa
   const auto i = static_cast<std::size_t>(index);
   records_[i] = Record{head, first, value};
   head = index;
-  recKey_[i].assign(key);
+  keys_[i].assign(key);
   lastRecord = std::max(lastRecord, index);
   return index;
 }
@@ -106,29 +102,30 @@ std::int32_t WordTable::findIndex(std::string_view key, std::int32_t first) cons
   for (std::int32_t i = buckets_[static_cast<std::size_t>(bucketOf(first))]; i != 0;
        i = records_[static_cast<std::size_t>(i)].next) {
     const auto at = static_cast<std::size_t>(i);
-    if (records_[at].first == first && recKey_[at] == key) return i;
+    if (records_[at].first == first && keys_[at] == key) return i;
   }
   return 0;
 }
 
-WordRecord WordTable::findRec(std::string_view key, std::int32_t first) const {
+std::optional<WordRecord> WordTable::findRecord(std::string_view key, std::int32_t first) const {
   const std::int32_t index = findIndex(key, first);
-  if (index == 0) return WordRecord{"-1", kAbsent, 0};
+  if (index == 0) return std::nullopt;
   const auto at = static_cast<std::size_t>(index);
-  return WordRecord{recKey_[at], records_[at].value, index};
+  return WordRecord{keys_[at], records_[at].value, index};
 }
 
-std::int32_t WordTable::recIndex(std::string_view key) const {
+std::optional<std::int32_t> WordTable::indexOf(std::string_view key) const {
   const std::int32_t index = findIndex(key, 0);
-  return index == 0 ? -1 : index;
+  if (index == 0) return std::nullopt;
+  return index;
 }
 
-WordRecord WordTable::find(std::string_view key) {
+std::optional<WordRecord> WordTable::find(std::string_view key) {
   ensureInitialised();
-  return findRec(key);
+  return findRecord(key);
 }
 
-void WordTable::alterValue(std::string_view key, std::int16_t increment) {
+void WordTable::addCount(std::string_view key, std::int16_t increment) {
   ensureInitialised();
   const std::int32_t first = firstHash(key);
   const std::int32_t index = findIndex(key, first);
@@ -146,17 +143,17 @@ void WordTable::alterValue(std::string_view key, std::int16_t increment) {
 
 void WordTable::removeByHash(std::int32_t first) {
   constexpr std::string_view kSource = "CHash.Delete";
-  if (!initialised_ || first < 0 || first >= tableSize_) raise(1, kSource);
+  if (!initialised_ || first < 0 || first >= tableSize_) raiseKeyNotFound(kSource);
   std::int32_t* link = &buckets_[static_cast<std::size_t>(bucketOf(first))];
   while (*link != 0 && records_[static_cast<std::size_t>(*link)].first != first) {
     link = &records_[static_cast<std::size_t>(*link)].next;
   }
-  if (*link == 0) raise(1, kSource);
+  if (*link == 0) raiseKeyNotFound(kSource);
   const std::int32_t index = *link;
   const auto at = static_cast<std::size_t>(index);
   *link = records_[at].next;
   nodes_.free(index);
-  recKey_[at].clear();
+  keys_[at].clear();
   records_[at].value = 0;
 }
 

@@ -6,7 +6,10 @@
 #include <optional>
 
 #include "core/bayes/word_table.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
+#include "core/files/path_text.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 
@@ -64,10 +67,10 @@ std::string WordTable::fileText() const {
   out += "\r\n";
   for (std::int32_t i = 1; i <= lastRecord; ++i) {
     const auto at = static_cast<std::size_t>(i);
-    if (recKey_[at].empty()) continue;
+    if (keys_[at].empty()) continue;
     out += text::printForm(records_[at].value);
     out += ", ";
-    out += recKey_[at];
+    out += keys_[at];
     out += "\r\n";
   }
   return out;

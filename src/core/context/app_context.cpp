@@ -1,6 +1,6 @@
 #include "core/context/app_context.h"
 
-#include "core/files/files.h"
+#include "core/files/any_case.h"
 #include "core/text/numbers.h"
 
 namespace vonel {

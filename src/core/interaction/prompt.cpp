@@ -25,7 +25,9 @@ Answer ScriptedPrompt::ask(std::string_view text, Buttons buttons, std::string_v
 
 void ScriptedPrompt::showError(std::string_view text, std::string_view details) {
   lastError = std::string(text);
-  if (!details.empty()) lastError += "\n" + std::string(details);
+  if (details.empty()) return;
+  lastError += '\n';
+  lastError += details;
 }
 
 }  // namespace vonel

@@ -17,21 +17,20 @@ LocaleDates::LocaleDates(const LocaleFacts& facts, Log& log, const Clock& clock)
     : clock_(clock) {
   commaThousandSeparator = facts.decimalMark == ",";
   for (std::size_t m = 0; m < 12; ++m) {
-    fullEnglishMonthNames[m] = text::englishMonthNames()[m];
     englishMonthNames[m] = text::upper(text::englishShortMonthNames()[m]);
     shortMonthNames[m] = text::upper(facts.shortMonthNames[m]);
     if (shortMonthNames[m] != englishMonthNames[m]) translateMonthNames = true;
   }
   readDateFormat(facts.shortDateProbe);
   fullDateFormatPlusTimeString = fullDateFormatString + " HH:MM";
-  trueStr = text::upper(facts.trueWord);
-  falseStr = text::upper(facts.falseWord);
+  trueWord = text::upper(facts.trueWord);
+  falseWord = text::upper(facts.falseWord);
 
   log.addAction("Date format: " + dateFormatString);
   log.addAction("Full date format: " + fullDateFormatString);
   log.addAction("Full date format plus time: " + fullDateFormatPlusTimeString);
   log.addAction("Date separator: " + dateSeparator);
-  log.addAction("True string: " + trueStr + " False string: " + falseStr);
+  log.addAction("True string: " + trueWord + " False string: " + falseWord);
 }
 
 void LocaleDates::readDateFormat(const std::string& probe) {
@@ -43,35 +42,32 @@ void LocaleDates::readDateFormat(const std::string& probe) {
 
   const bool yearFirst = year > 0 && year < month && year < day;
   if (!yearFirst) {
-    sysDateYearField = 3;
+    yearField = 3;
     if (month < day) {
       dateFormatString = "MM/DD/YYYY";
-      sysDateMonthField = 1;
-      sysDateDayField = 2;
+      monthField = 1;
+      dayField = 2;
     } else {
       dateFormatString = "DD/MM/YYYY";
-      sysDateMonthField = 2;
-      sysDateDayField = 1;
+      monthField = 2;
+      dayField = 1;
     }
   } else {
-    sysDateYearField = 1;
-    if (year < month && month < day) {
+    yearField = 1;
+    // Year, day, month gets no picture: the format stays empty, and so does
+    // every short date ($TODAY$ in a template).
+    if (month < day) {
       dateFormatString = "YYYY/MM/DD";
-      sysDateMonthField = 2;
-      sysDateDayField = 3;
-    } else if (month < day) {
-      // Kept as it always was: this second test can't tell the two orders
-      // apart, and a probe that meets neither leaves the format empty.
-      dateFormatString = "YYYY/DD/MM";
-      sysDateMonthField = 3;
-      sysDateDayField = 2;
+      monthField = 2;
+      dayField = 3;
     }
   }
 
-  dateSeparator = probe.find('/') != std::string::npos   ? "/"
-                  : probe.find('.') != std::string::npos ? "."
-                  : probe.find('-') != std::string::npos ? "-"
-                                                          : "/";
+  const char separator = probe.find('/') != std::string::npos   ? '/'
+                         : probe.find('.') != std::string::npos ? '.'
+                         : probe.find('-') != std::string::npos ? '-'
+                                                                 : '/';
+  dateSeparator = std::string(1, separator);
   dateFormatString = withProbeSeparator(dateFormatString, probe);
   fullDateFormatString = withProbeSeparator("DD/MMM/YYYY", probe);
   if (twoDigitYear) dateFormatString = text::replaceAll(dateFormatString, "YYYY", "YY");
@@ -81,17 +77,8 @@ std::string LocaleDates::formatDate(const text::DateTime& date) const {
   return text::formatDate(date, fullDateFormatString);
 }
 
-std::string LocaleDates::formatDatePlusTime(const text::DateTime& date) const {
-  return text::formatDate(date, fullDateFormatString);
-}
-
 std::string LocaleDates::shortFormatDate(const text::DateTime& date) const {
   return text::formatDate(date, dateFormatString);
-}
-
-text::DateTime LocaleDates::removeSeconds(text::DateTime date) {
-  date.second = 0;
-  return date;
 }
 
 std::string LocaleDates::expandDateTokens(std::string_view input) const {

@@ -26,24 +26,19 @@ class LocaleDates {
   bool translateMonthNames = false;
   std::array<std::string, 12> shortMonthNames;
   std::array<std::string, 12> englishMonthNames;
-  std::array<std::string, 12> fullEnglishMonthNames;
   bool commaThousandSeparator = false;
-  int sysDateYearField = 0;
-  int sysDateMonthField = 0;
-  int sysDateDayField = 0;
-  std::string trueStr;
-  std::string falseStr;
+  int yearField = 0;
+  int monthField = 0;
+  int dayField = 0;
+  std::string trueWord;
+  std::string falseWord;
   std::string dateFormatString;
   std::string fullDateFormatString;
   std::string fullDateFormatPlusTimeString;
   std::string dateSeparator;
 
   std::string formatDate(const text::DateTime& date) const;
-  // Uses the long format without the time, as it always has.
-  std::string formatDatePlusTime(const text::DateTime& date) const;
   std::string shortFormatDate(const text::DateTime& date) const;
-  const std::string& localDateFormat() const { return dateFormatString; }
-  static text::DateTime removeSeconds(text::DateTime date);
   std::string expandDateTokens(std::string_view text) const;
 
  private:

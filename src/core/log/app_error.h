@@ -1,6 +1,6 @@
 #pragma once
-// A failure inside one step of the program: a number and a description, in the
-// numbering the log and the error reports have always used.
+// A failure inside one step of the program: a number and a description. The
+// log lines and error reports print the number, so each failure keeps its own.
 #include <exception>
 #include <stdexcept>
 #include <string>

@@ -1,11 +1,14 @@
 #include "core/log/log.h"
 
 #include <cstdio>
+#include <system_error>
 
-#include "core/files/files.h"
+#include "core/log/append_file.h"
 
 namespace vonel {
 namespace {
+
+namespace fs = std::filesystem;
 
 std::string withPlace(std::string text, std::string_view procedure, std::string_view module) {
   if (!procedure.empty()) text += " in " + std::string(procedure);
@@ -26,7 +29,8 @@ const std::filesystem::path& Log::currentLogFilename() {
 
 void Log::overrideLogFilename(const std::filesystem::path& path) {
   const auto folder = path.parent_path();
-  if (folder.empty() || !files::folderExists(folder)) {
+  std::error_code ec;
+  if (folder.empty() || !fs::is_directory(folder, ec)) {
     logFile_ = info_.installFolder / path.filename();
   } else {
     logFile_ = path;
@@ -50,10 +54,11 @@ void Log::logEvent(std::string_view text, bool newFile) {
 void Log::logToFile(const std::filesystem::path& path, std::string_view text, bool newFile) {
   if (loggingOff) return;
   try {
-    if (newFile) files::eraseFile(path);
+    std::error_code ec;
+    if (newFile) fs::remove(path, ec);
     std::string lines;
     const auto now = clock_.now();
-    if (!files::fileExists(path)) {
+    if (!fs::is_regular_file(path, ec)) {
       const std::string header[] = {
           "Log file created ",
           "Operating System: " + info_.operatingSystem,
@@ -65,7 +70,7 @@ void Log::logToFile(const std::filesystem::path& path, std::string_view text, bo
       for (const auto& line : header) lines += formatLine(kHandleNumber, now, line) + "\r\n";
     }
     lines += formatLine(kHandleNumber, now, text) + "\r\n";
-    files::appendToFile(path, lines);
+    appendToFile(path, lines);
   } catch (...) {
     // A log line that can't be written is skipped; logging never fails.
   }
@@ -104,7 +109,7 @@ void Log::writeActionsToLog() {
   std::string lines;
   for (const auto& entry : queue_) lines += formatLine(kHandleNumber, entry.time, entry.text) + "\r\n";
   try {
-    files::appendToFile(currentLogFilename(), lines);
+    appendToFile(currentLogFilename(), lines);
   } catch (...) {
     // The entries are dropped with the file that can't be opened.
   }

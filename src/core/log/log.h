@@ -51,7 +51,8 @@ class Log {
     text::DateTime time;
   };
   static constexpr std::size_t kQueueLimit = 20;
-  // The file's handle number as it has always been printed at the start of a line.
+  // The number each written line starts with (the current action shows 0);
+  // readers of log.txt split its lines on it.
   static constexpr int kHandleNumber = 1;
 
   std::string formatLine(int handle, const text::DateTime& time, std::string_view text) const;

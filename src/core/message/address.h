@@ -1,6 +1,6 @@
 #pragma once
 // Splitting an address header into the address and the display name, the
-// plain way the rule check and the windows have always relied on.
+// plain way the rule check and the windows rely on.
 #include <string>
 #include <string_view>
 

@@ -5,7 +5,8 @@
 
 #include "core/log/app_error.h"
 #include "core/message/transfer_encoding.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/path_text.h"
 #include "core/text/shared_text.h"
 #include "core/text/strings.h"
 
@@ -77,8 +78,9 @@ std::string safeAttachmentName(std::string_view name) {
   // Leading dots hide a file or climb a folder; Windows drops trailing ones.
   const std::size_t first = safe.find_first_not_of(". ");
   if (first == std::string::npos) return std::string(kFallbackName);
-  safe = safe.substr(first, safe.find_last_not_of(". ") + 1 - first);
-  if (namesADevice(safe)) safe.insert(std::min(safe.find('.'), safe.size()), "1");
+  safe.erase(safe.find_last_not_of(". ") + 1);
+  safe.erase(0, first);
+  if (namesADevice(safe)) safe.insert(std::min(safe.find('.'), safe.size()), 1, '1');
   return safe;
 }
 

@@ -4,7 +4,6 @@
 
 #include "core/message/transfer_encoding.h"
 #include "core/text/cp1252.h"
-#include "core/text/markup.h"
 #include "core/text/shared_text.h"
 #include "core/text/strings.h"
 
@@ -43,7 +42,7 @@ std::string isoDecode(std::string_view value) {
 
   text = quotedPrintableDecode(text);
   if (const std::size_t q = text::findNoCase(text, "q?")) text = text::mid(text, q + 2);
-  for (const std::string_view junk : {"=?=", "?=", "=?", "?Q", "=3A"}) text::replaceWith(text, junk, "");
+  for (const std::string_view junk : {"=?=", "?=", "=?", "?Q", "=3A"}) text::replaceAllInPlace(text, junk, "");
 
   for (const auto charset : kSingleByteCharsets) {
     if (text::findNoCase(text, charset)) keepAfterQuestionMark(text);
@@ -53,7 +52,7 @@ std::string isoDecode(std::string_view value) {
     text = text::utf8ToCp1252(text);
   }
 
-  for (const std::string_view junk : {"\"", "\r", "\n", "\x12", "\x10", "\x11"}) text::replaceWith(text, junk, "");
+  for (const std::string_view junk : {"\"", "\r", "\n", "\x12", "\x10", "\x11"}) text::replaceAllInPlace(text, junk, "");
   text::cutOffNull(text);
   if (foundMarker) text += tail;
   return text::trim(text);

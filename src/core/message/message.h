@@ -29,11 +29,6 @@ class Message {
   std::string htmlStrippedBody;
   std::string spamSplit;
   std::string contentTypeMain;
-  std::string vnlFilename;
-  std::int64_t idxRec = 0;
-  std::int64_t vnlFileLoc = 0;
-  std::int64_t vnlFileEndLoc = 0;
-  bool inVnlFile = false;
   bool replied = false;
   bool highPriority = false;
   std::string xSpamStatus;

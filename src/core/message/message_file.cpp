@@ -1,7 +1,9 @@
 #include "core/message/message_file.h"
 
 #include "core/log/app_error.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/text/dates.h"
 #include "core/text/numbers.h"
 #include "core/text/shared_text.h"
@@ -35,8 +37,6 @@ bool nameTaken(const fs::path& folder, const std::string& lowerName) {
   return files::fileExists(folder / lowerName) || files::fileExists(folder / text::upper(lowerName));
 }
 
-}  // namespace
-
 Message readMessage(const fs::path& path, bool headerOnly, Log& log) {
   Message message(&log);
   guardedStep(log, headerOnly ? "ReadMessageHeader" : "ReadMessageFull", kModule, [&] {
@@ -53,6 +53,8 @@ Message readMessage(const fs::path& path, bool headerOnly, Log& log) {
   });
   return message;
 }
+
+}  // namespace
 
 Message readMessageHeader(const fs::path& path, Log& log) { return readMessage(path, true, log); }
 Message readMessageFull(const fs::path& path, Log& log) { return readMessage(path, false, log); }
@@ -73,8 +75,9 @@ void saveMessage(const Message& message, Log& log) {
 
 fs::path getUnusedFilename(bool read, const fs::path& folder, std::string_view base, std::string_view extension,
                            const Clock& clock) {
-  std::string ext(extension);
-  if (!ext.empty() && ext.front() != '.') ext.insert(0, ".");
+  std::string ext;
+  if (!extension.empty() && extension.front() != '.') ext = '.';
+  ext += extension;
   std::string name(base);
   // A subject ending in a bracket loses it, and so does a name with a time stamp.
   if (const std::size_t bracket = name.rfind('('); bracket != std::string::npos) name.resize(bracket);

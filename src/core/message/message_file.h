@@ -14,7 +14,6 @@ namespace vonel::message {
 
 // The message in a file; an empty message when the file is missing or empty.
 // A header read takes at most the first 10,000 bytes and parses no MIME.
-Message readMessage(const std::filesystem::path& path, bool headerOnly, Log& log);
 Message readMessageHeader(const std::filesystem::path& path, Log& log);
 Message readMessageFull(const std::filesystem::path& path, Log& log);
 

@@ -38,9 +38,9 @@ void cleanUp(std::string& text, bool tweaks) {
     cutBeforeNoCase(text, "------------------------ Yahoo! Groups Sponsor --------------------~-->");
     cutBeforeNoCase(text, "Yahoo! Groups Links");
   }
-  text::replaceWith(text, "\x85", "...");
-  text::replaceWith(text, "\x8B", "<");
-  text::replaceWith(text, "\x97", "--");
+  text::replaceAllInPlace(text, "\x85", "...");
+  text::replaceAllInPlace(text, "\x8B", "<");
+  text::replaceAllInPlace(text, "\x97", "--");
   std::erase(text, '\0');
   if (text::trimView(text).size() > 1) text::htmlToChar(text);
 }
@@ -82,11 +82,11 @@ std::string extractDecodedPartText(const MimePart& part) {
 std::string extractHtmlPartText(const MimePart& part) {
   std::string text = extractDecodedPartText(part);
   markQuotedBlocks(text);
-  for (const std::string_view lineEnd : {"\r\n", "\r", "\n"}) text::replaceWith(text, lineEnd, "");
-  text::replaceWithNoCase(text, "<br>", "\r\n");
-  text::replaceWithNoCase(text, "</p>", "\r\n");
+  for (const std::string_view lineEnd : {"\r\n", "\r", "\n"}) text::replaceAllInPlace(text, lineEnd, "");
+  text::replaceAllNoCaseInPlace(text, "<br>", "\r\n");
+  text::replaceAllNoCaseInPlace(text, "</p>", "\r\n");
   // Link targets stay visible in the text.
-  for (const std::string_view link : {"<a href=\"", "<a href='", "<a href=", "</a>"}) text::replaceWith(text, link, " ");
+  for (const std::string_view link : {"<a href=\"", "<a href='", "<a href=", "</a>"}) text::replaceAllInPlace(text, link, " ");
   text::stripHtml(text);
   text::htmlToChar(text);
   text::htmlConstToChar(text);

@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <string>
@@ -135,9 +136,8 @@ int zoneMinutes(std::string_view zone) {
 std::string zoneTextOfBias(int biasMinutes) {
   const int hours = -biasMinutes / 60;
   const int minutes = std::abs(biasMinutes) % 60;
-  std::string text = (hours < 0 ? "-" : "") + std::string(std::abs(hours) < 10 ? "0" : "") +
-                     std::to_string(std::abs(hours)) + (minutes < 10 ? "0" : "") + std::to_string(minutes);
-  if (text.front() != '-') text.insert(0, "+");
+  char text[32];
+  std::snprintf(text, sizeof text, "%c%02d%02d", hours < 0 ? '-' : '+', std::abs(hours), minutes);
   return text;
 }
 

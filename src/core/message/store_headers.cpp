@@ -1,7 +1,6 @@
 // What the store adds to a message: its tags, the spam mark, and the flag
 // lines written into the header block when the message is serialised.
 #include "core/message/message.h"
-#include "core/text/markup.h"
 #include "core/text/strings.h"
 
 namespace vonel::message {
@@ -28,8 +27,8 @@ void writeFlag(std::string& text, bool flag, std::string_view line) {
     return;
   }
   if (text.find(line) == std::string::npos) return;  // no copy of a large message for nothing
-  text::replaceWith(text, lineWithEnd, "");
-  text::replaceWith(text, line, "");
+  text::replaceAllInPlace(text, lineWithEnd, "");
+  text::replaceAllInPlace(text, line, "");
 }
 
 void writeTags(std::string& text, std::string_view tags) {

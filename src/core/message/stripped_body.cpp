@@ -45,7 +45,7 @@ void Message::createStrippedBody() {
 
   strippedBody = chosen.body;
   if (!strippedBody.empty()) {
-    for (const std::string_view lineEnd : {"\r\n", "\r", "\n"}) text::replaceWith(strippedBody, lineEnd, " ");
+    for (const std::string_view lineEnd : {"\r\n", "\r", "\n"}) text::replaceAllInPlace(strippedBody, lineEnd, " ");
     decodeEntities(strippedBody);
   }
 
@@ -55,7 +55,7 @@ void Message::createStrippedBody() {
     return;
   }
   htmlStrippedBody = std::move(chosen.body);
-  for (const std::string_view lineEnd : {"\r\n", "\r", "\n"}) text::replaceWith(htmlStrippedBody, lineEnd, "");
+  for (const std::string_view lineEnd : {"\r\n", "\r", "\n"}) text::replaceAllInPlace(htmlStrippedBody, lineEnd, "");
   decodeEntities(htmlStrippedBody);
   text::stripHtml(htmlStrippedBody);
 }

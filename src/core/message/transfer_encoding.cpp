@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
-#include "core/text/markup.h"
 #include "core/text/numbers.h"
 #include "core/text/shared_text.h"
 #include "core/text/strings.h"
@@ -13,20 +13,25 @@ namespace {
 
 constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
+// Marks the bytes of the table that are no base64 digit.
+constexpr int kNotBase64 = -1;
+
+// The six-bit value of each byte, a plain table because the decoder asks it
+// once per byte of every attachment.
 const std::array<int, 256>& base64Values() {
   static const std::array<int, 256> values = [] {
     std::array<int, 256> table{};
-    table.fill(-1);
+    table.fill(kNotBase64);
     for (std::size_t i = 0; i < kAlphabet.size(); ++i) table[static_cast<unsigned char>(kAlphabet[i])] = static_cast<int>(i);
     return table;
   }();
   return values;
 }
 
-int hexValue(char c) {
+std::optional<int> hexValue(char c) {
   if (c >= '0' && c <= '9') return c - '0';
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
+  return std::nullopt;
 }
 
 // Exactly at 76 and 154: the shape of a body wrapped by the book.
@@ -34,12 +39,13 @@ bool isCleanlySoftWrapped(std::string_view text) {
   return text::find(text, "=\r\n") == 76 && text::find(text, "=\r\n", 77) == 154;
 }
 
-// The byte written as two hex digits after the "=" at `at`, or -1.
-int hexPairAfter(std::string_view text, std::size_t at) {
-  if (at + 2 >= text.size()) return -1;
-  const int high = hexValue(text::upperByte(text[at + 1]));
-  const int low = hexValue(text::upperByte(text[at + 2]));
-  return high >= 0 && low >= 0 ? high * 16 + low : -1;
+// The byte written as two hex digits after the "=" at `at`.
+std::optional<char> hexPairAfter(std::string_view text, std::size_t at) {
+  if (at + 2 >= text.size()) return std::nullopt;
+  const auto high = hexValue(text::upperByte(text[at + 1]));
+  const auto low = hexValue(text::upperByte(text[at + 2]));
+  if (!high || !low) return std::nullopt;
+  return static_cast<char>(*high * 16 + *low);
 }
 
 // Hex pairs after "=" become their bytes; any other "=" stays.
@@ -47,9 +53,9 @@ std::string decodeHexPairs(std::string_view text) {
   std::string out;
   out.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const int byte = text[i] == '=' ? hexPairAfter(text, i) : -1;
-    if (byte >= 0) {
-      out += static_cast<char>(byte);
+    const auto byte = text[i] == '=' ? hexPairAfter(text, i) : std::nullopt;
+    if (byte) {
+      out += *byte;
       i += 2;
     } else {
       out += text[i];
@@ -63,36 +69,36 @@ std::string decodeHexPairs(std::string_view text) {
 std::string quotedPrintableDecode(std::string_view input) {
   if (input.find('=') == std::string_view::npos) return std::string(input);
   std::string text(input);
-  if (isCleanlySoftWrapped(text)) text::replaceWith(text, "=\r\n", "");
+  if (isCleanlySoftWrapped(text)) text::replaceAllInPlace(text, "=\r\n", "");
   if (text::find(text, "=0D")) {
-    text::replaceWith(text, "\r\n", "");
-    text::replaceWith(text, "=0D", "\r\n");
+    text::replaceAllInPlace(text, "\r\n", "");
+    text::replaceAllInPlace(text, "=0D", "\r\n");
   }
-  text::replaceWith(text, "=0A", "");
+  text::replaceAllInPlace(text, "=0A", "");
   if (text::find(text, "=2E")) {
     // The dot code is taken as a line end: people's paragraphs came through that way.
-    text::replaceWith(text, "\r\n", "");
-    text::replaceWith(text, "=2E", "\r\n");
+    text::replaceAllInPlace(text, "\r\n", "");
+    text::replaceAllInPlace(text, "=2E", "\r\n");
   }
   bool keptEquals = false;
   if (text::find(text, "=\r\n")) {
     if (text::findNoCase(text, "ebay")) {
       keptEquals = true;
-      text::replaceWith(text, "=\r\n", "");
-      text::replaceWith(text, "=3D", "\x01");
-      text::replaceWith(text, "=20\r\n", " ");
-      text::replaceWith(text, "=2E\r\n", " ");
-      text::replaceWith(text, "=09", "");
+      text::replaceAllInPlace(text, "=\r\n", "");
+      text::replaceAllInPlace(text, "=3D", "\x01");
+      text::replaceAllInPlace(text, "=20\r\n", " ");
+      text::replaceAllInPlace(text, "=2E\r\n", " ");
+      text::replaceAllInPlace(text, "=09", "");
     } else {
-      text::replaceWith(text, "=\r\n", "\r\n");
+      text::replaceAllInPlace(text, "=\r\n", "\r\n");
     }
   }
   if (text.empty()) return text;
-  text = text::byteArrayToString(decodeHexPairs(text));
+  text = text::trimBlanksAndNulls(decodeHexPairs(text));
   if (keptEquals) {
-    text::replaceWith(text, "\x01", "=");
+    text::replaceAllInPlace(text, "\x01", "=");
   } else {
-    text::replaceWith(text, "=\r", "\r");
+    text::replaceAllInPlace(text, "=\r", "\r");
   }
   return text;
 }
@@ -106,7 +112,7 @@ std::string decodeBase64Bytes(std::string_view text) {
   for (const char c : text) {
     if (c == '=') break;
     const int value = values[static_cast<unsigned char>(c)];
-    if (value < 0) continue;
+    if (value == kNotBase64) continue;
     bits = ((bits << 6) | static_cast<unsigned>(value)) & 0xFFFFFFu;
     bitCount += 6;
     if (bitCount >= 8) {
@@ -146,9 +152,9 @@ std::string decodeQuotedPrintableBytes(std::string_view text) {
       i = text[next] == '\n' ? next : next - 1;
       continue;
     }
-    const int byte = hexPairAfter(text, i);
-    if (byte >= 0) {
-      out += static_cast<char>(byte);
+    const auto byte = hexPairAfter(text, i);
+    if (byte) {
+      out += *byte;
       i += 2;
     } else {
       out += '=';

@@ -1,7 +1,9 @@
 #include "core/rules/address_list.h"
 
 #include "core/message/address.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/text/strings.h"
 
 namespace vonel::rules {
@@ -44,7 +46,8 @@ void AddressList::load() {
     const std::string_view line = text::nextLine(rest);
     if (text::trimView(line).empty()) continue;
     if (!entries_.add(std::string(line), true)) {
-      log_.addAction("\"" + std::string(line) + "\" is listed twice in " + file_.filename().string() +
+      const std::string entry(line);
+      log_.addAction("\"" + entry + "\" is listed twice in " + file_.filename().string() +
                          "; the entries after it were not read",
                      "LoadList", kModule);
       return;

@@ -1,6 +1,8 @@
 #include "core/rules/filter_rule.h"
 
 #include "core/log/app_error.h"
+#include "core/text/numbers.h"
+#include "core/text/strings.h"
 
 namespace vonel::rules {
 
@@ -12,12 +14,26 @@ std::string currentActionCode(std::string_view code) {
   return std::string(code);
 }
 
+std::optional<RuleAction> actionOfCode(std::string_view code) {
+  const std::optional<double> number = text::toNumber(currentActionCode(text::trimView(code)));
+  if (!number) return std::nullopt;
+  static constexpr std::pair<double, RuleAction> kByNumber[] = {
+      {100, RuleAction::Delete},          {200, RuleAction::Suspicious}, {300, RuleAction::MoveToFolder},
+      {400, RuleAction::Allow},           {500, RuleAction::SaveAttachments}, {600, RuleAction::RunFile},
+      {700, RuleAction::Tag},
+  };
+  for (const auto& [value, action] : kByNumber) {
+    if (*number == value) return action;
+  }
+  return RuleAction::Unknown;
+}
+
 void FilterRule::setFields(int n, std::string value) {
   if (n >= 1 && n <= kMaxConditions) fields_[n - 1] = std::move(value);
 }
 
 std::string& FilterRule::at(Column& column, int n) {
-  if (n < 1 || n > kMaxConditions) throw AppError(9, "Subscript out of range");
+  if (n < 1 || n > kMaxConditions) throw AppError(error_number::kSubscriptOutOfRange, "Subscript out of range");
   return column[n - 1];
 }
 

@@ -3,12 +3,13 @@
 // action with its argument, and whether later rules are still looked at.
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace vonel::rules {
 
-// The action codes as stored; older files hold "0" to "4" instead of the first five.
+// The action codes as stored; a file may hold "0" to "4" instead of the first five.
 namespace action {
 inline constexpr std::string_view kDelete = "100";
 inline constexpr std::string_view kSuspicious = "200";
@@ -19,8 +20,19 @@ inline constexpr std::string_view kRunFile = "600";
 inline constexpr std::string_view kTag = "700";
 }  // namespace action
 
-// The old single-digit code as its current one; any other text unchanged.
+// A single-digit code as its three-digit one; any other text unchanged.
 std::string currentActionCode(std::string_view code);
+
+// What a rule does when it holds, as the check tells the stored codes apart.
+enum class RuleAction { Delete, Suspicious, MoveToFolder, Allow, SaveAttachments, RunFile, Tag, Unknown };
+// The action a stored code stands for, single digits included; Unknown for a
+// number that is no action, nothing for a code that is no number at all.
+std::optional<RuleAction> actionOfCode(std::string_view code);
+
+// Who a rule is for: an export of shared rules leaves the private ones out.
+// A file may hold another number; it is kept, written back as read, and
+// counts as private.
+enum class RuleScope : std::int16_t { Shared = 0, Private = 1 };
 
 // The field names a condition can read, as stored and shown.
 namespace field {
@@ -45,7 +57,7 @@ class FilterRule {
   static constexpr int kMaxConditions = 4;
 
   std::string filterName;
-  std::int16_t category = 0;  // 0 shared, 1 private
+  RuleScope scope = RuleScope::Shared;
   bool stopProcessing = false;
   std::int16_t ruleCount = 0;
   std::string action;
@@ -53,7 +65,8 @@ class FilterRule {
 
   // Conditions are numbered 1 to 4. Reading any of them, or setting a
   // comparison or text, outside that range throws; setting a field there is
-  // ignored, as it always was.
+  // ignored: a rule with a fifth field line alone is still read, and it is
+  // the check that fails on it (see PreparedRule::holds).
   const std::string& fields(int n) const { return at(fields_, n); }
   const std::string& comparisons(int n) const { return at(comparisons_, n); }
   const std::string& strings(int n) const { return at(strings_, n); }

@@ -109,8 +109,7 @@ PreparedRule::PreparedRule(const FilterRule& rule) : rule_(&rule) {
                            text::upper(rule.strings(n)), {}});
     conditions_.back().trigrams = TrigramSet::hashesOf(conditions_.back().foldedText);
   }
-  // The old single-digit codes count as their new ones.
-  action_ = text::toNumber(currentActionCode(text::trimView(rule.action)));
+  action_ = actionOfCode(rule.action);
 }
 
 // A comparison other than the two known ones leaves the result as it stood:
@@ -127,12 +126,12 @@ bool PreparedRule::holds(FoldedFields& fields) const {
     }
     if (!matched) return false;
   }
-  if (matched && countsMoreThanItHolds_) throw AppError(9, "Subscript out of range");
+  if (matched && countsMoreThanItHolds_) throw AppError(error_number::kSubscriptOutOfRange, "Subscript out of range");
   return matched;
 }
 
-double PreparedRule::actionNumber() const {
-  if (!action_) throw AppError(13, "Type mismatch");
+RuleAction PreparedRule::action() const {
+  if (!action_) throw AppError(error_number::kTypeMismatch, "Type mismatch");
   return *action_;
 }
 

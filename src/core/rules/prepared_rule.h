@@ -1,7 +1,7 @@
 #pragma once
 // A rule made ready for the check, which runs it against every header of
 // every pass: field names resolved once, texts folded to upper case once,
-// the action read as a number once. A message's fields are folded once per
+// the action code read once. A message's fields are folded once per
 // check and shared by all rules.
 #include <array>
 #include <bitset>
@@ -68,11 +68,12 @@ class PreparedRule {
  public:
   explicit PreparedRule(const FilterRule& rule);
 
-  // True when every condition holds. Throws, as reading a fifth condition
-  // always did, when the first four hold and the rule counts more.
+  // True when every condition holds. Throws AppError 9 when the first four
+  // hold and the rule counts more: the check then logs the failure and the
+  // message keeps the verdict it had so far.
   bool holds(FoldedFields& fields) const;
-  // The action code as a number; throws when it isn't one.
-  double actionNumber() const;
+  // Throws AppError 13 when the stored code is no number.
+  RuleAction action() const;
   const FilterRule& rule() const { return *rule_; }
 
  private:
@@ -87,7 +88,7 @@ class PreparedRule {
   const FilterRule* rule_;
   std::vector<Condition> conditions_;
   bool countsMoreThanItHolds_ = false;
-  std::optional<double> action_;
+  std::optional<RuleAction> action_;
 };
 
 }  // namespace vonel::rules

@@ -3,7 +3,8 @@
 #include <cstdint>
 
 #include "core/message/address.h"
-#include "core/files/files.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/store/suppress_message.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
@@ -98,7 +99,7 @@ void RuleEngine::blockSender(std::string_view address) {
   lists().senders.add(std::string(address));
 }
 
-void RuleEngine::blockRecip(std::string_view address) {
+void RuleEngine::blockRecipient(std::string_view address) {
   if (text::trimView(address).empty()) return;
   lists().recipients.add(std::string(address));
 }
@@ -150,7 +151,7 @@ RuleEngine::Outcome RuleEngine::checkLists(message::Message& m, const std::strin
   };
   if (blockedSender(senderAddress)) return block("Sender Blocked", true);
   if (blockedDomain(senderAddress)) return block("Domain Blocked", true);
-  if (blockedRecipDomain(recipientAddress)) return block("Recip Domain Blocked", false);
+  if (blockedRecipientDomain(recipientAddress)) return block("Recip Domain Blocked", false);
   if (blockedRecipient(recipientAddress)) return block(recipientAddress + " Blocked", false);
   return Outcome::GoOn;
 }
@@ -165,36 +166,44 @@ bool RuleEngine::applyRules(message::Message& m, bool& useBayes) const {
     matched = prepared.holds(fields);
     if (!matched) continue;
     const FilterRule& rule = prepared.rule();
-    const double code = prepared.actionNumber();
     bool known = true;
-    if (code == 300) {
-      m.destFolder = rule.destFolder;
-      m.filterReason = rule.filterName;
-      matched = useBayes = false;
-    } else if (code == 500) {
-      m.attachmentsFolder = rule.destFolder;
-      matched = useBayes = false;
-    } else if (code == 600) {
-      m.runThisFile = rule.destFolder;
-      noteRunFile(rule);
-      matched = useBayes = false;
-    } else if (code == 700) {
-      m.setTags(rule.destFolder);
-      matched = useBayes = false;
-    } else if (code == 400) {
-      m.colour = colour::kGreen;
-      m.deleted = false;
-      m.filterReason = rule.filterName;
-      matched = false;
-    } else if (code == 200) {
-      markSuspicious(m, rule);
-      matched = false;
-    } else if (code == 100) {
-      m.deleted = true;
-      m.filterReason = rule.filterName;
-      m.colour = colour::kOrange;
-    } else {
-      known = false;
+    switch (prepared.action()) {
+      case RuleAction::MoveToFolder:
+        m.destFolder = rule.destFolder;
+        m.filterReason = rule.filterName;
+        matched = useBayes = false;
+        break;
+      case RuleAction::SaveAttachments:
+        m.attachmentsFolder = rule.destFolder;
+        matched = useBayes = false;
+        break;
+      case RuleAction::RunFile:
+        m.runThisFile = rule.destFolder;
+        noteRunFile(rule);
+        matched = useBayes = false;
+        break;
+      case RuleAction::Tag:
+        m.setTags(rule.destFolder);
+        matched = useBayes = false;
+        break;
+      case RuleAction::Allow:
+        m.colour = colour::kGreen;
+        m.deleted = false;
+        m.filterReason = rule.filterName;
+        matched = false;
+        break;
+      case RuleAction::Suspicious:
+        markSuspicious(m, rule);
+        matched = false;
+        break;
+      case RuleAction::Delete:
+        m.deleted = true;
+        m.filterReason = rule.filterName;
+        m.colour = colour::kOrange;
+        break;
+      case RuleAction::Unknown:
+        known = false;
+        break;
     }
     if (known && rule.stopProcessing) {
       useBayes = false;

@@ -50,22 +50,22 @@ class RuleEngine final : public MessageCheck {
   bool ignore(std::string_view address) const { return lists().ignored.contains(address); }
   bool blockedSender(std::string_view address) const { return lists().senders.contains(address); }
   bool blockedDomain(std::string_view address) const { return lists().domains.contains(domainOf(address)); }
-  bool blockedRecipDomain(std::string_view address) const {
+  bool blockedRecipientDomain(std::string_view address) const {
     return lists().recipientDomains.contains(domainOf(address));
   }
   bool blockedRecipient(std::string_view address) const { return lists().recipients.contains(address); }
 
   // Changes of the lists; each reads the list file again if it changed and writes it after.
   void ignoreRecipient(std::string_view address) { lists().ignored.add(std::string(address)); }
-  void unIgnoreRecipient(std::string_view address) { lists().ignored.remove(address); }
+  void unignoreRecipient(std::string_view address) { lists().ignored.remove(address); }
   void blockSender(std::string_view address);
-  void unBlockSender(std::string_view address) { lists().senders.remove(address); }
+  void unblockSender(std::string_view address) { lists().senders.remove(address); }
   void blockSenderDomain(std::string_view address) { lists().domains.add(domainOf(address)); }
-  void unBlockSenderDomain(std::string_view address) { lists().domains.remove(domainOf(address)); }
-  void blockRecipDomain(std::string_view address) { lists().recipientDomains.add(domainOf(address)); }
-  void unBlockRecipDomain(std::string_view address) { lists().recipientDomains.remove(domainOf(address)); }
-  void blockRecip(std::string_view address);
-  void unBlockRecip(std::string_view address) { lists().recipients.remove(address); }
+  void unblockSenderDomain(std::string_view address) { lists().domains.remove(domainOf(address)); }
+  void blockRecipientDomain(std::string_view address) { lists().recipientDomains.add(domainOf(address)); }
+  void unblockRecipientDomain(std::string_view address) { lists().recipientDomains.remove(domainOf(address)); }
+  void blockRecipient(std::string_view address);
+  void unblockRecipient(std::string_view address) { lists().recipients.remove(address); }
 
   // Writes the verdict into the message; see the step functions for the order.
   void checkMessage(message::Message& message, bool useBayes) override;

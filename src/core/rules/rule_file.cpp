@@ -5,7 +5,8 @@
 #include <optional>
 #include <unordered_set>
 
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_text.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 
@@ -67,7 +68,9 @@ class RuleReader {
     apply(key, parsed.value);
   }
 
-  // The last rule goes in without the name search, as it always has.
+  // The last rule goes in without the name search, so a read on top of
+  // rules ends with the file's last rule whatever its name; the import
+  // merges by name afterwards, which drops such a repeat again.
   void finish() {
     if (current_) store(false);
     current_.reset();
@@ -86,14 +89,14 @@ class RuleReader {
   void apply(std::string_view key, std::string_view value) {
     FilterRule& rule = *current_;
     if (key == "filterfield") {
-      if (conditions_ == std::numeric_limits<std::int16_t>::max()) throw AppError(6, "Overflow");
+      if (conditions_ == std::numeric_limits<std::int16_t>::max()) throw AppError(error_number::kOverflow, "Overflow");
       rule.setFields(++conditions_, std::string(value));
     } else if (key == "filtercomparison") {
       rule.setComparisons(conditions_, std::string(value));
     } else if (key == "filterstring") {
       rule.setStrings(conditions_, std::string(value));
     } else if (key == "filter_category") {
-      rule.category = text::toWhole<std::int16_t>(text::val(value));
+      rule.scope = static_cast<RuleScope>(text::toWhole<std::int16_t>(text::val(value)));
     } else if (key == "filteraction") {
       rule.action = currentActionCode(text::trimView(value));
     } else if (key == "filterdest") {
@@ -162,7 +165,7 @@ void loadFilters(RuleSet& rules, const std::filesystem::path& file, bool clear, 
 std::string ruleFileText(const RuleSet& rules, bool sharedOnly) {
   std::string out;
   for (const auto& rule : rules) {
-    if (sharedOnly && rule.category != 0) continue;
+    if (sharedOnly && rule.scope != RuleScope::Shared) continue;
     appendLine(out, "Filtername", rule.filterName);
     // More than four conditions can't be held; writing the four keeps the file readable.
     const int conditions = std::min<int>(rule.ruleCount, FilterRule::kMaxConditions);
@@ -174,7 +177,7 @@ std::string ruleFileText(const RuleSet& rules, bool sharedOnly) {
     appendLine(out, "FilterAction", rule.action);
     appendLine(out, "FilterDest", rule.destFolder);
     appendLine(out, "FilterStop", rule.stopProcessing ? "-1" : "0");
-    appendLine(out, "Filter_Category", text::printForm(static_cast<long long>(rule.category)));
+    appendLine(out, "Filter_Category", text::printForm(static_cast<long long>(static_cast<std::int16_t>(rule.scope))));
   }
   return out;
 }

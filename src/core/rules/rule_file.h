@@ -1,6 +1,6 @@
 #pragma once
 // The rule file: "key, value" lines ended by CR LF, one block of lines a
-// rule, no header. Read leniently (old action codes, unknown keys), written
+// rule, no header. Read leniently (single-digit action codes, unknown keys), written
 // whole through a temporary file so that a failed save keeps the old rules.
 #include <filesystem>
 #include <string>

@@ -4,7 +4,9 @@
 #include <optional>
 #include <vector>
 
-#include "core/files/files.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
+#include "core/files/path_text.h"
 #include "core/settings/accounts.h"
 #include "core/store/tag_files.h"
 #include "core/text/shared_text.h"

@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "core/message/message_file.h"
-#include "core/files/files.h"
+#include "core/files/file_info.h"
 #include "core/store/tag_files.h"
 #include "core/text/dates.h"
 #include "core/text/numbers.h"

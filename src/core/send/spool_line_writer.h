@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
 
 namespace vonel::send {
 

@@ -6,7 +6,8 @@
 #include "core/send/content_type.h"
 #include "core/send/spool_line_writer.h"
 #include "core/message/transfer_encoding.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/path_text.h"
 #include "core/text/strings.h"
 
 namespace vonel::send {

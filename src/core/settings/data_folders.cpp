@@ -1,6 +1,7 @@
 #include "core/settings/data_folders.h"
 
-#include "core/files/files.h"
+#include "core/files/file_info.h"
+#include "core/files/path_text.h"
 #include "core/text/strings.h"
 
 namespace vonel {
@@ -19,7 +20,7 @@ std::filesystem::path DataFolders::readFolderKey(const char* key, const std::fil
 }
 
 void DataFolders::makeFolder(const std::filesystem::path& folder) {
-  if (!files::mkMissingDir(folder)) log_.addAction("Unable to create folder " + files::textFromPath(folder));
+  if (!files::ensureFolder(folder)) log_.addAction("Unable to create folder " + files::textFromPath(folder));
 }
 
 void DataFolders::readMessageFolder() {
@@ -43,8 +44,8 @@ void DataFolders::readFilterFolder() {
 
 void DataFolders::readDataFolder() {
   dataFolderPath = readFolderKey("DataFolder", installFolder_);
-  folderNamesIni = dataFolderPath / "foldernames.ini";
-  folderListIni = dataFolderPath / "folderlist.ini";
+  folderNamesFile = dataFolderPath / "foldernames.ini";
+  folderListFile = dataFolderPath / "folderlist.ini";
   makeFolder(dataFolderPath);
 }
 

@@ -31,8 +31,8 @@ class DataFolders {
   std::filesystem::path archiveFolderPath;
   std::filesystem::path filterFolderPath;
   std::filesystem::path dataFolderPath;
-  std::filesystem::path folderNamesIni;
-  std::filesystem::path folderListIni;
+  std::filesystem::path folderNamesFile;
+  std::filesystem::path folderListFile;
 
  private:
   std::filesystem::path readFolderKey(const char* key, const std::filesystem::path& fallback);

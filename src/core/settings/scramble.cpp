@@ -17,7 +17,7 @@ constexpr unsigned char kHighestShiftable = 255 - kShift;
 std::string numericEntity(unsigned char byte) { return "&#" + std::to_string(byte) + ";"; }
 
 // The entity step. Beyond the named entities of the mark-up table, which
-// older files hold, three things keep Decrypt(Encrypt(p)) == p for every
+// settings files hold, three things keep Decrypt(Encrypt(p)) == p for every
 // password of bytes 1 to 255:
 // - "&" itself becomes "&amp;", so a password that contains entity text
 //   ("&lt;") doesn't turn into the character on the way back;

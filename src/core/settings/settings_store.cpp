@@ -5,7 +5,9 @@
 
 #include "core/log/app_error.h"
 #include "core/log/show_error.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 

@@ -1,6 +1,7 @@
 #include "core/store/cache_file.h"
 
 #include <cstring>
+#include <optional>
 
 #include "core/store/cache_text.h"
 #include "core/text/numbers.h"
@@ -50,8 +51,9 @@ class PieceFields {
     for (std::size_t open = piece.find('<'); open != std::string_view::npos; open = piece.find('<', open + 1)) {
       const std::size_t close = piece.find('>', open + 1);
       if (close == std::string_view::npos) break;
-      const int field = fieldNamed(piece.substr(open + 1, close - open - 1));
-      if (field < 0 || state_[field] != State::Absent) continue;
+      const std::optional<Field> named = fieldNamed(piece.substr(open + 1, close - open - 1));
+      if (!named || state_[*named] != State::Absent) continue;
+      const Field field = *named;
       const std::size_t valueStart = close + 1;
       const std::size_t next = piece.find('<', valueStart);
       const std::string_view rest = next == std::string_view::npos ? std::string_view() : piece.substr(next);
@@ -77,11 +79,13 @@ class PieceFields {
  private:
   enum class State { Absent, Plain, Other };
 
-  static int fieldNamed(std::string_view name) {
+  static std::optional<Field> fieldNamed(std::string_view name) {
     for (int field = 0; field < kFieldCount; ++field) {
-      if (name.size() == kFieldNames[field].size() && text::equalsNoCase(name, kFieldNames[field])) return field;
+      if (name.size() == kFieldNames[field].size() && text::equalsNoCase(name, kFieldNames[field])) {
+        return static_cast<Field>(field);
+      }
     }
-    return -1;
+    return std::nullopt;
   }
 
   std::string extracted(Field field) const {

@@ -1,6 +1,6 @@
 #pragma once
 // The text of a folder's "cache.xml": the reader, linear in the size of the
-// file, and the writer in the layout the file has always had.
+// file, and the writer in the one layout the cache files on disk have.
 #include <filesystem>
 #include <functional>
 #include <optional>

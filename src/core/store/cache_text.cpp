@@ -56,7 +56,8 @@ std::string htmlDecode(std::string_view text) {
   out.reserve(text.size());
   for (std::size_t i = 0; i < text.size();) {
     if (text[i] == '%' && i + 2 < text.size()) {
-      // Two characters that aren't hex read as far as they go, as the old reader did ("%zz" gives code 0).
+      // Two characters that aren't hex read as far as they go ("%zz" gives code 0), so a
+      // damaged cache file still reads to the end.
       const auto code = static_cast<long long>(text::val("&H" + std::string(text.substr(i + 1, 2))));
       out += static_cast<char>(code & 0xFF);
       i += 3;

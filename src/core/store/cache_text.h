@@ -1,8 +1,8 @@
 #pragma once
 // The value escaping and the tag extraction of the folder cache file. The
 // reader finds elements by a search that ignores case and tolerates a missing
-// closing tag, which is what lets files of the old writer, with their mixed
-// spellings, read back.
+// closing tag, which is what lets cache files with mixed spellings of the
+// tags read back.
 #include <string>
 #include <string_view>
 

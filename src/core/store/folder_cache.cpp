@@ -4,7 +4,10 @@
 
 #include "core/log/app_error.h"
 #include "core/message/message_file.h"
-#include "core/files/files.h"
+#include "core/files/any_case.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_view.h"
 #include "core/store/cache_file.h"
 #include "core/store/folder_listing.h"
 #include "core/text/strings.h"
@@ -51,15 +54,15 @@ class FolderCache::Listing {
 
 FolderCache::FolderCache(AppContext& context, Progress& events) : context_(context), events_(events) {}
 
-void FolderCache::fillCache(Progress& form, const fs::path& path, std::string mailFolderName) {
+void FolderCache::fillCache(Progress& progress, const fs::path& path, std::string mailFolderName) {
   guardedStep(context_.log, "FillCache", kModule, [&] {
     filling_ = true;
     path_ = path.has_filename() ? path : path.parent_path();
     mailFolderName_ = std::move(mailFolderName);
-    form.status("Reading mail files");
+    progress.status("Reading mail files");
     dirty_ = false;
     Listing listing(path_);
-    if (listing.size() > 100) form.status("Found " + std::to_string(listing.size()) + " messages");
+    if (listing.size() > 100) progress.status("Found " + std::to_string(listing.size()) + " messages");
     if (messages.empty() && files::fileExists(cacheFile())) readCache(&listing);
 
     if (!messages.empty()) {
@@ -72,8 +75,8 @@ void FolderCache::fillCache(Progress& form, const fs::path& path, std::string ma
         const bool unchanged = file != nullptr && file->modified == cached.fileDate;
         if (unchanged) listing.markKnown(*file);
         if (++scanned % 10 == 0) {
-          form.status("Scanned " + std::to_string(scanned) + "/" + std::to_string(total) + " messages");
-          form.letEventsRun();
+          progress.status("Scanned " + std::to_string(scanned) + "/" + std::to_string(total) + " messages");
+          progress.letEventsRun();
         }
         stale += unchanged ? 0 : 1;
         return !unchanged;
@@ -85,25 +88,25 @@ void FolderCache::fillCache(Progress& form, const fs::path& path, std::string ma
     if (!unknown.empty()) {
       dirty_ = true;
       // A fill from nothing counts every file as it goes; a top-up names the number first.
-      if (!messages.empty()) form.status("Adding " + std::to_string(unknown.size()) + " new messages");
+      if (!messages.empty()) progress.status("Adding " + std::to_string(unknown.size()) + " new messages");
     }
-    for (std::size_t i = 0; i < unknown.size(); ++i) addHeadersOf(form, path_ / unknown[i]->name, i + 1, unknown.size());
+    for (std::size_t i = 0; i < unknown.size(); ++i) addHeadersOf(progress, path_ / unknown[i]->name, i + 1, unknown.size());
 
-    form.status("Tidying up");
+    progress.status("Tidying up");
     filling_ = false;
     filled_ = true;
   });
   filling_ = false;
 }
 
-void FolderCache::addHeadersOf(Progress& form, const fs::path& file, std::size_t done, std::size_t total) {
+void FolderCache::addHeadersOf(Progress& progress, const fs::path& file, std::size_t done, std::size_t total) {
   ++headersRead_;
   const message::Message header = message::readMessageHeader(file, context_.log);
   // An empty or vanished file yields a message without a path; it is no message.
-  if (!header.filename().empty()) addNewMsg(header);
+  if (!header.filename().empty()) addMessage(header);
   if (done % 50 == 0) {
-    form.status("Adding " + std::to_string(done) + "/" + std::to_string(total) + " new messages");
-    form.letEventsRun();
+    progress.status("Adding " + std::to_string(done) + "/" + std::to_string(total) + " new messages");
+    progress.letEventsRun();
   }
 }
 
@@ -187,7 +190,7 @@ message::Message FolderCache::item(std::size_t index) const {
   return messages.at(index - 1).value.toMessage();
 }
 
-void FolderCache::addNewMsg(const message::Message& message, bool /*flag*/) {
+void FolderCache::addMessage(const message::Message& message) {
   CachedMessage cached = CachedMessage::of(message);
   std::string key = messageKey(cached.filename);
   // A message saved again under its name replaces the one the cache knew.
@@ -199,7 +202,7 @@ void FolderCache::addNewMsg(const message::Message& message, bool /*flag*/) {
   dirty_ = true;
 }
 
-void FolderCache::removeMsg(const message::Message& message) { removeByFilename(message.filename()); }
+void FolderCache::removeMessage(const message::Message& message) { removeByFilename(message.filename()); }
 
 void FolderCache::removeByFilename(std::string_view path) {
   messages.remove(messageKey(path));
@@ -213,9 +216,9 @@ CachedMessage& FolderCache::item(std::string_view path) {
   return *found;
 }
 
-void FolderCache::markMsgReadUnread(std::string_view path, bool read) { item(path).read = read; }
-void FolderCache::markMsgPriority(std::string_view path, bool high) { item(path).highPriority = high; }
-void FolderCache::markMsgRepliedOrNot(std::string_view path, bool replied) { item(path).replied = replied; }
+void FolderCache::markRead(std::string_view path, bool read) { item(path).read = read; }
+void FolderCache::markHighPriority(std::string_view path, bool high) { item(path).highPriority = high; }
+void FolderCache::markReplied(std::string_view path, bool replied) { item(path).replied = replied; }
 void FolderCache::changeTags(std::string_view path, std::string_view tags) { item(path).tags = std::string(tags); }
 
 }  // namespace vonel::store

@@ -23,7 +23,7 @@ class FolderCache {
   FolderCache(AppContext& context, Progress& events);
 
   // Fills from the cache file and the folder, re-reading only what is new or changed.
-  void fillCache(Progress& form, const std::filesystem::path& path, std::string mailFolderName);
+  void fillCache(Progress& progress, const std::filesystem::path& path, std::string mailFolderName);
   // Writes the file when dirty (or erases it) and forgets the folder.
   void clear(bool deleteDiskCache);
   void readCache();
@@ -33,13 +33,13 @@ class FolderCache {
   // 1-based; an empty message beyond the end.
   message::Message item(std::size_t index) const;
 
-  void addNewMsg(const message::Message& message, bool flag = false);
-  void removeMsg(const message::Message& message);
+  void addMessage(const message::Message& message);
+  void removeMessage(const message::Message& message);
   void removeByFilename(std::string_view path);
   // These throw AppError for a message the cache doesn't hold.
-  void markMsgReadUnread(std::string_view path, bool read);
-  void markMsgPriority(std::string_view path, bool high);
-  void markMsgRepliedOrNot(std::string_view path, bool replied);
+  void markRead(std::string_view path, bool read);
+  void markHighPriority(std::string_view path, bool high);
+  void markReplied(std::string_view path, bool replied);
   void changeTags(std::string_view path, std::string_view tags);
 
   const std::filesystem::path& path() const { return path_; }
@@ -60,7 +60,7 @@ class FolderCache {
   CachedMessage& item(std::string_view path);
   void readCache(const Listing* listing);
   void writeCache();
-  void addHeadersOf(Progress& form, const std::filesystem::path& file, std::size_t done, std::size_t total);
+  void addHeadersOf(Progress& progress, const std::filesystem::path& file, std::size_t done, std::size_t total);
 
   AppContext& context_;
   Progress& events_;

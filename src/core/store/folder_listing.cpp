@@ -9,7 +9,7 @@
 #endif
 
 #include "core/time/clock.h"
-#include "core/files/files.h"
+#include "core/files/file_info.h"
 #include "core/text/strings.h"
 
 namespace vonel::store {

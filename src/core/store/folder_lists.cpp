@@ -2,7 +2,10 @@
 
 #include <algorithm>
 
-#include "core/files/files.h"
+#include "core/files/any_case.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/text/shared_text.h"
 #include "core/text/strings.h"
 
@@ -33,7 +36,8 @@ std::vector<std::string> listFolders(const fs::path& root) {
 
 std::vector<std::string> listStoreFolders(const fs::path& root) {
   auto paths = listFolders(root);
-  // The same order the old neighbour-exchange sort gave: ascending by byte.
+  // Ascending by byte, not by locale: both folder lists on disk and the
+  // folder tree built from them are in this order.
   std::sort(paths.begin(), paths.end());
   return paths;
 }
@@ -56,33 +60,33 @@ std::string folderNamesText(const std::vector<std::string>& paths) {
 
 }  // namespace
 
-void generateFolderIni(Log& log, const DataFolders& folders) {
+void writeFolderLists(Log& log, const DataFolders& folders) {
   guardedStep(log, "GenerateFolderIni", kModule, [&] {
     const auto paths = listStoreFolders(folders.messageFolderPath);
     std::string list;
     for (const std::string& path : paths) list += path + "\r\n";
-    files::writeTextFile(folders.folderNamesIni, folderNamesText(paths));
-    files::writeTextFile(folders.folderListIni, list);
+    files::writeTextFile(folders.folderNamesFile, folderNamesText(paths));
+    files::writeTextFile(folders.folderListFile, list);
   });
 }
 
-std::vector<std::string> fillMailFolders(Log& log, const DataFolders& folders) {
+std::vector<std::string> listedMailFolders(Log& log, const DataFolders& folders) {
   std::vector<std::string> result;
   guardedStep(log, "FillMailFolders", kModule, [&] {
-    if (!files::fileExists(folders.folderListIni)) generateFolderIni(log, folders);
-    for (std::string& line : text::split(files::loadTextFile(folders.folderListIni), "\r\n")) {
+    if (!files::fileExists(folders.folderListFile)) writeFolderLists(log, folders);
+    for (std::string& line : text::split(files::loadTextFile(folders.folderListFile), "\r\n")) {
       if (!text::trim(line).empty()) result.push_back(std::move(line));
     }
   });
   return result;
 }
 
-FolderChoices fillFolderCombo(Log& log, const DataFolders& folders) {
+FolderChoices folderChoices(Log& log, const DataFolders& folders) {
   FolderChoices choices;
-  for (const std::string& folder : fillMailFolders(log, folders)) {
+  for (const std::string& folder : listedMailFolders(log, folders)) {
     if (folder == "Outbox\\") continue;
     choices.items.push_back("\\" + folder);
-    if (choices.items.back() == "\\Inbox\\") choices.selected = static_cast<int>(choices.items.size()) - 1;
+    if (choices.items.back() == "\\Inbox\\") choices.selected = choices.items.size() - 1;
   }
   return choices;
 }
@@ -100,7 +104,7 @@ std::string makeNewFolder(Log& log, const DataFolders& folders, std::string_view
   if (name.empty()) return "Please enter a folder name";
   const fs::path parentFolder = storeFolder(folders.messageFolderPath, parent);
   if (files::findAnyCase(parentFolder, name)) return "There's already a folder called " + name + ".  Please try again.";
-  if (!files::mkMissingDir(parentFolder / name)) {
+  if (!files::ensureFolder(parentFolder / name)) {
     log.addAction("Can't make folder " + (parentFolder / name).string(), "MakeNewFolder", kModule);
     return "Can't make the folder " + (parentFolder / name).string() + ".";
   }

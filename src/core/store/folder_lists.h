@@ -3,7 +3,9 @@
 // (each folder's name and its parent's, for the tree) and "folderlist.ini"
 // (each folder's path under the store root, for the folder choosers). Paths in
 // them use "\" and end in it, whatever the system's separator.
+#include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,17 +20,17 @@ namespace vonel::store {
 std::vector<std::string> listStoreFolders(const std::filesystem::path& root);
 
 // Lists every folder under the store root and writes both files.
-void generateFolderIni(Log& log, const DataFolders& folders);
+void writeFolderLists(Log& log, const DataFolders& folders);
 
 // The relative paths of "folderlist.ini" ("Inbox\", "Inbox\Work\"), made first if missing.
-std::vector<std::string> fillMailFolders(Log& log, const DataFolders& folders);
+std::vector<std::string> listedMailFolders(Log& log, const DataFolders& folders);
 
 struct FolderChoices {
   std::vector<std::string> items;  // "\Inbox\", "\Sent Items\", ...
-  int selected = -1;               // the Inbox when listed
+  std::optional<std::size_t> selected;  // the Inbox when listed
 };
 // The folders a message can be filed into: all but the outbox.
-FolderChoices fillFolderCombo(Log& log, const DataFolders& folders);
+FolderChoices folderChoices(Log& log, const DataFolders& folders);
 
 // The folder on disk for a relative store path in the lists' form ("\\Inbox\\Work\\"),
 // each name matched in any case against the folders that exist.

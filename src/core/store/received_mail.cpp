@@ -2,7 +2,9 @@
 
 #include "core/message/attachment_files.h"
 #include "core/message/message_file.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/path_text.h"
 #include "core/store/folder_lists.h"
 #include "core/store/tag_files.h"
 
@@ -25,16 +27,16 @@ fs::path targetFolder(const AppContext& context, const message::Message& message
 // of its own still goes to the inbox path.
 fs::path madeTargetFolder(AppContext& context, const message::Message& message) {
   fs::path folder = targetFolder(context, message);
-  files::mkMissingDir(folder);
+  files::ensureFolder(folder);
   if (files::folderExists(folder)) return folder;
   const fs::path fallbackRoot = context.installFolder() / "Messages";
   context.prompt.ask("Cannot find mail folder: " + files::textFromPath(context.folders.messageFolderPath) +
                          ". Mail will be saved to " + files::textFromPath(context.installFolder()) + " instead.",
                      Buttons::Ok, "Vonel");
   context.folders.messageFolderPath = fallbackRoot;
-  files::mkMissingDir(fallbackRoot);
+  files::ensureFolder(fallbackRoot);
   folder = targetFolder(context, message);
-  files::mkMissingDir(folder);
+  files::ensureFolder(folder);
   if (!files::folderExists(folder)) throw AppError(76, "Path not found: " + files::textFromPath(folder));
   return folder;
 }
@@ -59,7 +61,7 @@ StoredMessage saveReceivedMessage(AppContext& context, message::Message& message
   const std::string_view subject = message.subject;
   const std::string_view name = subject.size() > kLongestName ? subject.substr(0, kShortenedName) : subject;
   stored.file = message::getUnusedFilename(message.read, stored.folder, name, ".eml", context.clock);
-  files::mkMissingDir(stored.folder);
+  files::ensureFolder(stored.folder);
   message.setFilename(stored.file.string());
   files::writeTextFile(stored.file, message.rawMessage());
   context.log.addAction(files::textFromPath(stored.file) + " saved", "fGetMail_MessageReceived", kModule);

@@ -3,7 +3,8 @@
 #include <cmath>
 
 #include "core/message/message_file.h"
-#include "core/files/files.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/store/folder_cache.h"
 #include "core/store/folder_listing.h"
 #include "core/store/folder_lists.h"
@@ -29,12 +30,12 @@ void StoreLister::populateFolders(bool regenerate) {
     const DataFolders& folders = context_.folders;
     events_.onClearFolders();
     if (regenerate) {
-      files::eraseFile(folders.folderNamesIni);
-      files::eraseFile(folders.folderListIni);
+      files::eraseFile(folders.folderNamesFile);
+      files::eraseFile(folders.folderListFile);
     }
-    if (!files::fileExists(folders.folderNamesIni)) generateFolderIni(context_.log, folders);
+    if (!files::fileExists(folders.folderNamesFile)) writeFolderLists(context_.log, folders);
     events_.onAddFolder("Folders", "", folders.messageFolderPath.string());
-    const auto lines = text::split(files::loadTextFile(folders.folderNamesIni), "\r\n");
+    const auto lines = text::split(files::loadTextFile(folders.folderNamesFile), "\r\n");
     for (std::size_t i = 0; i < lines.size(); i += 2) {
       if (text::trim(lines[i]).empty()) continue;
       events_.onAddFolder(lines[i], i + 1 < lines.size() ? lines[i + 1] : std::string(), "");

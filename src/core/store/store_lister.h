@@ -42,7 +42,7 @@ struct ListFilter {
   std::string searchText;
 };
 
-// The four colours of a message's age, blue-green-red as the old colour values.
+// The four colours of a message's age, blue-green-red as the display takes them.
 inline constexpr std::int32_t kAgeColours[] = {0xA7A7A7, 0x808080, 0x595959, 0x008000};
 
 // The three ages in days ("Age0", "Age1", "Age2"; 30, 14 and 1 by default).

@@ -13,7 +13,7 @@ bool suppressMessage(const message::Message& message, const SettingsStore& setti
   if (first.empty() && second.empty()) return false;
   for (const std::string& address : {first, second}) {
     if (address.empty()) continue;
-    if (text::contains(message.toEmail(), address) || text::contains(message.cc, address)) return false;
+    if (text::containsNoCase(message.toEmail(), address) || text::containsNoCase(message.cc, address)) return false;
   }
   return true;
 }

@@ -4,7 +4,10 @@
 #include <limits>
 
 #include "core/log/app_error.h"
-#include "core/files/files.h"
+#include "core/files/any_case.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 
@@ -20,8 +23,9 @@ constexpr std::string_view kLastMessageTag = "LastMsg.Tag";
 constexpr std::string_view kShowUnreadOnly = "ShowUnreadOnly.tag";
 constexpr std::string_view kShowUnreadHighOnly = "ShowUnreadHighOnly.tag";
 
-// The tag names have always been written in one spelling and read in
-// another; on a case-sensitive disk both must reach the one file there is.
+// The tag files are written under one spelling of their names and read under
+// another, and folders on disk hold either; on a case-sensitive disk both
+// must reach the one file there is.
 fs::path tagFile(const fs::path& folder, std::string_view name) { return files::resolveAnyCase(folder, name); }
 
 std::string loadTag(const fs::path& folder, std::string_view name) {
@@ -48,7 +52,7 @@ long dayNumber(const text::DateTime& moment) { return static_cast<long>(std::flo
 
 }  // namespace
 
-// The tag holds a day count; a date text of an older writer is read too.
+// The tag holds a day count; a date text found in its place is read too.
 long dayFromTagText(std::string_view tag) {
   const std::string text = text::replaceAll(tag, "\r\n", "");
   if (text.find('\\') != std::string::npos) return 0;

@@ -36,12 +36,12 @@ char32_t cp1252ToUnicode(unsigned char byte) {
   return byte;
 }
 
-int unicodeToCp1252(char32_t codePoint) {
-  if (codePoint < 0x80 || (codePoint >= 0xA0 && codePoint <= 0xFF)) return static_cast<int>(codePoint);
+std::optional<char> unicodeToCp1252(char32_t codePoint) {
+  if (codePoint < 0x80 || (codePoint >= 0xA0 && codePoint <= 0xFF)) return static_cast<char>(codePoint);
   for (std::size_t i = 0; i < kHighControls.size(); ++i) {
-    if (kHighControls[i] == codePoint) return static_cast<int>(0x80 + i);
+    if (kHighControls[i] == codePoint) return static_cast<char>(0x80 + i);
   }
-  return -1;
+  return std::nullopt;
 }
 
 std::string cp1252ToUtf8(std::string_view bytes) {
@@ -75,8 +75,7 @@ std::string utf8ToCp1252(std::string_view utf8) {
       ++i;
       continue;
     }
-    const int byte = unicodeToCp1252(cp);
-    out += byte < 0 ? '?' : static_cast<char>(byte);
+    out += unicodeToCp1252(cp).value_or('?');
     i += length;
   }
   return out;

@@ -1,5 +1,6 @@
 #pragma once
 // Mail text is held as bytes of the Windows-1252 code page, one byte per character.
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -9,8 +10,8 @@ namespace vonel::text {
 // leaves unassigned map to the C1 control of the same value, as Windows does.
 char32_t cp1252ToUnicode(unsigned char byte);
 
-// The Windows-1252 byte of a code point, or -1 when the code page has none.
-int unicodeToCp1252(char32_t codePoint);
+// The Windows-1252 byte of a code point; nothing when the code page has none.
+std::optional<char> unicodeToCp1252(char32_t codePoint);
 
 // Conversions between Windows-1252 bytes and UTF-8, for terminals and files
 // that the outside world reads. Unmappable characters become '?'.

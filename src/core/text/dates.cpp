@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <optional>
 
 #include "core/text/strings.h"
 
@@ -41,11 +42,11 @@ std::string twoDigits(int n) {
 const std::array<const char*, 7> kDayNames = {"Sunday", "Monday", "Tuesday", "Wednesday",
                                               "Thursday", "Friday", "Saturday"};
 
-int readDigits(std::string_view s, std::size_t at, std::size_t count) {
-  if (at + count > s.size()) return -1;
+std::optional<int> readDigits(std::string_view s, std::size_t at, std::size_t count) {
+  if (at + count > s.size()) return std::nullopt;
   int value = 0;
   for (std::size_t i = at; i < at + count; ++i) {
-    if (s[i] < '0' || s[i] > '9') return -1;
+    if (s[i] < '0' || s[i] > '9') return std::nullopt;
     value = value * 10 + (s[i] - '0');
   }
   return value;
@@ -107,20 +108,24 @@ std::string formatStoreDate(const DateTime& m) {
 std::optional<DateTime> parseStoreDate(std::string_view text) {
   const std::string_view t = trimView(text);
   if (t.size() < 10 || t[4] != '-' || t[7] != '-') return std::nullopt;
+  const auto year = readDigits(t, 0, 4);
+  const auto month = readDigits(t, 5, 2);
+  const auto day = readDigits(t, 8, 2);
+  if (!year || !month || !day || !isValidDate(*year, *month, *day)) return std::nullopt;
   DateTime m;
-  m.year = readDigits(t, 0, 4);
-  m.month = readDigits(t, 5, 2);
-  m.day = readDigits(t, 8, 2);
-  if (!isValidDate(m.year, m.month, m.day)) return std::nullopt;
+  m.year = *year;
+  m.month = *month;
+  m.day = *day;
   m.hour = m.minute = m.second = 0;
   if (t.size() == 10) return m;
   if (t.size() != 19 || t[10] != ' ' || t[13] != ':' || t[16] != ':') return std::nullopt;
-  m.hour = readDigits(t, 11, 2);
-  m.minute = readDigits(t, 14, 2);
-  m.second = readDigits(t, 17, 2);
-  if (m.hour < 0 || m.hour > 23 || m.minute < 0 || m.minute > 59 || m.second < 0 || m.second > 59) {
-    return std::nullopt;
-  }
+  const auto hour = readDigits(t, 11, 2);
+  const auto minute = readDigits(t, 14, 2);
+  const auto second = readDigits(t, 17, 2);
+  if (!hour || !minute || !second || *hour > 23 || *minute > 59 || *second > 59) return std::nullopt;
+  m.hour = *hour;
+  m.minute = *minute;
+  m.second = *second;
   return m;
 }
 

@@ -36,7 +36,7 @@ using MonthNames = std::array<std::string, 12>;
 const MonthNames& englishMonthNames();      // "January" ... "December"
 const MonthNames& englishShortMonthNames(); // "Jan" ... "Dec"
 
-// A picture of date tokens in the old formatting style: "YYYY", "YY",
+// A picture of date tokens, as the settings and locale formats hold them: "YYYY", "YY",
 // "MMMM", "MMM", "MM", "M", "DDDD", "DDD", "DD", "D", "HH", "H", "NN", "SS",
 // case-blind. "MM" right after an hour token means minutes. Anything else is
 // copied. Month and day names come from the given tables.

@@ -49,9 +49,6 @@ const EntityTable& table() {
   return instance;
 }
 
-// The order of charToHtml: quote, blank, "<", ">", the dashes, then 161 to 255.
-constexpr std::array<unsigned char, 6> kFirstBytes = {'"', ' ', '<', '>', 150, 151};
-
 }  // namespace
 
 std::string_view entityFor(unsigned char byte) { return table().byByte[byte]; }
@@ -60,31 +57,6 @@ std::optional<unsigned char> byteForEntity(std::string_view name) {
   const auto it = table().byName.find(std::string(name));
   if (it == table().byName.end()) return std::nullopt;
   return it->second;
-}
-
-void charToHtml(std::string& text) {
-  if (trimView(text).empty()) return;
-  // One pass: each byte takes the entity of the first table entry it matches
-  // ignoring case, which is what replacing entry by entry in order gives.
-  std::array<std::string_view, 256> replacement{};
-  for (unsigned char byte : kFirstBytes) replacement[byte] = entityFor(byte);
-  for (int code = 161; code <= 255; ++code) {
-    const auto byte = static_cast<unsigned char>(code);
-    const std::string_view entity = entityFor(byte);
-    if (entity.empty()) continue;
-    for (unsigned char twin : {byte, static_cast<unsigned char>(upperByte(static_cast<char>(byte))),
-                               static_cast<unsigned char>(lowerByte(static_cast<char>(byte)))}) {
-      if (replacement[twin].empty()) replacement[twin] = entity;
-    }
-  }
-  std::string out;
-  out.reserve(text.size() + text.size() / 4);
-  for (char c : text) {
-    const std::string_view entity = replacement[static_cast<unsigned char>(c)];
-    if (entity.empty()) out += c;
-    else out += entity;
-  }
-  text = std::move(out);
 }
 
 void htmlToChar(std::string& text) {

@@ -12,12 +12,6 @@ std::string_view entityFor(unsigned char byte);
 // The byte an entity name stands for ("eacute" without '&' and ';'), exact case.
 std::optional<unsigned char> byteForEntity(std::string_view name);
 
-// Replaces, ignoring case, the quote, blank, "<", ">", the dashes 150 and 151,
-// and each code 161 to 255 but 162 and 223 by its entity. An upper-case
-// letter comes first in that order, so its lower-case twin takes the same
-// entity ("a grave" becomes "&Agrave;"), as this conversion always has.
-void charToHtml(std::string& text);
-
 // Turns the entities of the table back into their bytes and cuts the text at
 // the first null byte.
 void htmlToChar(std::string& text);

@@ -18,17 +18,18 @@ struct Swap {
   std::string_view replace;
 };
 
-// The order matters only in that it is the order these were always applied.
+// No replacement makes another's text, so their order changes nothing. An
+// en dash reads as "...": the stripped body the rules and the Bayes tokens
+// see depends on it.
 constexpr Swap kNumericForms[] = {
-    {"&#8230;", "..."}, {"&#8220;", "\""}, {"&#8221;", "\""}, {"&#8216;", "'"},   {"&#8217;", "'"},
-    {"&#8212;", "-"},   {"&#8230;", "..."}, {"&#8211;", "..."}, {"&#8220;", "\""}, {"&#8221;", "\""},
-    {"&#8243;", "\""},  {"&#8216;", "'"},   {"&#8242;", "'"},   {"&#8217;", "'"},   {"&#8212;", "-"},
-    {"&#8364;", kEuro},   {"&#8226;", kBullet},
+    {"&#8230;", "..."}, {"&#8220;", "\""}, {"&#8221;", "\""}, {"&#8216;", "'"}, {"&#8217;", "'"},
+    {"&#8212;", "-"},   {"&#8211;", "..."}, {"&#8243;", "\""}, {"&#8242;", "'"}, {"&#8364;", kEuro},
+    {"&#8226;", kBullet},
 };
 
 // The byte a decimal reference stands for; nothing for codes outside 1 to 254.
 std::string_view referenceByte(std::string_view digits, char& byte) {
-  const int code = toWhole<int>(val(digits));  // held as a whole number, as it always was
+  const int code = toWhole<int>(val(digits));  // rounded: "&#65.6;" stands for "B"
   if (code < 1 || code >= 255) return {};
   byte = static_cast<char>(code);
   return std::string_view(&byte, 1);
@@ -44,7 +45,7 @@ void resolveStepwise(std::string& text) {
     if (semicolon == 0) return;
     const std::string reference = mid(text, start, semicolon - start + 1);
     char byte = 0;
-    replaceWith(text, reference, referenceByte(mid(text, start + 2, semicolon - start - 2), byte));
+    replaceAllInPlace(text, reference, referenceByte(mid(text, start + 2, semicolon - start - 2), byte));
   }
 }
 
@@ -84,31 +85,6 @@ void resolveDecimalReferences(std::string& text) {
 
 }  // namespace
 
-void myReplace(std::string& text, std::string_view find, std::string_view replace, bool caseSensitive) {
-  // Most calls find nothing; they shouldn't pay for a copy of a whole body.
-  if (caseSensitive) {
-    if (text.find(find) != std::string::npos) text = replaceAll(text, find, replace);
-  } else if (findNoCase(text, find)) {
-    text = replaceAllNoCase(text, find, replace);
-  }
-}
-
-void myReplaceNoCaps(std::string& text, std::string_view find, std::string_view replace) {
-  myReplace(text, find, replace, true);
-}
-
-void replaceWith(std::string& text, std::string_view find, std::string_view replace) {
-  myReplace(text, find, replace, true);
-}
-
-void replaceWithNoCase(std::string& text, std::string_view find, std::string_view replace) {
-  myReplace(text, find, replace, false);
-}
-
-void replaceUsingC(std::string& text, std::string_view find, std::string_view replace) {
-  myReplace(text, find, replace, true);
-}
-
 void stripTags(std::string& text) {
   std::string out;
   out.reserve(text.size());
@@ -143,12 +119,12 @@ void stripHtml(std::string& text) {
 void htmlConstToChar(std::string& text) {
   // Every form below starts with "&".
   if (trimView(text).empty() || text.find('&') == std::string::npos) return;
-  replaceWithNoCase(text, "&hellip;", "...");
-  replaceWithNoCase(text, "&bull;", kBullet);
-  replaceWith(text, "&prime;", "'");
-  replaceWith(text, "&Prime;", "\"");
+  replaceAllNoCaseInPlace(text, "&hellip;", "...");
+  replaceAllNoCaseInPlace(text, "&bull;", kBullet);
+  replaceAllInPlace(text, "&prime;", "'");
+  replaceAllInPlace(text, "&Prime;", "\"");
   if (find(text, "&#") == 0) return;
-  for (const Swap& swap : kNumericForms) replaceWithNoCase(text, swap.find, swap.replace);
+  for (const Swap& swap : kNumericForms) replaceAllNoCaseInPlace(text, swap.find, swap.replace);
   resolveDecimalReferences(text);
 }
 

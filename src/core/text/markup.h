@@ -1,20 +1,10 @@
 #pragma once
-// Replacement and mark-up conversion over whole message bodies. Each
-// procedure changes the text it is given.
+// Mark-up conversion over whole message bodies. The procedures that take a
+// `std::string&` change the text they are given.
 #include <string>
 #include <string_view>
 
 namespace vonel::text {
-
-// Replaces every occurrence; `caseSensitive` false compares ignoring case.
-// What was inserted is not searched again.
-void myReplace(std::string& text, std::string_view find, std::string_view replace, bool caseSensitive);
-// Despite its name this one compares exactly.
-void myReplaceNoCaps(std::string& text, std::string_view find, std::string_view replace);
-void replaceWith(std::string& text, std::string_view find, std::string_view replace);
-void replaceWithNoCase(std::string& text, std::string_view find, std::string_view replace);
-// The fast exact replacement; it must give what replaceWith gives.
-void replaceUsingC(std::string& text, std::string_view find, std::string_view replace);
 
 // Deletes every "<" ... ">" span, brackets included. A "<" with no ">" after
 // it is left, and so is the rest of the text behind it.

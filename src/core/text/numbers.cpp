@@ -11,7 +11,7 @@ namespace vonel::text {
 namespace {
 
 // Formats with %G at the given precision and then reshapes the C form into
-// the program's: mantissa without trailing zeros, two-digit exponent at least.
+// the files': mantissa without trailing zeros, two-digit exponent at least.
 std::string formatSignificant(double value, int digits, bool leadingBlank) {
   if (value == 0) return leadingBlank ? " 0" : "0";
   char buffer[64];
@@ -57,7 +57,12 @@ std::string numberText(float value, bool leadingBlank) {
 
 std::string printForm(double value) { return numberText(value, true) + " "; }
 std::string printForm(float value) { return numberText(value, true) + " "; }
-std::string printForm(long long value) { return (value < 0 ? "" : " ") + std::to_string(value) + " "; }
+std::string printForm(long long value) {
+  std::string out = value < 0 ? "" : " ";
+  out += std::to_string(value);
+  out += ' ';
+  return out;
+}
 
 std::string plainText(double value) { return withLeadingZero(numberText(value, false)); }
 std::string plainText(float value) { return withLeadingZero(numberText(value, false)); }

@@ -9,7 +9,7 @@
 
 namespace vonel::text {
 
-// Shortest text of a number as the program has always written it: 15
+// Shortest text of a number as the files and log lines carry it: 15
 // significant digits for a double, 7 for a single float, exponent form
 // ("1E+15", "1.5E-05") outside the fixed range, no "0" before the point.
 // `leadingBlank` reserves the sign column, as the print form does.

@@ -38,8 +38,6 @@ std::string trimBlanksAndNulls(std::string_view text) {
   return std::string(text.substr(first, last - first + 1));
 }
 
-std::string byteArrayToString(std::string_view bytes) { return trimBlanksAndNulls(bytes); }
-
 std::size_t wordCount(std::string_view text) {
   std::size_t words = 0;
   bool inWord = false;
@@ -72,8 +70,7 @@ void removeNonAlphaNumeric(std::string& text) {
   text = trim(text);
 }
 
-bool contains(std::string_view text, std::string_view search) { return findNoCase(text, search) != 0; }
-
+bool containsNoCase(std::string_view text, std::string_view search) { return findNoCase(text, search) != 0; }
 
 bool stringsEqual(std::string_view a, std::string_view b) { return equalsNoCase(trimView(a), trimView(b)); }
 

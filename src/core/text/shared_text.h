@@ -16,8 +16,6 @@ void removeChar(std::string& text, std::string_view character);
 void removeExtraSpaces(std::string& text);
 // Blanks and null bytes off both ends, as the helper library's trim does.
 std::string trimBlanksAndNulls(std::string_view text);
-// A string of the given bytes, trimmed by trimBlanksAndNulls.
-std::string byteArrayToString(std::string_view bytes);
 // Words are runs of characters other than blanks, tabs and line ends.
 std::size_t wordCount(std::string_view text);
 
@@ -30,7 +28,7 @@ void trimJunkFromStart(std::string& text);
 void removeNonAlphaNumeric(std::string& text);
 
 // Whether the text holds the search text, ignoring case.
-bool contains(std::string_view text, std::string_view search);
+bool containsNoCase(std::string_view text, std::string_view search);
 // Equal once both are trimmed, ignoring case.
 bool stringsEqual(std::string_view a, std::string_view b);
 

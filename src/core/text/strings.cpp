@@ -38,7 +38,7 @@ bool bytesEqualNoCase(char a, char b) {
 }
 
 template <typename Matcher>
-std::string replaceWith(std::string_view s, std::string_view findText, std::string_view with, Matcher findFrom) {
+std::string replaceEach(std::string_view s, std::string_view findText, std::string_view with, Matcher findFrom) {
   if (findText.empty()) return std::string(s);
   std::string out;
   out.reserve(s.size());
@@ -147,12 +147,20 @@ std::string right(std::string_view s, std::size_t length) {
 }
 
 std::string replaceAll(std::string_view s, std::string_view findText, std::string_view with) {
-  return replaceWith(s, findText, with,
+  return replaceEach(s, findText, with,
                      [](std::string_view h, std::string_view n, std::size_t from) { return h.find(n, from); });
 }
 
 std::string replaceAllNoCase(std::string_view s, std::string_view findText, std::string_view with) {
-  return replaceWith(s, findText, with, findNoCaseOffset);
+  return replaceEach(s, findText, with, findNoCaseOffset);
+}
+
+void replaceAllInPlace(std::string& text, std::string_view findText, std::string_view with) {
+  if (text.find(findText) != std::string::npos) text = replaceAll(text, findText, with);
+}
+
+void replaceAllNoCaseInPlace(std::string& text, std::string_view findText, std::string_view with) {
+  if (findNoCase(text, findText) != 0) text = replaceAllNoCase(text, findText, with);
 }
 
 std::vector<std::string> split(std::string_view s, std::string_view separator) {

@@ -16,7 +16,8 @@ std::string upper(std::string_view s);
 std::string lower(std::string_view s);
 bool equalsNoCase(std::string_view a, std::string_view b);
 
-// Blanks only (not tabs or line ends), as the program's trimming has always done.
+// Blanks only, never tabs or line ends: the rule check spots a sender name
+// that starts with a TAB, which trimming must leave in place.
 std::string_view trimView(std::string_view s);
 std::string trim(std::string_view s);
 std::string trimLeft(std::string_view s);
@@ -37,6 +38,10 @@ std::string right(std::string_view s, std::size_t length);
 // Every occurrence replaced, without rescanning what was inserted.
 std::string replaceAll(std::string_view s, std::string_view find, std::string_view with);
 std::string replaceAllNoCase(std::string_view s, std::string_view find, std::string_view with);
+// The same on a text in place, for whole message bodies: most calls find
+// nothing and then cost no copy.
+void replaceAllInPlace(std::string& text, std::string_view find, std::string_view with);
+void replaceAllNoCaseInPlace(std::string& text, std::string_view find, std::string_view with);
 
 // Pieces between separators; an empty text gives one empty piece.
 std::vector<std::string> split(std::string_view s, std::string_view separator);

@@ -1,6 +1,7 @@
 // A message downloaded with RETR: written to a temporary file as it comes,
 // read back whole once the terminator is in, judged and handed to the owner.
-#include "core/files/files.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/text/strings.h"
 #include "protocol/pop3/pop3_reply_text.h"
 #include "protocol/pop3/pop3_session.h"

@@ -3,7 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "core/bayes/tokeniser.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
 #include "../store/store_home.h"
 
 namespace vonel::bayes {
@@ -27,7 +28,7 @@ class TrainingTest : public ::testing::Test {
   }
   std::filesystem::path spamFolder() {
     const auto folder = home.root() / "SpamBayes";
-    files::mkMissingDir(folder);
+    files::ensureFolder(folder);
     return folder;
   }
   // The tokens training takes from a stored message.
@@ -38,7 +39,7 @@ class TrainingTest : public ::testing::Test {
     table.initSmall();
     hashMessage(table, m, false);
     std::vector<std::string> keys;
-    for (std::int32_t i = 1; i <= table.lastRecord; ++i) keys.push_back(table.recString(i));
+    for (std::int32_t i = 1; i <= table.lastRecord; ++i) keys.push_back(table.keyAt(i));
     return keys;
   }
 
@@ -53,17 +54,17 @@ TEST_F(TrainingTest, WordProbabilitiesAreTheShareOfTheSpamRate) {
   WordTable bad = counts({{"EVEN", 5}, {"SPAMONLY", 2}, {"RAREGOOD", 9}, {"MOSTLYGOOD", 1}, {"ONCE", 1}}, 10);
   training.generateWordHash(good, bad, 2);
   WordTable words = writtenWords();
-  EXPECT_FLOAT_EQ(words.findRec("EVEN").Value, 0.5f);
-  EXPECT_FLOAT_EQ(words.findRec("GOODONLY").Value, 0.01f);
-  EXPECT_FLOAT_EQ(words.findRec("SPAMONLY").Value, 0.99f);
-  EXPECT_FLOAT_EQ(words.findRec("MOSTLYGOOD").Value, 0.1f);  // 0.1 / (0.9 + 0.1)
-  EXPECT_EQ(words.findRec("RAREGOOD").index, 0);  // under the minimum as good, known as good as spam
-  EXPECT_EQ(words.findRec("ONCE").index, 0);
+  EXPECT_FLOAT_EQ(words.findRecord("EVEN").value().value, 0.5f);
+  EXPECT_FLOAT_EQ(words.findRecord("GOODONLY").value().value, 0.01f);
+  EXPECT_FLOAT_EQ(words.findRecord("SPAMONLY").value().value, 0.99f);
+  EXPECT_FLOAT_EQ(words.findRecord("MOSTLYGOOD").value().value, 0.1f);  // 0.1 / (0.9 + 0.1)
+  EXPECT_FALSE(words.findRecord("RAREGOOD"));  // under the minimum as good, known as good as spam
+  EXPECT_FALSE(words.findRecord("ONCE"));
 
   // With no good mail at all every spam token at the minimum is spam only.
   WordTable none;
   training.generateWordHash(none, bad, 2);
-  EXPECT_FLOAT_EQ(writtenWords().findRec("EVEN").Value, 0.99f);
+  EXPECT_FLOAT_EQ(writtenWords().findRecord("EVEN").value().value, 0.99f);
 }
 
 TEST_F(TrainingTest, FullTrainingCountsEveryFileAndWritesThreeTables) {
@@ -81,7 +82,7 @@ TEST_F(TrainingTest, FullTrainingCountsEveryFileAndWritesThreeTables) {
   EXPECT_TRUE(files::fileExists(training.badTableFile()));
   const WordTable words = writtenWords();
   for (const std::string& token : tokensOf(spamText)) {
-    EXPECT_FLOAT_EQ(words.findRec(token).Value, 0.99f) << token;
+    EXPECT_FLOAT_EQ(words.findRecord(token).value().value, 0.99f) << token;
   }
 
   // The next score reads the new table.
@@ -95,18 +96,18 @@ TEST_F(TrainingTest, FullTrainingCountsEveryFileAndWritesThreeTables) {
 TEST_F(TrainingTest, MarkingCountsEachTokenOnceAMessageAndNeverSubtracts) {
   message::Message m;
   m.createFromText("From: x@y.example\r\nSubject: win win win\r\n\r\n", true);
-  training.addToJunk(m);
-  training.addToJunk(m);
-  training.removeFromJunk(m);
+  training.countMessage(m, Verdict::Junk);
+  training.countMessage(m, Verdict::Junk);
+  training.countMessage(m, Verdict::Good);
   EXPECT_EQ(training.badTable().messageCount, 2);
   EXPECT_EQ(training.goodTable().messageCount, 1);
-  const std::string token = training.badTable().recString(1);
-  EXPECT_FLOAT_EQ(training.badTable().findRec(token).Value, 2.0f);
-  EXPECT_FLOAT_EQ(training.goodTable().findRec(token).Value, 1.0f);
+  const std::string token = training.badTable().keyAt(1);
+  EXPECT_FLOAT_EQ(training.badTable().findRecord(token).value().value, 2.0f);
+  EXPECT_FLOAT_EQ(training.goodTable().findRecord(token).value().value, 1.0f);
 
   home.context.spamWordMinimum = 1;
   training.recreateWordHash();
-  EXPECT_FLOAT_EQ(writtenWords().findRec(token).Value, 0.5f);  // in every message of both sides
+  EXPECT_FLOAT_EQ(writtenWords().findRecord(token).value().value, 0.5f);  // in every message of both sides
   WordTable reread;
   reread.loadTable(training.badTableFile(), home.context.log);
   EXPECT_EQ(reread.messageCount, 2);

@@ -7,7 +7,7 @@
 #include "../test_home.h"
 #include "core/bayes/score_steps.h"
 #include "core/bayes/tokeniser.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
 
 namespace vonel::bayes {
 namespace {
@@ -30,7 +30,7 @@ class SpamScore : public ::testing::Test {
     tokens.initSmall();
     hashMessage(tokens, message, true);
     WordTable words;
-    for (std::int32_t i = 1; i <= tokens.lastRecord; ++i) words.insertRecord(tokens.recString(i), probability);
+    for (std::int32_t i = 1; i <= tokens.lastRecord; ++i) words.insertRecord(tokens.keyAt(i), probability);
     ASSERT_TRUE(words.writeHashTable(home.dir.path() / "HashTable.dat", home.log));
   }
   void writeFile(const std::string& name, const std::string& bytes) {
@@ -99,7 +99,7 @@ TEST_F(SpamScore, KnownSendersAndTheClamps) {
 
   filter.forceRefresh();
   writeWordTableFor(message, 0.01f);
-  filter.goodTable().insert("SND*bob@example.org");
+  filter.goodTable().addCount("SND*bob@example.org");
   message.from = "Bob <bob@example.org>";
   EXPECT_EQ(scoreOf(message), 0.01f) << ".01 - .15 falls below 0";
 

@@ -5,7 +5,7 @@
 
 #include "core/bayes/token_report.h"
 #include "core/bayes/tokeniser.h"
-#include "core/files/files.h"
+#include "core/files/file_text.h"
 
 namespace vonel::bayes {
 namespace {

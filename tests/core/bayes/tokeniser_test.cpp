@@ -32,7 +32,7 @@ TEST(TokeniserSubject, ThreeFormsOfTheSubject) {
             "1\tSB-LN*Buy_100_pills\n1\tSB-ND*Buy__pills\n");
 
   message.subject = "Hello there";
-  table.hashClear();
+  table.clear();
   table.initSmall();
   hashMessage(table, message, true);
   EXPECT_EQ(describeTable(table), "1\tSUB*Hello there\n1\tSUB*Hello\n1\tSUB*there\n1\tSB-LN*Hello_there\n");

@@ -26,27 +26,24 @@ std::string readFile(const std::filesystem::path& file) {
 
 TEST(HashTableCounts, NewKeyStartsAtOneWhateverTheIncrement) {
   WordTable table;
-  table.alterValue("SUB*free", 5);
-  EXPECT_EQ(table.find("SUB*free").Value, 1);
-  table.alterValue("SUB*free", 1);
-  table.insert("SUB*free");
-  EXPECT_EQ(table.find("SUB*free").Value, 3);
-  EXPECT_EQ(table.recIndex("SUB*FREE"), -1) << "keys compare with case";
-  table.alterValue("SUB*free", 0);
-  EXPECT_EQ(table.find("SUB*free").Value, 1) << "increment 0 resets";
-  table.insert("SUB*free");
-  table.alterValue("SUB*free", -3);
-  EXPECT_EQ(table.find("SUB*free").Value, 0) << "never below 0";
+  table.addCount("SUB*free", 5);
+  EXPECT_EQ(table.find("SUB*free").value().value, 1);
+  table.addCount("SUB*free", 1);
+  table.addCount("SUB*free");
+  EXPECT_EQ(table.find("SUB*free").value().value, 3);
+  EXPECT_FALSE(table.indexOf("SUB*FREE")) << "keys compare with case";
+  table.addCount("SUB*free", 0);
+  EXPECT_EQ(table.find("SUB*free").value().value, 1) << "increment 0 resets";
+  table.addCount("SUB*free");
+  table.addCount("SUB*free", -3);
+  EXPECT_EQ(table.find("SUB*free").value().value, 0) << "never below 0";
 }
 
-TEST(HashTableSearch, AbsenceReadsMinusOne) {
+TEST(HashTableSearch, AbsenceFindsNothing) {
   WordTable table;
-  EXPECT_EQ(table.recIndex("x"), -1) << "an unused table has nothing";
+  EXPECT_FALSE(table.indexOf("x")) << "an unused table has nothing";
   EXPECT_EQ(table.maxRecords, 0);
-  const WordRecord rec = table.find("x");
-  EXPECT_EQ(rec.key, "-1");
-  EXPECT_EQ(rec.Value, -1);
-  EXPECT_EQ(rec.index, 0);
+  EXPECT_FALSE(table.find("x"));
   EXPECT_EQ(table.maxRecords, 50000) << "first use sets up a standard table";
 }
 
@@ -55,14 +52,14 @@ TEST(HashTableSearch, RepeatedInsertIsFoundNewestFirst) {
   table.initSmall();
   table.insertRecord("k", 0.2f);
   table.insertRecord("k", 0.7f);
-  EXPECT_EQ(table.find("k").Value, 0.7f);
-  EXPECT_EQ(table.find("k").index, 2);
+  EXPECT_EQ(table.find("k").value().value, 0.7f);
+  EXPECT_EQ(table.find("k").value().index, 2);
   table.remove("k");
-  EXPECT_EQ(table.find("k").Value, 0.2f);
+  EXPECT_EQ(table.find("k").value().value, 0.2f);
   EXPECT_EQ(table.lastRecord, 2) << "deleting never lowers LastRecord";
-  EXPECT_EQ(table.recString(2), "");
+  EXPECT_EQ(table.keyAt(2), "");
   table.insertRecord("m", 1);
-  EXPECT_EQ(table.recIndex("m"), 2) << "the freed index is used again";
+  EXPECT_EQ(table.indexOf("m"), 2) << "the freed index is used again";
 }
 
 TEST(HashTableSearch, DeletingWhatIsNotThereRaisesKeyNotFound) {
@@ -75,8 +72,8 @@ TEST(HashTableSearch, DeletingWhatIsNotThereRaisesKeyNotFound) {
     EXPECT_EQ(e.number(), 513);
     EXPECT_EQ(e.description(), "Key not found: CHash.Delete ");
   }
-  EXPECT_THROW(table.recValue(501), AppError);
-  EXPECT_THROW(table.recValue(0), AppError);
+  EXPECT_THROW(table.valueAt(501), AppError);
+  EXPECT_THROW(table.valueAt(0), AppError);
 }
 
 TEST(HashTableGrowth, GrowsByHalfWithHalvesToEven) {
@@ -87,20 +84,20 @@ TEST(HashTableGrowth, GrowsByHalfWithHalvesToEven) {
 
   WordTable table;
   table.initSmall();
-  for (int i = 1; i <= 501; ++i) table.insert("key" + std::to_string(i));
+  for (int i = 1; i <= 501; ++i) table.addCount("key" + std::to_string(i));
   EXPECT_EQ(table.maxRecords, 750);
   EXPECT_EQ(table.lastRecord, 501);
-  for (int i = 1; i <= 501; ++i) ASSERT_EQ(table.recIndex("key" + std::to_string(i)), i);
-  for (int i = 502; i <= 751; ++i) table.insert("key" + std::to_string(i));
+  for (int i = 1; i <= 501; ++i) ASSERT_EQ(table.indexOf("key" + std::to_string(i)), i);
+  for (int i = 502; i <= 751; ++i) table.addCount("key" + std::to_string(i));
   EXPECT_EQ(table.maxRecords, 1125);
-  EXPECT_EQ(table.recIndex("key751"), 751);
+  EXPECT_EQ(table.indexOf("key751"), 751);
 }
 
 TEST(HashTableFile, WritesPrintFormLinesInIndexOrder) {
   WordTable table;
   table.initSmall();
-  table.alterValue("SUB*free", 1);
-  table.alterValue("SUB*free", 2);
+  table.addCount("SUB*free", 1);
+  table.addCount("SUB*free", 2);
   table.insertRecord("gone", 1);
   table.insertRecord("URL*example.org", 0.99f);
   table.insertRecord("neg", -2.5f);
@@ -121,9 +118,9 @@ TEST(HashTableFile, RoundTripTrimsKeysButKeepsCommas) {
   WordTable loaded;
   loaded.loadTable(inHome(home, "HashGood.dat"), home.log);
   EXPECT_EQ(loaded.messageCount, 7);
-  EXPECT_EQ(loaded.find("a,b, c").Value, 0.25f);
-  EXPECT_EQ(loaded.recIndex(" lead"), -1);
-  EXPECT_EQ(loaded.find("lead").Value, 2);
+  EXPECT_EQ(loaded.find("a,b, c").value().value, 0.25f);
+  EXPECT_FALSE(loaded.indexOf(" lead"));
+  EXPECT_EQ(loaded.find("lead").value().value, 2);
   EXPECT_EQ(loaded.maxRecords, 2 * (4 + 1000)) << "sized by the lines of its file";
   EXPECT_NE(home.log.currentAction().find("Hashtable loaded "), std::string::npos);
   EXPECT_NE(home.log.currentAction().find(" seconds."), std::string::npos);
@@ -150,11 +147,11 @@ TEST(HashTableFile, MissingFileLeavesTheTableAsItWas) {
 TEST(HashTableFile, LoadingAddsToAnInitialisedTable) {
   WordTable table;
   table.initSmall();
-  table.insert("old");
+  table.addCount("old");
   table.loadText("Count, String\r\n 2 \r\n 5 , new\r\n");
   EXPECT_EQ(table.maxRecords, 500);
-  EXPECT_EQ(table.find("old").Value, 1);
-  EXPECT_EQ(table.find("new").Value, 5);
+  EXPECT_EQ(table.find("old").value().value, 1);
+  EXPECT_EQ(table.find("new").value().value, 5);
 }
 
 struct OddFile {
@@ -189,15 +186,15 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(HashTableFile, OddValuesAndLineEnds) {
   WordTable table;
   table.loadText("C\r\n 1 \r\n abc , notANumber\r\n 1E+99 , tooBig\r\n");
-  EXPECT_EQ(table.find("notANumber").Value, 0);
-  EXPECT_EQ(table.find("tooBig").Value, std::numeric_limits<float>::max());
+  EXPECT_EQ(table.find("notANumber").value().value, 0);
+  EXPECT_EQ(table.find("tooBig").value().value, std::numeric_limits<float>::max());
 
   WordTable crOnly;
   crOnly.loadText("C\r 1 \r 2 , ab\r 3 , cd\r");
-  EXPECT_EQ(crOnly.find("ab").Value, 2) << "the sign column is what is lost";
+  EXPECT_EQ(crOnly.find("ab").value().value, 2) << "the sign column is what is lost";
   WordTable crOnlyUnsigned;
   crOnlyUnsigned.loadText("C\r1\r25,ab\r");
-  EXPECT_EQ(crOnlyUnsigned.find("ab").Value, 5);
+  EXPECT_EQ(crOnlyUnsigned.find("ab").value().value, 5);
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "../test_home.h"
-#include "core/files/files.h"
+#include "core/files/file_info.h"
 
 namespace vonel {
 namespace {
@@ -27,7 +27,7 @@ TEST(DataFolders, DefaultsLieInTheHomeAndAreCreated) {
     EXPECT_TRUE(files::folderExists(root / folder)) << folder;
   }
   EXPECT_EQ(ctx.folders.filterFolderPath, home.dir.path());
-  EXPECT_EQ(ctx.folders.folderNamesIni, home.dir.path() / "foldernames.ini");
+  EXPECT_EQ(ctx.folders.folderNamesFile, home.dir.path() / "foldernames.ini");
   EXPECT_EQ(ctx.pathSettings.get("MessageFolder").text(), root.string());  // stored back
 }
 
@@ -59,8 +59,8 @@ TEST(DateSubs, ReadTheOrderOfTheSystemsShortDate) {
   AppContext british(home.clock, home.prompt, AppInfo{"Vonel", "1", "os", "/", home.dir.path()},
                      LocaleFacts{"25/12/2001", text::englishShortMonthNames(), "True", "False", "."});
   EXPECT_EQ(british.dates().dateFormatString, "DD/MM/YYYY");
-  EXPECT_EQ(british.dates().sysDateDayField, 1);
-  EXPECT_EQ(british.dates().sysDateMonthField, 2);
+  EXPECT_EQ(british.dates().dayField, 1);
+  EXPECT_EQ(british.dates().monthField, 2);
   EXPECT_EQ(british.dates().shortFormatDate(home.clock.now()), "23/11/2026");
 
   AppContext american(home.clock, home.prompt, AppInfo{"Vonel", "1", "os", "/", home.dir.path()},
@@ -75,12 +75,12 @@ TEST(DateSubs, ReadTheOrderOfTheSystemsShortDate) {
   EXPECT_TRUE(german.dates().commaThousandSeparator);
   EXPECT_TRUE(german.dates().translateMonthNames);
   EXPECT_EQ(german.dates().dateFormatString, "DD.MM.YY");
-  EXPECT_EQ(german.dates().trueStr, "WAHR");
+  EXPECT_EQ(german.dates().trueWord, "WAHR");
 
   AppContext iso(home.clock, home.prompt, AppInfo{"Vonel", "1", "os", "/", home.dir.path()},
                  LocaleFacts{"2001-12-25", text::englishShortMonthNames(), "True", "False", "."});
   EXPECT_EQ(iso.dates().dateFormatString, "YYYY-MM-DD");
-  EXPECT_EQ(iso.dates().sysDateYearField, 1);
+  EXPECT_EQ(iso.dates().yearField, 1);
 }
 
 TEST(DateSubs, DateTokensAreReplacedInAnyCase) {

@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+
 #include "../test_home.h"
-#include "core/files/files.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
+#include "core/log/append_file.h"
 
 namespace vonel {
 namespace {
@@ -80,6 +84,18 @@ TEST(Logging, AnOverrideInAMissingFolderLandsInTheHome) {
   EXPECT_EQ(home.log.currentLogFilename(), home.dir.path() / "other.txt");
   home.log.overrideLogFilename("bare.txt");
   EXPECT_EQ(home.log.currentLogFilename(), home.dir.path() / "bare.txt");
+}
+
+TEST(Logging, AFullDiskIsReportedAsSuch) {
+  if (!files::folderExists("/dev/shm")) GTEST_SKIP();
+  // /dev/full refuses every write with "no space left".
+  try {
+    appendToFile("/dev/full", "x");
+    FAIL() << "the write should have failed";
+  } catch (const AppError& e) {
+    EXPECT_EQ(e.number(), 61);
+  }
+  EXPECT_EQ(AppError::fromErrno(ENOSPC, "f").number(), 61);
 }
 
 TEST(Logging, AnUnwritableLogIsSkippedSilently) {

@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "core/files/files.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "../test_home.h"
 
 namespace vonel::message {
@@ -64,7 +65,7 @@ Message withAttachments(std::string_view name) {
 TEST(SaveAttachments, EveryNamedPartGoesInsideTheFolder) {
   testing::TestHome home;
   const auto folder = home.dir.path() / "inside";
-  ASSERT_TRUE(files::mkMissingDir(folder));
+  ASSERT_TRUE(files::ensureFolder(folder));
   const auto message = withAttachments("../../outside.bin");
   const auto written = saveAllAttachmentsNoUserInput(message, folder, &home.log);
   ASSERT_EQ(written.size(), 2u);
@@ -123,7 +124,7 @@ TEST(SaveAttachments, OneIsSavedAsChosenSeveralGoToTheChosenFolder) {
   EXPECT_EQ(home.prompt.questions, 0);
 
   const auto several = withAttachments("data.bin");
-  ASSERT_TRUE(files::mkMissingDir(home.dir.path() / "sub"));
+  ASSERT_TRUE(files::ensureFolder(home.dir.path() / "sub"));
   chooser.answer = home.dir.path() / "sub" / "whatever";
   EXPECT_EQ(saveAllAttachments(several, true, home.dir.path(), chooser, home.prompt, &home.log).size(), 2u);
   EXPECT_EQ(chooser.proposal.filename(), "Click SAVE to save all files");

@@ -8,7 +8,7 @@
 
 #include "core/message/message.h"
 #include "core/message/message_report.h"
-#include "core/files/files.h"
+#include "core/files/file_text.h"
 
 namespace vonel::message {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "core/files/files.h"
+#include "core/files/file_text.h"
 #include "core/text/strings.h"
 #include "../test_home.h"
 

@@ -63,8 +63,8 @@ TEST_F(MessageCheckTest, ListsDecideBeforeRulesInTheirOrder) {
   filters.setRules({rule("never reached", "Subject:", "cnt", "", "400")});
   filters.blockSender("ann@example.com");
   filters.blockSenderDomain("x@spam.example");
-  filters.blockRecipDomain("someone@example.org");
-  filters.blockRecip("bob@example.org");
+  filters.blockRecipientDomain("someone@example.org");
+  filters.blockRecipient("bob@example.org");
 
   auto m = checked(header());
   EXPECT_EQ(statusWord(m), "BLOCK");
@@ -79,7 +79,7 @@ TEST_F(MessageCheckTest, ListsDecideBeforeRulesInTheirOrder) {
   EXPECT_EQ(m.filterReason, "Recip Domain Blocked");
   EXPECT_TRUE(m.blockedRecip);
   EXPECT_FALSE(m.blockedSender);
-  filters.unBlockRecipDomain("bob@example.org");
+  filters.unblockRecipientDomain("bob@example.org");
   m = checked(header("Hi", "Carl <carl@elsewhere.example>"));
   EXPECT_EQ(m.filterReason, "bob@example.org Blocked");
 
@@ -104,7 +104,7 @@ TEST_F(MessageCheckTest, ListLookUpsUseTheSendersAddressWhenFromIsEmpty) {
   auto m = header("Hi", "");
   m.sender = "The Sender <Sender@Example.com>";
   EXPECT_EQ(checked(m).filterReason, "Sender Blocked");
-  filters.unBlockSender("sender@example.com");
+  filters.unblockSender("sender@example.com");
   filters.setRules({rule("by sender", "From:", "cnt", "the sender", "100")});
   EXPECT_EQ(checked(m).filterReason, "by sender");
 }
@@ -142,13 +142,13 @@ TEST_F(MessageCheckTest, ConditionsReadTheirFieldsAndCompareIgnoringCase) {
       {"Attachment Filenames", "cnt", ".zip", true},
       {"Message Body", "cnt", "unsubscribe", true},
       {"Unknown:", "!cnt", "x", true},
-      {"Subject:", "mtch", "Cheap", false},       // an old comparison never makes a rule hold
+      {"Subject:", "mtch", "Cheap", false},       // an unknown comparison never makes a rule hold
   };
   for (const auto& c : cases) {
     filters.setRules({rule("r", c.field, c.comparison, c.wanted, "100")});
     EXPECT_EQ(checked(m).deleted, c.fires) << c.field << " " << c.comparison << " '" << c.wanted << "'";
   }
-  // An old comparison after one that held keeps it holding.
+  // An unknown comparison after one that held keeps it holding.
   FilterRule two = rule("two", "Subject:", "cnt", "cheap", "100");
   two.ruleCount = 2;
   two.setFields(2, "Subject:");

@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "core/files/files.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "../test_home.h"
 
 namespace vonel::rules {
@@ -54,7 +55,7 @@ TEST_F(RuleFileTest, WrittenTextReadsBackAndIsWrittenAgainByteForByte) {
   EXPECT_EQ(first.strings(1), "viagra");
   EXPECT_TRUE(first.stopProcessing);
   EXPECT_EQ(first.destFolder, "");
-  EXPECT_EQ(rules[1].category, 1);
+  EXPECT_EQ(rules[1].scope, RuleScope::Private);
   EXPECT_EQ(rules[1].destFolder, "\\Lists");
   EXPECT_EQ(ruleFileText(rules, false), kTwoRules);
 
@@ -63,14 +64,14 @@ TEST_F(RuleFileTest, WrittenTextReadsBackAndIsWrittenAgainByteForByte) {
   EXPECT_EQ(read(sharedOnly).size(), 1u);
 }
 
-TEST_F(RuleFileTest, OddLinesReadAsTheyAlwaysHave) {
+TEST_F(RuleFileTest, OddLinesAreReadLeniently) {
   // A name alone: one rule, no conditions, no action.
   RuleSet rules = read("Filtername, a");
   ASSERT_EQ(rules.size(), 1u);
   EXPECT_EQ(rules[0].ruleCount, 0);
   EXPECT_EQ(rules[0].action, "");
 
-  // Old action codes are rewritten; a value is cut at its second ", ";
+  // Single-digit action codes are rewritten; a value is cut at its second ", ";
   // comparison and text may come in either order; keys ignore case.
   rules = read("FILTERNAME, b\nfilterfield, Subject:\nFilterString, a, b\nFilterComparison, cnt\n"
                "FilterAction,  2 \nFilterStop, True\nSomething, else\n");

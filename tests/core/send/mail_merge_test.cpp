@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
 #include "core/store/tag_files.h"
 #include "../test_home.h"
 

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "core/send/spooled_text.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/store/tag_files.h"
 #include "../test_home.h"
 

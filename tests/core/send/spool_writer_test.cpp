@@ -5,7 +5,8 @@
 #include "../test_home.h"
 #include "core/message/transfer_encoding.h"
 #include "core/send/mail_size.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_text.h"
 #include "core/text/strings.h"
 
 namespace vonel::send {

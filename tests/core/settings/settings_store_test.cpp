@@ -6,7 +6,8 @@
 using namespace std::string_literals;
 
 #include "../test_home.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_text.h"
 
 namespace vonel {
 namespace {

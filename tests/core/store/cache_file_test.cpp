@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/files/files.h"
+#include "core/files/file_text.h"
 #include "core/store/cache_text.h"
 #include "core/text/strings.h"
 
@@ -88,7 +88,7 @@ TEST(CacheFileTest, TheWriterLaysOutTheFileByteForByte) {
                                R"(C:\Mail\Messages\Inbox\Work\re report (101500-201126).eml)"};
   for (std::size_t i = 0; i < 2; ++i) {
     CachedMessage m = (*messages)[i];
-    m.filename = paths[i];  // as a store on the old system would hold it
+    m.filename = paths[i];  // as a store moved from a Windows machine would hold it
     appendCacheElement(written, m, dates[i]);
   }
   written.append(cacheFileTail());

@@ -4,6 +4,7 @@
 
 #include <chrono>
 
+#include "core/files/file_info.h"
 #include "core/store/cache_file.h"
 #include "store_home.h"
 
@@ -71,9 +72,9 @@ TEST_F(CacheTest, TheReadStateComesFromTheCacheNotTheCaseOfTheName) {
   EXPECT_TRUE(cache.item(2).read);
   EXPECT_EQ(cache.item(3).tags(), "work");
   EXPECT_EQ(cache.item(4).subject, "");  // beyond the end: an empty message
-  cache.markMsgReadUnread((inbox() / "first (091500-231126).eml").string(), true);
+  cache.markRead((inbox() / "first (091500-231126).eml").string(), true);
   EXPECT_TRUE(cache.dirty());
-  EXPECT_THROW(cache.markMsgPriority("/nowhere/GONE.EML", true), AppError);
+  EXPECT_THROW(cache.markHighPriority("/nowhere/GONE.EML", true), AppError);
   cache.clear(false);
   FolderCache again(home.context, quiet);
   again.fillCache(quiet, inbox(), "Inbox");

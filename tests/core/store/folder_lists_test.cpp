@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/files/file_info.h"
 #include "store_home.h"
 
 namespace vonel::store {
@@ -18,22 +19,22 @@ class FolderListsTest : public ::testing::Test {
 };
 
 TEST_F(FolderListsTest, BothListsAreWrittenInByteOrderWithTheLastTwoNames) {
-  generateFolderIni(home.context.log, home.context.folders);
-  EXPECT_EQ(files::loadTextFile(home.context.folders.folderListIni),
+  writeFolderLists(home.context.log, home.context.folders);
+  EXPECT_EQ(files::loadTextFile(home.context.folders.folderListFile),
             "Alpha\\\r\nAlpha\\Work\\\r\nArchive\\\r\nDeleted\\\r\nInbox\\\r\nInbox\\Work\\\r\nOutbox\\\r\n"
             "Sent Items\\\r\nSpamBayes\\\r\nSpamBayes\\BayesOld\\\r\nzeta\\\r\n");
-  EXPECT_EQ(files::loadTextFile(home.context.folders.folderNamesIni),
+  EXPECT_EQ(files::loadTextFile(home.context.folders.folderNamesFile),
             "Alpha\r\nFolders\r\nWork\r\nAlpha\r\nArchive\r\nFolders\r\nDeleted\r\nFolders\r\nInbox\r\nFolders\r\n"
             "Work\r\nInbox\r\nOutbox\r\nFolders\r\nSent Items\r\nFolders\r\nSpamBayes\r\nFolders\r\n"
             "BayesOld\r\nSpamBayes\r\nzeta\r\nFolders\r\n");
 }
 
 TEST_F(FolderListsTest, TheFolderChooserLeavesOutTheOutboxAndProposesTheInbox) {
-  const FolderChoices choices = fillFolderCombo(home.context.log, home.context.folders);  // makes the lists
+  const FolderChoices choices = folderChoices(home.context.log, home.context.folders);  // makes the lists
   ASSERT_EQ(choices.items.size(), 10u);
   EXPECT_EQ(choices.items.front(), "\\Alpha\\");
-  ASSERT_GE(choices.selected, 0);
-  EXPECT_EQ(choices.items[static_cast<std::size_t>(choices.selected)], "\\Inbox\\");
+  ASSERT_TRUE(choices.selected);
+  EXPECT_EQ(choices.items[*choices.selected], "\\Inbox\\");
   EXPECT_EQ(std::count(choices.items.begin(), choices.items.end(), "\\Outbox\\"), 0);
   EXPECT_EQ(storeFolder(home.root(), "\\Inbox\\Work\\"), home.root() / "Inbox" / "Work");
 }

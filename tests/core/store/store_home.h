@@ -4,7 +4,8 @@
 #include <string>
 
 #include "core/context/app_context.h"
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_text.h"
 #include "../test_home.h"
 
 namespace vonel::testing {

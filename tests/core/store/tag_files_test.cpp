@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "../test_home.h"
 
 namespace vonel::store {

@@ -17,18 +17,6 @@ std::string stripped(std::string text) {
   return text;
 }
 
-TEST(Replacement, CaseRuleAndNoRescanOfWhatWasInserted) {
-  std::string text = "Aa aA";
-  myReplace(text, "a", "aa", false);
-  EXPECT_EQ(text, "aaaa aaaa");
-  text = "Aa aA";
-  myReplaceNoCaps(text, "a", "b");  // compares exactly, whatever its name says
-  EXPECT_EQ(text, "Ab bA");
-  text = "xXx";
-  replaceWithNoCase(text, "x", "");
-  EXPECT_EQ(text, "");
-}
-
 TEST(HtmlConstToChar, DecimalReferencesBecomeBytesBelow255AndOthersGo) {
   EXPECT_EQ(constToChar("&#65;BC"), "ABC");
   EXPECT_EQ(constToChar("a&#300;b&#0;c&#x41;d"), "abcd");
@@ -85,8 +73,8 @@ TEST(SharedText, CleaningAndComparing) {
   EXPECT_EQ(cleanString("CON"), "CON1");
   EXPECT_EQ(cleanString("con"), "con");
   EXPECT_TRUE(stringsEqual(" Inbox ", "INBOX"));
-  EXPECT_TRUE(contains("Hello World", "WORLD"));
-  EXPECT_FALSE(contains("Hello", "bye"));
+  EXPECT_TRUE(containsNoCase("Hello World", "WORLD"));
+  EXPECT_FALSE(containsNoCase("Hello", "bye"));
 }
 
 TEST(SharedText, ByteLevelHelpers) {

@@ -40,6 +40,18 @@ TEST(Replace, DoesNotRescanWhatItInserted) {
   EXPECT_EQ(trim("\ta\t"), "\ta\t");  // only blanks are trimmed
 }
 
+TEST(Replacement, CaseRuleAndNoRescanOfWhatWasInserted) {
+  std::string text = "Aa aA";
+  replaceAllNoCaseInPlace(text, "a", "aa");
+  EXPECT_EQ(text, "aaaa aaaa");
+  text = "Aa aA";
+  replaceAllInPlace(text, "a", "b");
+  EXPECT_EQ(text, "Ab bA");
+  text = "xXx";
+  replaceAllNoCaseInPlace(text, "x", "");
+  EXPECT_EQ(text, "");
+}
+
 TEST(CodePage, RoundTripsEveryByteThroughUtf8) {
   std::string all;
   for (int b = 1; b < 256; ++b) all += static_cast<char>(b);

@@ -7,7 +7,7 @@
 #include <map>
 
 #include "../../core/test_home.h"
-#include "core/files/files.h"
+#include "core/files/file_info.h"
 #include "core/text/strings.h"
 
 namespace vonel::pop3 {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
 #include "protocol/smtp/date_line.h"
 #include "sender_home.h"
 

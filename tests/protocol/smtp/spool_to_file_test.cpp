@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "core/files/files.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
 #include "protocol/smtp/smtp_session.h"
 #include "sender_home.h"
 
