@@ -54,7 +54,7 @@ TEST(BayesSettings, ZeroOrMissingKeysKeepTheDefaults) {
   EXPECT_EQ(ctx.spamWordMinimum, 32767);
 }
 
-TEST(DateSubs, ReadTheOrderOfTheSystemsShortDate) {
+TEST(LocaleDates, ReadTheOrderOfTheSystemsShortDate) {
   ContextHome home;
   AppContext british(home.clock, home.prompt, AppInfo{"Vonel", "1", "os", "/", home.dir.path()},
                      LocaleFacts{"25/12/2001", text::englishShortMonthNames(), "True", "False", "."});
@@ -83,7 +83,7 @@ TEST(DateSubs, ReadTheOrderOfTheSystemsShortDate) {
   EXPECT_EQ(iso.dates().yearField, 1);
 }
 
-TEST(DateSubs, DateTokensAreReplacedInAnyCase) {
+TEST(LocaleDates, DateTokensAreReplacedInAnyCase) {
   ContextHome home;
   AppContext ctx(home.clock, home.prompt, AppInfo{"Vonel", "1", "os", "/", home.dir.path()},
                  LocaleFacts{"25/12/2001", text::englishShortMonthNames(), "True", "False", "."});

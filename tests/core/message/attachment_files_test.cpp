@@ -9,7 +9,7 @@
 namespace vonel::message {
 namespace {
 
-TEST(safeAttachmentName, NamesFromMailCantLeaveTheFolderOrNameADevice) {
+TEST(SafeAttachmentName, NamesFromMailCantLeaveTheFolderOrNameADevice) {
   const std::pair<std::string_view, std::string_view> cases[] = {
       {"Report 2024.pdf", "Report 2024.pdf"},
       {"../../etc/passwd", "passwd"},
@@ -34,7 +34,7 @@ TEST(safeAttachmentName, NamesFromMailCantLeaveTheFolderOrNameADevice) {
   EXPECT_TRUE(longName.ends_with("x.jpeg"));
 }
 
-TEST(writeFile, SavedAttachmentsHoldExactlyTheDecodedBytes) {
+TEST(WriteFile, SavedAttachmentsHoldExactlyTheDecodedBytes) {
   // Long binary sources are compared with base64 -d and quopri by an integration test.
   testing::TempDir dir;
   const auto file = dir.path() / "out.bin";

@@ -7,29 +7,29 @@
 namespace vonel::message {
 namespace {
 
-TEST(isoDecode, QuotedWordsLoseTheirMarkersButKeepUnderscores) {
+TEST(IsoDecode, QuotedWordsLoseTheirMarkersButKeepUnderscores) {
   EXPECT_EQ(isoDecode("=?iso-8859-1?Q?Caf=E9_au_lait?="), "Caf\xE9_au_lait");
   EXPECT_EQ(isoDecode("\"Ann\" <ann@example.com>"), "Ann <ann@example.com>");
   EXPECT_EQ(isoDecode("  plain text  "), "plain text");
 }
 
-TEST(isoDecode, AnyQuestionAfterQCutsThePlainTextBeforeIt) {
+TEST(IsoDecode, AnyQuestionAfterQCutsThePlainTextBeforeIt) {
   EXPECT_EQ(isoDecode("Read our faq? It helps"), "It helps");
 }
 
-TEST(isoDecode, Base64TailIsDecodedAndThenAppendedAfterTheBlankFill) {
+TEST(IsoDecode, Base64TailIsDecodedAndThenAppendedAfterTheBlankFill) {
   // "Hi" fills 2 of an 11-byte buffer; the tail from the first blank comes back as it was.
   EXPECT_EQ(isoDecode("=?utf-8?B?SGk=?= there"), "Hi" + std::string(10, ' ') + "there");
   EXPECT_EQ(isoDecode("=?windows-1252?b?SGk=?="), "Hi");
 }
 
-TEST(isoDecode, Utf8IsConvertedOnlyWhenItsMarkerSurvivesTheCuts) {
+TEST(IsoDecode, Utf8IsConvertedOnlyWhenItsMarkerSurvivesTheCuts) {
   // After the "q?" cut the charset name is gone, so the UTF-8 bytes stay.
   EXPECT_EQ(isoDecode("=?utf-8?Q?Caf=C3=A9?="), "Caf\xC3\xA9");
   EXPECT_EQ(isoDecode("utf-8?Caf\xC3\xA9"), "Caf\xE9");
 }
 
-TEST(extractEmail, AngleBracketsCaseBlanksAndLists) {
+TEST(ExtractEmail, AngleBracketsCaseBlanksAndLists) {
   EXPECT_EQ(extractEmail("Ann Smith <Ann@Example.COM>"), "ann@example.com");
   EXPECT_EQ(extractEmail("<a@b.com> trailing"), "a@b.com");
   EXPECT_EQ(extractEmail("ann @ example.com"), "ann@example.com");
@@ -37,25 +37,25 @@ TEST(extractEmail, AngleBracketsCaseBlanksAndLists) {
   EXPECT_EQ(extractEmail("   "), "");
 }
 
-TEST(extractName, TextBeforeTheBracketWithoutQuotes) {
+TEST(ExtractName, TextBeforeTheBracketWithoutQuotes) {
   EXPECT_EQ(extractName("\"O'Neil, Ann\" <ann@example.com>"), "ONeil, Ann");
   EXPECT_EQ(extractName("<ann@example.com>"), "<ann@example.com>");
   EXPECT_EQ(extractName("ann@example.com"), "ann@example.com");
 }
 
-TEST(quotedPrintableDecode, SoftBreaksBecomeLineEndsUnlessTheTextMentionsEbay) {
+TEST(QuotedPrintableDecode, SoftBreaksBecomeLineEndsUnlessTheTextMentionsEbay) {
   EXPECT_EQ(quotedPrintableDecode("abc=\r\ndef=41"), "abc\r\ndefA");
   EXPECT_EQ(quotedPrintableDecode("eBay x=\r\ny=3D1"), "eBay xy=1");
   const std::string wrapped = std::string(75, 'a') + "=\r\n" + std::string(75, 'b') + "=\r\nc";
   EXPECT_EQ(quotedPrintableDecode(wrapped), std::string(75, 'a') + std::string(75, 'b') + "c");
 }
 
-TEST(quotedPrintableDecode, DotCodeAndCarriageReturnCodeAreLineEnds) {
+TEST(QuotedPrintableDecode, DotCodeAndCarriageReturnCodeAreLineEnds) {
   EXPECT_EQ(quotedPrintableDecode("one=2Etwo"), "one\r\ntwo");
   EXPECT_EQ(quotedPrintableDecode("a\r\nb=0Dc=0A"), "ab\r\nc");
 }
 
-TEST(quotedPrintableDecode, StrayEqualsSignsStayAndTheResultIsTrimmed) {
+TEST(QuotedPrintableDecode, StrayEqualsSignsStayAndTheResultIsTrimmed) {
   EXPECT_EQ(quotedPrintableDecode("a = b=4"), "a = b=4");
   EXPECT_EQ(quotedPrintableDecode("=20x=3d=20"), "x=");
   EXPECT_EQ(quotedPrintableDecode("no equals "), "no equals ");

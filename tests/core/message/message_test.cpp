@@ -26,7 +26,7 @@ Message parsed(const std::string& text, bool headerOnly = true) {
   return message;
 }
 
-TEST(createFromText, ContinuationLinesRunThroughTheLastKeysBranch) {
+TEST(CreateFromText, ContinuationLinesRunThroughTheLastKeysBranch) {
   const auto m = parsed(mail({"To: first@example.com,", " second@example.com", "Subject: Hello", "\tworld",
                               "Received: from a", " by b", "Cc: x", " y"}));
   EXPECT_EQ(m.toEmail(), "second@example.com");
@@ -36,7 +36,7 @@ TEST(createFromText, ContinuationLinesRunThroughTheLastKeysBranch) {
   EXPECT_EQ(m.messageTo, "");
 }
 
-TEST(createFromText, AFoldedLineWithAColonIsANewIgnoredKey) {
+TEST(CreateFromText, AFoldedLineWithAColonIsANewIgnoredKey) {
   const auto m = parsed(mail({"Subject: Meeting", " at 10:30 today", " in room 4", "Subject: again"}));
   // " at 10" becomes a nonsense key, so " in room 4" is ignored too; the next
   // Subject does not follow a subject line and starts afresh.
@@ -45,12 +45,12 @@ TEST(createFromText, AFoldedLineWithAColonIsANewIgnoredKey) {
   EXPECT_EQ(joined.subject, "one two");
 }
 
-TEST(createFromText, SignedFieldListContinuesTheSignature) {
+TEST(CreateFromText, SignedFieldListContinuesTheSignature) {
   const auto m = parsed(mail({"DomainKey-Signature: a=rsa; c=simple;", " h=received:from:to;", " b=XYZ"}));
   EXPECT_EQ(m.domainKey, "a=rsa; c=simple;from:to;b=XYZ");
 }
 
-TEST(createFromText, FirstContentTypeAndLastSpamHeadersWin) {
+TEST(CreateFromText, FirstContentTypeAndLastSpamHeadersWin) {
   const auto m = parsed(mail({"Content-Type: text/plain; charset=x", "Content-Type: text/html",
                               "X-Spam-Status: No,", "X-Spam-Status: score=1", "X-Mailer: a", "X-Mailer: b"}));
   EXPECT_EQ(m.contentTypeMain, "text/plain charset=x");
@@ -58,19 +58,19 @@ TEST(createFromText, FirstContentTypeAndLastSpamHeadersWin) {
   EXPECT_EQ(m.xMailer, "b");
 }
 
-TEST(createFromText, KeysAreNotTrimmedButCaseIsIgnored) {
+TEST(CreateFromText, KeysAreNotTrimmedButCaseIsIgnored) {
   const auto m = parsed(mail({"SUBJECT: shout", "From : ignored@example.com", "Date: Mon, 1 Jan 2024 --  "}));
   EXPECT_EQ(m.subject, "shout");
   EXPECT_EQ(m.from, "");
   EXPECT_EQ(m.sendDate, "Mon, 1 Jan 2024");
 }
 
-TEST(createFromText, ToFallsBackOnDeliveredTo) {
+TEST(CreateFromText, ToFallsBackOnDeliveredTo) {
   const auto m = parsed(mail({"Delivered-To: me@example.com"}));
   EXPECT_EQ(m.toEmail(), "me@example.com");
 }
 
-TEST(createFromText, StoreFlagsReadTheLeadingNumber) {
+TEST(CreateFromText, StoreFlagsReadTheLeadingNumber) {
   const auto m = parsed(mail({"X-Message-Read: 01", "X-Message-HighPriority: 2", "X-Message-Replied: 1x",
                               "X-Message-Tags: work, home"}));
   EXPECT_TRUE(m.read);
@@ -79,7 +79,7 @@ TEST(createFromText, StoreFlagsReadTheLeadingNumber) {
   EXPECT_EQ(m.tags(), "work, home");
 }
 
-TEST(createFromText, ReusedObjectIsClearedButKeepsReplied) {
+TEST(CreateFromText, ReusedObjectIsClearedButKeepsReplied) {
   Message m(nullptr, &kClock);
   m.createFromText(mail({"X-Message-Replied: 1", "X-Message-Read: 1", "Received: a", "Subject: one"}), true);
   m.createFromText(mail({"From: b@example.com"}), true);
@@ -89,14 +89,14 @@ TEST(createFromText, ReusedObjectIsClearedButKeepsReplied) {
   EXPECT_EQ(m.subject, "one");  // fields the list does not clear keep their old value
 }
 
-TEST(createFromText, SizeInWholeKilobytesWithTiesToEven) {
+TEST(CreateFromText, SizeInWholeKilobytesWithTiesToEven) {
   EXPECT_EQ(parsed(std::string(1500, 'x')).size, 1.0f);
   EXPECT_EQ(parsed(std::string(2560, 'x')).size, 2.0f);
   EXPECT_EQ(parsed(std::string(3584, 'x')).size, 4.0f);
   EXPECT_EQ(parsed("").size, 1.0f);
 }
 
-TEST(createFromText, BodyAndHeadersSplitAtTheFirstBlankLine) {
+TEST(CreateFromText, BodyAndHeadersSplitAtTheFirstBlankLine) {
   const auto m = parsed("Subject: s\r\n\r\n");
   EXPECT_EQ(m.headers, "Subject: s");
   EXPECT_EQ(m.messageBody(), "");
@@ -104,7 +104,7 @@ TEST(createFromText, BodyAndHeadersSplitAtTheFirstBlankLine) {
   EXPECT_EQ(parsed("Subject: s\r\n\r\n", false).mimePartCount(), 1u);
 }
 
-TEST(createFromText, MissingOrLateBlankLineIsLoggedAsInvalid) {
+TEST(CreateFromText, MissingOrLateBlankLineIsLoggedAsInvalid) {
   testing::TestHome home;
   Message m(&home.log, &kClock);
   m.createFromText("Subject: s\r\n\r\nbody", true);
@@ -138,7 +138,7 @@ TEST(Properties, AttachmentNamesAndEmptyParts) {
   EXPECT_EQ(m.mimePart(0).size, 0);
 }
 
-TEST(tags, SetterNormalisesAndPresenceIsASubstringTest) {
+TEST(Tags, SetterNormalisesAndPresenceIsASubstring) {
   Message m;
   m.setTags("  ,work,home ");
   EXPECT_EQ(m.tags(), "work,home");
@@ -150,7 +150,7 @@ TEST(tags, SetterNormalisesAndPresenceIsASubstringTest) {
   EXPECT_FALSE(m.tagsPresent("play,"));
 }
 
-TEST(rawMessage, FlagLinesCloseTheHeaderBlock) {
+TEST(RawMessage, FlagLinesCloseTheHeaderBlock) {
   auto m = parsed(mail({"Subject: s", "X-Message-Read: 1"}));
   EXPECT_TRUE(m.read);
   m.read = false;
@@ -163,7 +163,7 @@ TEST(rawMessage, FlagLinesCloseTheHeaderBlock) {
                                   "X-Message-HighPriority: 1"}));
 }
 
-TEST(rawMessage, FalseFlagsAreDeletedEverywhereAndNoBlankLineMeansNoLines) {
+TEST(RawMessage, FalseFlagsAreDeletedEverywhereAndNoBlankLineMeansNoLines) {
   auto m = parsed(mail({"Subject: s"}, "quote: X-Message-Replied: 1\r\nend"));
   EXPECT_EQ(m.rawMessage(), mail({"Subject: s", "X-Receive-Date: 2026-01-02 03:04:05", "X-Message-Tags: "},
                                  "quote: end"));
@@ -172,7 +172,7 @@ TEST(rawMessage, FalseFlagsAreDeletedEverywhereAndNoBlankLineMeansNoLines) {
   EXPECT_EQ(m.rawMessage(), "Subject: only headers\r\n");
 }
 
-TEST(rawMessage, TagAsSpamMarksEverySubjectOnce) {
+TEST(RawMessage, TagAsSpamMarksEverySubjectOnce) {
   auto m = parsed(mail({"Subject: hi"}, "Subject: quoted\r\n"));
   m.tagAsSpam();
   m.tagAsSpam();  // Headers still lacks the mark, so it is applied again
@@ -183,13 +183,13 @@ TEST(rawMessage, TagAsSpamMarksEverySubjectOnce) {
   EXPECT_EQ(marked.rawMessage().find("SPAM: SPAM"), std::string::npos);
 }
 
-TEST(rawMessage, RemoveReceiveDateCutsByTheSerialisedText) {
+TEST(RawMessage, RemoveReceiveDateCutsByTheSerialisedText) {
   auto m = parsed(mail({"Subject: s", "X-Receive-Date: 2020-01-01 00:00:00", "X-Message-Tags: a"}));
   m.removeReceiveDate();
   EXPECT_EQ(m.rawMessage(), mail({"Subject: s", "X-Message-Tags: a", "X-Receive-Date: 2026-01-02 03:04:05"}));
 }
 
-TEST(strippedBody, PlainBodyFlattenedAndHtmlPartStripped) {
+TEST(StrippedBody, PlainBodyFlattenedAndHtmlPartStripped) {
   const auto plain = parsed(mail({"Subject: s"}, "caf&eacute;\r\nline=20two\r\n"), false);
   EXPECT_EQ(plain.strippedBody, "caf\xE9 line two");
   EXPECT_EQ(plain.htmlStrippedBody, "");  // no type, so no mark-up pass
@@ -199,7 +199,7 @@ TEST(strippedBody, PlainBodyFlattenedAndHtmlPartStripped) {
   EXPECT_EQ(html.htmlStrippedBody, "A B");
 }
 
-TEST(strippedBody, LaterBase64PartIsUsedWhenTheFirstIsEmpty) {
+TEST(StrippedBody, LaterBase64PartIsUsedWhenTheFirstIsEmpty) {
   const auto m = parsed(mail({"Content-Type: multipart/mixed; boundary=XX"},
                              "--XX\r\nContent-Type: text/plain\r\n\r\n\r\n--XX\r\n"
                              "Content-Type: text/plain\r\nContent-Transfer-Encoding: base64\r\n\r\nSGVsbG8=\r\n--XX--\r\n"),
@@ -208,7 +208,7 @@ TEST(strippedBody, LaterBase64PartIsUsedWhenTheFirstIsEmpty) {
   EXPECT_EQ(m.strippedBody, "Hello");
 }
 
-TEST(sendDate, ZoneIsTakenOffAndTheLocalStandardZoneAdded) {
+TEST(SendDate, ZoneIsTakenOffAndTheLocalStandardZoneAdded) {
   auto m = parsed(mail({"Date: Tue, 02 Jan 2024 10:00:00 +0100 (CET)"}));
   EXPECT_EQ(m.sendDateInZone(0), (text::DateTime{2024, 1, 2, 9, 0, 0}));
   EXPECT_EQ(m.sendDateInZone(-480), (text::DateTime{2024, 1, 2, 17, 0, 0}));
@@ -218,7 +218,7 @@ TEST(sendDate, ZoneIsTakenOffAndTheLocalStandardZoneAdded) {
   EXPECT_EQ(m.sendDateInZone(210), (text::DateTime{2024, 1, 2, 16, 0, 0}));
 }
 
-TEST(sendDate, DateWithoutZoneOrUnreadableFails) {
+TEST(SendDate, DateWithoutZoneOrUnreadableFails) {
   auto m = parsed(mail({"Date: Tue, 02 Jan 2024 10:00:00 GMT"}));
   EXPECT_THROW(m.sendDateInZone(0), AppError);
   m.sendDate = "soon +0100";
@@ -227,7 +227,7 @@ TEST(sendDate, DateWithoutZoneOrUnreadableFails) {
   EXPECT_THROW(m.sendDateInZone(0), AppError);
 }
 
-TEST(messages, KeyedAndKeylessItemsInOrder) {
+TEST(MessageList, KeyedAndKeylessItemsInOrder) {
   MessageList list;
   auto first = list.add(std::make_shared<Message>(), "Key1");
   list.add(std::make_shared<Message>());

@@ -28,36 +28,36 @@ constexpr std::string_view kHtml = "Content-Type: text/html\r\n\r\n<p>Hi <b>ther
 constexpr std::string_view kPlain = "Content-Type: text/plain\r\n\r\nplain words";
 constexpr std::string_view kPicture = "Content-Type: image/gif; name=\"x.gif\"\r\nContent-Transfer-Encoding: base64\r\n\r\nR0lG";
 
-TEST(extractPlainMessage, WithoutMimeTheBodyLosesItsTrailingBlanksAndDashes) {
+TEST(ExtractPlainMessage, WithoutMimeTheBodyLosesItsTrailingBlanksAndDashes) {
   const auto m = parsed("From: a@b.c\r\n\r\nHello there\r\n-- \r\n");
   ASSERT_EQ(m.mimePartCount(), 1u);
   EXPECT_EQ(m.mimePart(1).contentType, "");
   EXPECT_EQ(extractPlainMessage(m, false), "Hello there");
 }
 
-TEST(extractPlainMessage, PlainWinsOverHtmlWhichBecomesAWebPageAttachment) {
+TEST(ExtractPlainMessage, PlainWinsOverHtmlWhichBecomesAWebPageAttachment) {
   const auto m = parsed(files::loadTextFile(std::filesystem::path(VONEL_TEST_DATA) / "messages/multipart_alternative.eml"));
   EXPECT_EQ(extractPlainMessage(m, false), "Caf\xE9 offer: two for one.\r\nSoft break above stays a line end.");
   EXPECT_EQ(m.mimePart(2).filename, "View email as web page.html");
   EXPECT_TRUE(m.hasAttachment);
 }
 
-TEST(extractPlainMessage, HtmlFirstAndPlainSecondToLastShowsBoth) {
+TEST(ExtractPlainMessage, HtmlFirstAndPlainSecondToLastShowsBoth) {
   EXPECT_EQ(extractPlainMessage(multipart({kHtml, kPlain}), false), "plain words");
   EXPECT_EQ(extractPlainMessage(multipart({kHtml, kPlain, kPicture}), false), "Hi there\r\n\r\nplain words");
 }
 
-TEST(extractPlainMessage, EmptyPlainFallsToHtmlAndNoTextPartGivesNothing) {
+TEST(ExtractPlainMessage, EmptyPlainFallsToHtmlAndNoTextPartGivesNothing) {
   EXPECT_EQ(extractPlainMessage(multipart({"Content-Type: text/plain\r\n\r\n", kHtml}), false), "Hi there\r\n");
   EXPECT_EQ(extractPlainMessage(multipart({kPicture, kPicture}), false), "");
 }
 
-TEST(extractPlainMessage, UnparsedHtmlBodyIsRendered) {
+TEST(ExtractPlainMessage, UnparsedHtmlBodyIsRendered) {
   const auto m = parsed("From: a@b.c\r\n\r\n<HTML><body>Hi<br>there</body></HTML>\r\n");
   EXPECT_EQ(extractPlainMessage(m, false), "Hi\r\nthere");
 }
 
-TEST(extractPlainMessage, SpecialCharactersEntitiesAndTheListFooter) {
+TEST(ExtractPlainMessage, SpecialCharactersEntitiesAndTheListFooter) {
   using namespace std::string_literals;
   const auto m = parsed("From: a@b.c\r\n\r\nCaf&eacute;\x85 \x8B \x97 x\0y\r\nYahoo! Groups Links\r\nfoot"s);
   EXPECT_EQ(extractPlainMessage(m, true), "Caf\xE9... < -- xy\r\n");
@@ -70,7 +70,7 @@ TEST(extractPlainMessage, SpecialCharactersEntitiesAndTheListFooter) {
   EXPECT_EQ(extractPlainMessage(m, context), extractPlainMessage(m, true));
 }
 
-TEST(extractHtmlPartText, LineBreaksParagraphsAndLinkTargetsStayVisible) {
+TEST(ExtractHtmlPartText, LineBreaksParagraphsAndLinkTargetsStayVisible) {
   MimePart part;
   part.contentType = "text/html";
   part.data = "<p>One<br>Two</p>\r\n<a href=\"http://x.org/\">site</a> &gt; caf&eacute;";
@@ -80,7 +80,7 @@ TEST(extractHtmlPartText, LineBreaksParagraphsAndLinkTargetsStayVisible) {
   EXPECT_EQ(text::trim(extractHtmlPartText(part)), "Bold");
 }
 
-TEST(extractHtmlPartText, AQuotedBlockKeepsItsLengthSoItsTailIsLost) {
+TEST(ExtractHtmlPartText, AQuotedBlockKeepsItsLengthSoItsTailIsLost) {
   MimePart part;
   part.data = "a<blockquote>x\ry</blockquote>b";
   EXPECT_EQ(extractHtmlPartText(part), "a\r\n\r\nb");

@@ -8,7 +8,7 @@
 namespace vonel::send {
 namespace {
 
-TEST(fitForData, LongLinesAreCutAtBlanksOrAtNineHundredNinetyEight) {
+TEST(FitForData, LongLinesAreCutAtBlanksOrAtNineHundredNinetyEight) {
   const std::string exact(998, 'a');
   EXPECT_EQ(fitForData(exact + "\r\nb"), exact + "\r\nb");
   EXPECT_EQ(fitForData("x\r\n" + exact + "a"), "x\r\n" + exact + "\r\na");
@@ -20,25 +20,25 @@ TEST(fitForData, LongLinesAreCutAtBlanksOrAtNineHundredNinetyEight) {
             std::string(998, 'z') + "\r\n" + std::string(998, 'z') + "\r\n" + std::string(4, 'z'));
 }
 
-TEST(fitForData, SeparatorIsKeptAndLongLineWithoutOneGetsCrLf) {
+TEST(FitForData, SeparatorIsKeptAndLongLineWithoutOneGetsCrLf) {
   EXPECT_EQ(fitForData(""), "");
   EXPECT_EQ(fitForData("a\rb\r.c"), "a\rb\r..c");
   EXPECT_EQ(fitForData("a\nb"), "a\nb");  // a bare LF is no separator
   EXPECT_EQ(fitForData(std::string(1000, 'c') + "\r"), std::string(998, 'c') + "\r" + "cc\r");
 }
 
-TEST(fitForData, DotsAreAddedOnEveryPass) {
+TEST(FitForData, DotsAreAddedOnEveryPass) {
   std::string text = "first\r\n.second\r\n..";
   for (int pass = 0; pass < 3; ++pass) text = fitForData(text);
   EXPECT_EQ(text, "first\r\n....second\r\n.....");
 }
 
-TEST(hasEightBit, MeansAByteAboveOneTwentySeven) {
+TEST(HasEightBit, MeansAByteAboveOneTwentySeven) {
   EXPECT_FALSE(hasEightBit(std::string("plain\x7f text")));
   EXPECT_TRUE(hasEightBit("na\xefve"));
 }
 
-TEST(uuencodeLine, GroupsLengthAndPadding) {
+TEST(UuencodeLine, GroupsLengthAndPadding) {
   EXPECT_EQ(uuencodeLine("Cat"), "#0V%T");
   EXPECT_EQ(uuencodeLine("Ca"), "\"0V$`=");
   EXPECT_EQ(uuencodeLine("C"), "!0P``==");
@@ -47,7 +47,7 @@ TEST(uuencodeLine, GroupsLengthAndPadding) {
   EXPECT_EQ(uuencodeLine(std::string(64, 'a')), "");
 }
 
-TEST(contentTypeOf, ExtensionTableWithFallBack) {
+TEST(ContentTypeOf, ExtensionTableWithFallBack) {
   EXPECT_EQ(contentTypeOf("report.PDF", "x/y"), "application/pdf");
   EXPECT_EQ(contentTypeOf("archive.tar.gz", "x/y"), "application/x-gzip");
   EXPECT_EQ(contentTypeOf("photo.jpeg", "x/y"), "image/jpeg");

@@ -30,7 +30,7 @@ Collected merge(std::string_view data, std::string_view templateText, MergeSende
   return out;
 }
 
-TEST(mergeTexts, EachRowFillsTheCodesInSubjectAndBody) {
+TEST(MergeTexts, EachRowFillsTheCodesInSubjectAndBody) {
   const Collected c = merge("$EMAIL,$FIRST\r\nann@x.org,Ann\r\nbob@x.org, Bob \r\n",
                             "subject: Hello $first\r\n\r\nDear $FIRST, this goes to $EMAIL\r\n");
   ASSERT_EQ(c.messages.size(), 2u);
@@ -46,7 +46,7 @@ TEST(mergeTexts, EachRowFillsTheCodesInSubjectAndBody) {
   EXPECT_EQ(c.counts.invalid, 0);
 }
 
-TEST(mergeTexts, RaggedRowsAreJoinedOrSkipped) {
+TEST(MergeTexts, RaggedRowsAreJoinedOrSkipped) {
   const Collected c = merge("$EMAIL,$NAME,$NOTE\r\na@x.org,A,one, two,three\r\nshort@x.org,S\r\nq@x.org,\"Q, Jr\",n\r\n",
                             "$NAME: $NOTE");
   ASSERT_EQ(c.messages.size(), 2u);
@@ -57,7 +57,7 @@ TEST(mergeTexts, RaggedRowsAreJoinedOrSkipped) {
   EXPECT_EQ(c.messages[1].subject, "");
 }
 
-TEST(mergeTexts, RowsWithoutAnAddressAreCountedInvalid) {
+TEST(MergeTexts, RowsWithoutAnAddressAreCountedInvalid) {
   // One column: the blank last row counts as invalid too.
   const Collected c = merge("$EMAIL\r\nnobody\r\nok@x.org\r\n", "Subject: s\r\nb");
   EXPECT_EQ(c.counts.saved, 1);
@@ -67,12 +67,12 @@ TEST(mergeTexts, RowsWithoutAnAddressAreCountedInvalid) {
   EXPECT_EQ(merge("$NAME, $email \r\nA,a@x.org", "$NAME $email").messages.at(0).body, "A $email");
 }
 
-TEST(mergeTexts, ACodeInsideAnotherIsReplacedFirstWhenItComesFirst) {
+TEST(MergeTexts, ACodeInsideAnotherIsReplacedFirstWhenItComesFirst) {
   EXPECT_EQ(merge("$EMAIL,$N,$NAME\r\na@x.org,1,Ann", "$NAME").messages.at(0).body, "1AME");
   EXPECT_EQ(merge("$EMAIL,$NAME,$N\r\na@x.org,Ann,1", "$NAME $N").messages.at(0).body, "Ann 1");
 }
 
-TEST(mergeTexts, AFieldFullOfCodesCannotGrowWithoutBound) {
+TEST(MergeTexts, AFieldFullOfCodesCannotGrowWithoutBound) {
   std::string header = "$EMAIL";
   std::string row = "a@x.org";
   for (int i = 0; i < 40; ++i) {
@@ -84,7 +84,7 @@ TEST(mergeTexts, AFieldFullOfCodesCannotGrowWithoutBound) {
   EXPECT_EQ(c.counts.invalid, 1);
 }
 
-TEST(mergeTexts, TenThousandRows) {
+TEST(MergeTexts, TenThousandRows) {
   std::string data = "$EMAIL,$N";
   for (int i = 0; i < 10000; ++i) data += "\r\nu" + std::to_string(i) + "@x.org," + std::to_string(i);
   const Collected c = merge(data, "Subject: $N\r\nrow $N");

@@ -137,7 +137,7 @@ TEST(SpoolWriter, FailureLeavesNoFileAndKeepsTheOldOne) {
   EXPECT_EQ(entries, 2u);  // no temporary left behind
 }
 
-TEST(estimateMailSize, SumsEveryDocumentedPart) {
+TEST(EstimateMailSize, SumsEveryDocumentedPart) {
   MailFields mail;
   mail.from = "me@x.org";                     // 8: 93 + 8, and 8 again
   mail.recipient = {"a@x.org", "bb@x.org"};   // 15+14, 15+16+6

@@ -41,14 +41,14 @@ TEST(HtmlConstToChar, TypographicFormsAndTheEnDashAsThreeDots) {
   EXPECT_EQ(constToChar("&prime;&Prime;&PRIME;"), "'\"&PRIME;");
 }
 
-TEST(stripHtml, TagsAndBareStyleBlocksGo) {
+TEST(StripHtml, TagsAndBareStyleBlocksGo) {
   EXPECT_EQ(stripped("<p>Hi <b>there</b></p>"), "Hi there");
   EXPECT_EQ(stripped("a<STYLE>p{}</style>b<style>x</Style>c"), "abc");
   EXPECT_EQ(stripped("a<style type=x>p{}</style>b"), "ap{}b");
   EXPECT_EQ(stripped("a<style>never closed"), "anever closed");
 }
 
-TEST(stripHtml, UnbalancedBracketsAreKept) {
+TEST(StripHtml, UnbalancedBracketsAreKept) {
   EXPECT_EQ(stripped("3 < 4 and more"), "3 < 4 and more");
   EXPECT_EQ(stripped("5 > 4"), "5 > 4");
   EXPECT_EQ(stripped("x<a>y<b"), "xy<b");
@@ -106,20 +106,20 @@ std::vector<std::string> links(std::string_view text) {
   return found;
 }
 
-TEST(underlineLinks, WebAndMailAddressesWithTheirStopCharacters) {
+TEST(UnderlineLinks, WebAndMailAddressesWithTheirStopCharacters) {
   EXPECT_EQ(links("See (http://a.example/x), mail \"Ann\" <ann@example.com>; ftp:files"),
             (std::vector<std::string>{"http://a.example/x", "ftp:files", "ann@example.com"}));
   EXPECT_EQ(links("go to www.example.com, now"), (std::vector<std::string>{"www.example.com"}));
   EXPECT_EQ(links("to:me@host.org, @name.org and a@b"), (std::vector<std::string>{"me@host.org,"}));
 }
 
-TEST(underlineLinks, AMarkerInsideAnEarlierLinkStopsThatMarkersScan) {
+TEST(UnderlineLinks, AMarkerInsideAnEarlierLinkStopsThatMarkersScan) {
   // "www." first meets the http link, so the plain www address after it stays plain.
   EXPECT_EQ(links("http://www.a.com www.b.com"), (std::vector<std::string>{"http://www.a.com"}));
   EXPECT_EQ(links(std::string(100000, '@')), std::vector<std::string>{});
 }
 
-TEST(cleanWord, UndoesTheDisguisesInTheirOrder) {
+TEST(CleanWord, UndoesTheDisguisesInTheirOrder) {
   EXPECT_EQ(cleanWord("V1.AGRA"), "ViAGRA");
   EXPECT_EQ(cleanWord("fr__ee: c()()l 0ff3r"), "fr  ee cool off3r");
   EXPECT_EQ(cleanWord("(.)-{~}"), "o");  // the dropped point joins the brackets first

@@ -18,7 +18,7 @@ struct SpoolHome : SenderHome {
   }
 };
 
-TEST(spoolToFile, ValidationErrorsAreReportedTogetherAndNothingIsWritten) {
+TEST(SpoolToFile, ValidationErrorsAreReportedTogetherAndNothingIsWritten) {
   SpoolHome home;
   home.sender->setEncodeType(send::EncodeType::UUEncode);
   home.sender->setAsHtml(true);
@@ -30,7 +30,7 @@ TEST(spoolToFile, ValidationErrorsAreReportedTogetherAndNothingIsWritten) {
   EXPECT_TRUE(home.socket.sent.empty());
 }
 
-TEST(spoolToFile, AttachmentThatCannotBeEncodedFailsTheSpool) {
+TEST(SpoolToFile, AttachmentThatCannotBeEncodedFailsTheSpool) {
   SpoolHome home;
   home.sender->setRecipient("to@x.org");
   const std::string path = home.attach("gone.bin", "soon gone");
@@ -49,7 +49,7 @@ TEST(spoolToFile, AttachmentThatCannotBeEncodedFailsTheSpool) {
   EXPECT_FALSE(files::fileExists(home.out()));
 }
 
-TEST(spoolToFile, FolderThatCannotTakeTheFileGivesTheDiskError) {
+TEST(SpoolToFile, FolderThatCannotTakeTheFileGivesTheDiskError) {
   SpoolHome home;
   home.sender->setRecipient("to@x.org");
   EXPECT_FALSE(home.sender->spoolToFile(home.dir.path() / "no such folder" / "x.eml"));
