@@ -4,6 +4,7 @@
 #include "app/event_wait.h"
 #include "app/startup_housekeeping.h"
 #include "core/files/file_info.h"
+#include "core/log/log_places.h"
 #include "core/send/outbox.h"
 
 namespace vonel {
@@ -58,12 +59,12 @@ StartupResult MailController::startup() {
     windows_.showSplash();
   }
 
-  guardedStep(log, "Startup", kLogModule, [&] {
+  guardedStep(log, log_places::kStartup, kLogModule, [&] {
     windows_.setBusy(true);
     showStage("Loading settings");
     ctx_.pathSettings.loadSettings(ctx_.pathsFile());
     ctx_.settings.loadSettings(ctx_.settingsFile());
-    guardedStep(log, "Startup", kLogModule, [&] { moveStoreRootToPathsFile(ctx_); });
+    guardedStep(log, log_places::kStartup, kLogModule, [&] { moveStoreRootToPathsFile(ctx_); });
 
     ctx_.readBayesSettings();
     ctx_.folders.readMessageFolder();
@@ -74,7 +75,7 @@ StartupResult MailController::startup() {
       files::ensureFolder(ctx_.folders.dataFolderPath / folder);
     }
     ctx_.noCacheMode = ctx_.settings.get("NoCache", Value(false)).flag();
-    guardedStep(log, "Startup", kLogModule, [&] { moveSignatureToFile(ctx_); });
+    guardedStep(log, log_places::kStartup, kLogModule, [&] { moveSignatureToFile(ctx_); });
 
     showStage("Loading languages");
     showStage("Starting Reminders");
@@ -188,7 +189,7 @@ bool MailController::exitProgram() {
   auto& log = ctx_.log;
   const std::string version = log.info().version;
   bool keepRunning = false;
-  guardedStep(log, "ExitProg", kLogModule, [&] {
+  guardedStep(log, log_places::kExitProg, kLogModule, [&] {
     logAction("Beginning shutdown");
     if (outbox_ && outbox_->running()) {
       logAction("Still sending mail, stopping transfer.");

@@ -20,6 +20,7 @@
 #include "app/tray_flasher.h"
 #include "core/bayes/bayes_filter.h"
 #include "core/context/app_context.h"
+#include "core/log/log_places.h"
 #include "core/rules/rule_engine.h"
 #include "core/settings/accounts.h"
 
@@ -133,7 +134,7 @@ class MailController : public QObject, public pop3::Pop3Listener {
   bool outboxHoldsMail() const;
 
   // The module that the controller's log lines name.
-  static constexpr std::string_view kLogModule = "frmMain";
+  static constexpr std::string_view kLogModule = log_places::kControllerModule;
 
   AppContext& ctx_;
   AppWindows& windows_;

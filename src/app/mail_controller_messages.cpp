@@ -8,6 +8,7 @@
 #include "app/qtext.h"
 #include "core/files/atomic_file.h"
 #include "core/files/path_text.h"
+#include "core/log/log_places.h"
 #include "core/message/message_file.h"
 #include "core/store/received_mail.h"
 
@@ -17,11 +18,11 @@ namespace vonel {
 // failed store never lets the session delete it on the server.
 bool MailController::onMessageReceived(message::Message& message) {
   std::optional<store::StoredMessage> stored;
-  guardedStep(ctx_.log, "fGetMail_MessageReceived", kLogModule,
+  guardedStep(ctx_.log, log_places::kFGetMailMessageReceived, kLogModule,
               [&] { stored = store::saveReceivedMessage(ctx_, message); });
   if (!stored) return false;
   if (!message.runThisFile.empty()) runRuleProgram(message, stored->file);
-  guardedStep(ctx_.log, "fGetMail_MessageReceived", kLogModule,
+  guardedStep(ctx_.log, log_places::kFGetMailMessageReceived, kLogModule,
               [&] { store::announceNewMessage(ctx_, *stored, message, windows_.openMailer()); });
   windows_.messageStored(message, stored->file);
   return true;
@@ -33,7 +34,7 @@ void MailController::runRuleProgram(const message::Message& message, const std::
   const bool started = QProcess::startDetached(program, {QString::fromStdString(file.string())});
   ctx_.log.addAction((started ? "Ran " : "Could not run ") + message.runThisFile + " for " +
                          files::textFromPath(file) + ", as a rule asked",
-                     "fGetMail_MessageReceived", kLogModule);
+                     log_places::kFGetMailMessageReceived, kLogModule);
 }
 
 void MailController::fetchSpecificMessage(FetchPurpose purpose, int account, int number) {
@@ -45,7 +46,7 @@ void MailController::fetchSpecificMessage(FetchPurpose purpose, int account, int
 void MailController::onSpecificMessage(message::Message& message) {
   const FetchPurpose purpose = fetchPurpose_;
   fetchPurpose_ = FetchPurpose::None;
-  guardedStep(ctx_.log, "fGetMail_SpecificMessage", kLogModule, [&] {
+  guardedStep(ctx_.log, log_places::kFGetMailSpecificMessage, kLogModule, [&] {
     switch (purpose) {
       case FetchPurpose::ViewSource: {
         windows_.setStatusText("Viewing source");

@@ -4,6 +4,7 @@
 
 #include "app/qtext.h"
 #include "app/status_line.h"
+#include "core/log/log_places.h"
 #include "core/store/suppress_message.h"
 #include "core/text/strings.h"
 
@@ -28,7 +29,7 @@ void MailController::stopPass() {
 }
 
 void MailController::startAccount(bool evenIfUnchecked) {
-  guardedStep(ctx_.log, "CheckNextAccount", kLogModule, [&] {
+  guardedStep(ctx_.log, log_places::kCheckNextAccount, kLogModule, [&] {
     const int account = *currentAccount_;
     const std::string server = text::trim(ctx_.settings.get(accountKey("SERVER", account), Value("")).text());
     if (server.empty()) {

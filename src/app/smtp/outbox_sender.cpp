@@ -1,6 +1,7 @@
 #include "app/smtp/outbox_sender.h"
 
 #include "app/qtext.h"
+#include "core/log/log_places.h"
 #include "core/message/address.h"
 #include "core/message/message_file.h"
 #include "core/send/outbox.h"
@@ -12,7 +13,7 @@ namespace vonel {
 
 namespace {
 
-constexpr const char* kModule = "frmSendMailWrapper";
+constexpr std::string_view kModule = log_places::kOutboxModule;
 
 // Each non-empty name followed by ";", less the last ";".
 std::string attachmentList(const std::vector<std::string>& names) {
@@ -56,7 +57,7 @@ std::filesystem::path OutboxSender::freeOutboxPath(int account) {
 
 void OutboxSender::spoolOrSend(message::Message& message, bool spoolOnly, const std::string& fromOverride,
                                const std::string& nameOverride) {
-  guardedStep(ctx_.log, "Sendmail", kModule, [&] {
+  guardedStep(ctx_.log, log_places::kSendmail, kModule, [&] {
     smtp::SmtpSession& mail = session();
     mail.initialise(message.fromAccount);
     message.from = message::extractEmail(message.from);
@@ -83,9 +84,9 @@ void OutboxSender::configureSession(int account) {
   mail.initialise(static_cast<std::int16_t>(account));
   const Account settings = readAccount(ctx_.settings, account, AccountReader::Session);
   server_ = settings.smtp;
-  ctx_.log.addAction("Using server: " + server_, "SetupAccount", kModule);
+  ctx_.log.addAction("Using server: " + server_, log_places::kSetupAccount, kModule);
   if (server_.empty()) {
-    ctx_.log.addAction("Error, server not defined. Sendmail cancelled.", "SetupAccount", kModule);
+    ctx_.log.addAction("Error, server not defined. Sendmail cancelled.", log_places::kSetupAccount, kModule);
     const std::string text = "Please specify SMTP server #" + std::to_string(account + 1) + " in the settings";
     ctx_.prompt.ask(text, Buttons::Ok, "Vonel");
     events_.onSendFailed(text);
@@ -97,10 +98,10 @@ void OutboxSender::configureSession(int account) {
   userName_ = settings.smtpAuth ? settings.smtpUserName : std::string();
   password_ = settings.smtpAuth ? settings.smtpPassword : std::string();
   if (password_.empty()) {
-    ctx_.log.addAction("No password required", "SetupAccount", kModule);
+    ctx_.log.addAction("No password required", log_places::kSetupAccount, kModule);
     mail.setUseAuthentication(false);
   } else {
-    ctx_.log.addAction("Using SMTP authorisation", "SetupAccount", kModule);
+    ctx_.log.addAction("Using SMTP authorisation", log_places::kSetupAccount, kModule);
     mail.setUseAuthentication(true);
     mail.setUsername(userName_);
     mail.setPassword(password_);
@@ -109,22 +110,22 @@ void OutboxSender::configureSession(int account) {
 }
 
 void OutboxSender::connectAccount(int account) {
-  guardedStep(ctx_.log, "Connect", kModule, [&] {
+  guardedStep(ctx_.log, log_places::kConnect, kModule, [&] {
     connected_ = false;
     // Both name the server of the account before: configureSession reads the new one.
     events_.onSendProgress("Connecting to SMTP server '" + server_ + "'");
-    ctx_.log.addAction("Connecting to " + server_, "Connect", kModule);
+    ctx_.log.addAction("Connecting to " + server_, log_places::kConnect, kModule);
     configureSession(account);
     session().connect();
   });
 }
 
 void OutboxSender::disconnect() {
-  guardedStep(ctx_.log, "Disconnect", kModule, [&] { session().disconnect(); });
+  guardedStep(ctx_.log, log_places::kDisconnect, kModule, [&] { session().disconnect(); });
 }
 
 void OutboxSender::cancelSend() {
-  guardedStep(ctx_.log, "CancelSend", kModule, [&] {
+  guardedStep(ctx_.log, log_places::kCancelSend, kModule, [&] {
     sending_ = false;
     sendingOneMessage_ = false;
     session().disconnect();
@@ -132,7 +133,7 @@ void OutboxSender::cancelSend() {
 }
 
 void OutboxSender::sendOutbox() {
-  guardedStep(ctx_.log, "UploadSpooledMail", kModule, [&] {
+  guardedStep(ctx_.log, log_places::kUploadSpooledMail, kModule, [&] {
     if (sending_) {
       events_.onSendProgress("Already sending mail.");
       return;
@@ -196,7 +197,7 @@ void OutboxSender::sendNextMessage() {
 }
 
 void OutboxSender::sendOutboxMessage(const message::Message& message) {
-  guardedStep(ctx_.log, "SendSpooledMessage", kModule, [&] {
+  guardedStep(ctx_.log, log_places::kSendSpooledMessage, kModule, [&] {
     if (!connected_) {
       sendingOneMessage_ = false;
       events_.onSendProgress("Can't send - not connected to server");
@@ -217,7 +218,7 @@ void OutboxSender::sendOutboxMessage(const message::Message& message) {
 
 void OutboxSender::onSmtpConnected() {
   connected_ = true;
-  guardedStep(ctx_.log, "poSendMail_Connected", kModule, [&] { sendNextMessage(); });
+  guardedStep(ctx_.log, log_places::kPoSendMailConnected, kModule, [&] { sendNextMessage(); });
 }
 
 void OutboxSender::onSmtpErrorConnecting() {
@@ -230,7 +231,7 @@ void OutboxSender::onSmtpErrorConnecting() {
 void OutboxSender::onSmtpDisconnected() {
   // After a cancel or a stop the walk ends here instead of going on to the next account.
   if (!sending_) return;
-  guardedStep(ctx_.log, "poSendMail_Disconnected", kModule, [&] {
+  guardedStep(ctx_.log, log_places::kPoSendMailDisconnected, kModule, [&] {
     if (outboxFiles_.empty() || !currentAccount_) {
       finishSending();
     } else {
@@ -240,7 +241,7 @@ void OutboxSender::onSmtpDisconnected() {
 }
 
 void OutboxSender::onSmtpSendSuccessful() {
-  guardedStep(ctx_.log, "poSendMail_SendSuccessful", kModule, [&] {
+  guardedStep(ctx_.log, log_places::kPoSendMailSendSuccessful, kModule, [&] {
     // Only a message of the upload has an outbox file to move; a direct send has none.
     if (!sendingOneMessage_ || currentFile_ >= outboxFiles_.size()) return;
     const std::string name = outboxFiles_[currentFile_];

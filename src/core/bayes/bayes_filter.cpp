@@ -2,14 +2,15 @@
 
 #include "core/bayes/score_steps.h"
 #include "core/bayes/tokeniser.h"
-#include "core/message/address.h"
 #include "core/files/any_case.h"
+#include "core/log/log_places.h"
+#include "core/message/address.h"
 #include "core/text/numbers.h"
 
 namespace vonel::bayes {
 namespace {
 
-constexpr std::string_view kModule = "frmBayesFilter";
+constexpr std::string_view kModule = log_places::kBayesModule;
 
 float added(float score, double change) { return static_cast<float>(static_cast<double>(score) + change); }
 
@@ -31,7 +32,7 @@ void BayesFilter::loadWordHash() {
 void BayesFilter::loadBlackList() { blackList_.loadBlackList(blackListFile(), context_.log); }
 
 void BayesFilter::spamminess(message::Message& message, bool headersOnly, float& score) {
-  guardedStep(context_.log, "Spamminess", kModule, [&] { this->score(message, headersOnly, score); });
+  guardedStep(context_.log, log_places::kSpamminess, kModule, [&] { this->score(message, headersOnly, score); });
 }
 
 void BayesFilter::score(message::Message& message, bool headersOnly, float& score) {

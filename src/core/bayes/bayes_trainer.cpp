@@ -5,10 +5,11 @@
 #include <system_error>
 
 #include "core/bayes/tokeniser.h"
-#include "core/message/message_file.h"
 #include "core/files/any_case.h"
 #include "core/files/file_info.h"
 #include "core/files/path_text.h"
+#include "core/log/log_places.h"
+#include "core/message/message_file.h"
 #include "core/store/folder_listing.h"
 #include "core/store/folder_lists.h"
 #include "core/text/numbers.h"
@@ -20,7 +21,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kModule = "frmBayesFilter";
+constexpr std::string_view kModule = log_places::kBayesModule;
 constexpr float kGoodOnly = 0.01f;
 constexpr float kSpamOnly = 0.99f;
 constexpr std::int32_t kRecordsPerProgress = 500;
@@ -107,7 +108,7 @@ fs::path BayesTrainer::spamFolder() const { return store::storeFolder(ctx_.folde
 
 bool BayesTrainer::generateFilters(const TrainingChoices& choices) {
   bool completed = false;
-  guardedStep(ctx_.log, "GenerateFilters", kModule, [&] {
+  guardedStep(ctx_.log, log_places::kGenerateFilters, kModule, [&] {
     filter_.clearWordTable();
     if (choices.good == TrainingChoices::Source::File) {
       ensureLoaded(good());
@@ -142,7 +143,7 @@ bool BayesTrainer::generateFilters(const TrainingChoices& choices) {
 
 void BayesTrainer::generateTable(std::string_view title, const fs::path& folder, bool unreadOnly, bool subfolders,
                                 WordTable& table) {
-  guardedStep(ctx_.log, "GenerateTable", kModule, [&] {
+  guardedStep(ctx_.log, log_places::kGenerateTable, kModule, [&] {
     std::vector<fs::path> files;
     for (const fs::path& each : foldersToRead(folder, subfolders)) {
       for (const store::ListedFile& listed : store::listMessageFiles(each)) files.push_back(each / listed.name);
@@ -160,7 +161,7 @@ void BayesTrainer::generateTable(std::string_view title, const fs::path& folder,
 }
 
 void BayesTrainer::generateWordHash(WordTable& good, WordTable& bad, int minimum) {
-  guardedStep(ctx_.log, "GenerateWordHash", kModule, [&] {
+  guardedStep(ctx_.log, log_places::kGenerateWordHash, kModule, [&] {
     const auto started = std::chrono::steady_clock::now();
     WordTable words;
     words.initHuge();
@@ -192,12 +193,12 @@ void BayesTrainer::generateWordHash(WordTable& good, WordTable& bad, int minimum
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - started;
     ctx_.log.addAction("GenerateWordHash completed in " + text::plainText(text::roundHalfEven(took.count(), 2)) +
                            " seconds.",
-                       "GenerateWordHash", kModule);
+                       log_places::kGenerateWordHash, kModule);
   });
 }
 
 void BayesTrainer::updateFromUnread() {
-  guardedStep(ctx_.log, "UpdateFromUnread", kModule, [&] {
+  guardedStep(ctx_.log, log_places::kUpdateFromUnread, kModule, [&] {
     ensureLoaded(bad());
     generateTable("Spam Mail", spamFolder(), true, false, badTable_);
     ensureLoaded(good());
@@ -207,7 +208,7 @@ void BayesTrainer::updateFromUnread() {
 }
 
 void BayesTrainer::countMessage(const message::Message& message, Verdict verdict) {
-  guardedStep(ctx_.log, "SwapStatus", kModule, [&] {
+  guardedStep(ctx_.log, log_places::kSwapStatus, kModule, [&] {
     const CountTable target = verdict == Verdict::Junk ? bad() : good();
     ensureLoaded(target);
     WordTable tokens;
@@ -222,7 +223,7 @@ void BayesTrainer::countMessage(const message::Message& message, Verdict verdict
 }
 
 void BayesTrainer::recreateWordHash() {
-  guardedStep(ctx_.log, "RecreateWordHash", kModule, [&] {
+  guardedStep(ctx_.log, log_places::kRecreateWordHash, kModule, [&] {
     for (const CountTable& side : {good(), bad()}) {
       if (side.loaded) {
         side.table.writeHashTable(side.file, ctx_.log);

@@ -2,6 +2,7 @@
 
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
+#include "core/log/log_places.h"
 #include "core/text/strings.h"
 
 namespace vonel::bayes {
@@ -10,7 +11,7 @@ void BlackList::loadBlackList(const std::filesystem::path& file, Log& log) {
   words_.clear();
   loaded_ = true;
   if (!files::fileExists(file)) return;
-  guardedStep(log, "LoadBlackList", "frmBayesFilter", [&] {
+  guardedStep(log, log_places::kLoadBlackList, log_places::kBayesModule, [&] {
     const std::string content = files::loadTextFile(file);
     if (!text::trimView(content).empty()) words_ = text::split(content, "\r\n");
   });

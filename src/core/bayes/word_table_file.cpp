@@ -10,13 +10,14 @@
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
 #include "core/files/path_text.h"
+#include "core/log/log_places.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 
 namespace vonel::bayes {
 namespace {
 
-constexpr std::string_view kModule = "clsHashTable";
+constexpr std::string_view kModule = log_places::kWordTableModule;
 constexpr std::string_view kHeaderLine = "Count, String";
 // Room for the lines added after a table has been loaded.
 constexpr std::int32_t kLoadHeadroom = 1000;
@@ -105,7 +106,7 @@ void WordTable::loadText(std::string_view bytes) {
 }
 
 bool WordTable::writeHashTable(const std::filesystem::path& file, Log& log) const {
-  return guardedStep(log, "WriteHashTable", kModule, [&] {
+  return guardedStep(log, log_places::kWriteHashTable, kModule, [&] {
     if (files::fileExists(file)) files::makeReadWrite(file);
     files::writeTextFile(file, fileText());
   });
@@ -113,13 +114,13 @@ bool WordTable::writeHashTable(const std::filesystem::path& file, Log& log) cons
 
 void WordTable::loadTable(const std::filesystem::path& file, Log& log) {
   if (!files::fileExists(file)) return;
-  guardedStep(log, "LoadTable", kModule, [&] {
+  guardedStep(log, log_places::kLoadTable, kModule, [&] {
     const auto started = std::chrono::steady_clock::now();
     loadText(files::loadTextFile(file));
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - started;
     log.addAction("Hashtable loaded " + files::textFromPath(file) + " in " +
                   text::plainText(text::roundHalfEven(took.count(), 2)) + " seconds.",
-                  "LoadTable", kModule);
+                  log_places::kLoadTable, kModule);
   });
 }
 

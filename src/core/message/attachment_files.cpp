@@ -3,17 +3,18 @@
 #include <algorithm>
 #include <array>
 
-#include "core/log/app_error.h"
-#include "core/message/transfer_encoding.h"
 #include "core/files/atomic_file.h"
 #include "core/files/path_text.h"
+#include "core/log/app_error.h"
+#include "core/log/log_places.h"
+#include "core/message/transfer_encoding.h"
 #include "core/text/shared_text.h"
 #include "core/text/strings.h"
 
 namespace vonel::message {
 namespace {
 
-constexpr std::string_view kModule = "modAttachments";
+constexpr std::string_view kModule = log_places::kAttachmentsModule;
 constexpr std::string_view kFallbackName = "attachment";
 constexpr std::string_view kSaveTitle = "Save attachments";
 constexpr std::string_view kTitle = "Vonel";
@@ -50,7 +51,7 @@ std::optional<fs::path> writeLogged(const fs::path& file, const MimePart& part, 
     writeFile(file, part.data, part.encoding);
     return file;
   } catch (...) {
-    if (log) logFailure(*log, AppError::from(std::current_exception()), "WriteFile", kModule);
+    if (log) logFailure(*log, AppError::from(std::current_exception()), log_places::kWriteFile, kModule);
     return std::nullopt;
   }
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/log/log_places.h"
 #include "core/message/mime_walk.h"
 #include "core/message/send_date.h"
 #include "core/text/numbers.h"
@@ -10,8 +11,7 @@
 namespace vonel::message {
 namespace {
 
-constexpr std::string_view kModule = "clsMessage";
-constexpr std::string_view kParseProcedure = "createfromtext";
+constexpr std::string_view kModule = log_places::kMessageModule;
 // Positions were held in 16-bit signed integers.
 constexpr std::size_t kLargestPosition = 32767;
 
@@ -58,11 +58,11 @@ void Message::createFromText(std::string text, bool headerOnly) {
 
     std::size_t blankLine = raw_->find("\r\n\r\n");
     if (blankLine != std::string::npos && blankLine + 1 > kLargestPosition) {
-      logFailure(AppError(error_number::kOverflow, "Overflow"), kParseProcedure);
+      logFailure(AppError(error_number::kOverflow, "Overflow"), log_places::kCreateFromText);
       blankLine = std::string::npos;
     }
     if (blankLine == std::string::npos) {
-      logAction("Invalid message format", kParseProcedure);
+      logAction("Invalid message format", log_places::kCreateFromText);
       headers.clear();
       return;
     }
@@ -80,7 +80,7 @@ void Message::createFromText(std::string text, bool headerOnly) {
       createStrippedBody();
     }
   } catch (...) {
-    logFailure(AppError::from(std::current_exception()), kParseProcedure);
+    logFailure(AppError::from(std::current_exception()), log_places::kCreateFromText);
   }
 }
 

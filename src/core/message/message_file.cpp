@@ -1,9 +1,10 @@
 #include "core/message/message_file.h"
 
-#include "core/log/app_error.h"
 #include "core/files/atomic_file.h"
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
+#include "core/log/app_error.h"
+#include "core/log/log_places.h"
 #include "core/text/dates.h"
 #include "core/text/numbers.h"
 #include "core/text/shared_text.h"
@@ -15,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kModule = "modLoadSaveMsg";
+constexpr std::string_view kModule = log_places::kMessageFilesModule;
 constexpr std::size_t kHeaderReadLimit = 10000;
 
 // A header block cut off by the read limit, or without a blank line, made whole.
@@ -39,7 +40,7 @@ bool nameTaken(const fs::path& folder, const std::string& lowerName) {
 
 Message readMessage(const fs::path& path, bool headerOnly, Log& log) {
   Message message(&log);
-  guardedStep(log, headerOnly ? "ReadMessageHeader" : "ReadMessageFull", kModule, [&] {
+  guardedStep(log, headerOnly ? "ReadMessageHeader" : log_places::kReadMessageFull, kModule, [&] {
     const auto facts = files::fileFactsOf(path);
     if (!facts || facts->size == 0) return;
     std::string text = files::readFileStart(path, headerOnly ? kHeaderReadLimit : std::string::npos);
@@ -60,14 +61,14 @@ Message readMessageHeader(const fs::path& path, Log& log) { return readMessage(p
 Message readMessageFull(const fs::path& path, Log& log) { return readMessage(path, false, log); }
 
 void saveMessage(const Message& message, Log& log) {
-  guardedStep(log, "SaveMessage", kModule, [&] {
+  guardedStep(log, log_places::kSaveMessage, kModule, [&] {
     const fs::path target(message.filename());
     const fs::path otherCase(pathInReadCase(target.string(), !message.read));
     files::writeTextFile(target, message.rawMessage());
     // The file under the old case goes only once the new one is whole.
     if (otherCase != target) files::eraseFile(otherCase);
     if (files::fileSize(target).value_or(0) == 0) {
-      log.addAction("Erasing zero-sized email file", "SaveMessage", kModule);
+      log.addAction("Erasing zero-sized email file", log_places::kSaveMessage, kModule);
       files::eraseFile(target);
     }
   });

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/log/log_places.h"
+#include "core/log/log_places.h"
 #include "core/message/transfer_encoding.h"
 #include "core/text/entities.h"
 #include "core/text/markup.h"
@@ -11,8 +13,7 @@
 namespace vonel::message {
 namespace {
 
-constexpr std::string_view kModule = "modMime";
-constexpr std::string_view kProcedure = "ExtractPlainMessage";
+constexpr std::string_view kModule = log_places::kMimeModule;
 
 // A quoted block keeps its line breaks as <BR> and gets blank lines around it.
 // The text keeps its length: the widened block is cut back to the span it replaces.
@@ -99,7 +100,7 @@ std::string extractPlainMessage(const Message& message, bool tweaks, Log* log) {
     text = chooseText(message);
     cleanUp(text, tweaks);
   } catch (...) {
-    if (log) logFailure(*log, AppError::from(std::current_exception()), kProcedure, kModule);
+    if (log) logFailure(*log, AppError::from(std::current_exception()), log_places::kExtractPlainMessage, kModule);
   }
   return text;
 }

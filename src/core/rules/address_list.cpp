@@ -1,15 +1,16 @@
 #include "core/rules/address_list.h"
 
-#include "core/message/address.h"
 #include "core/files/atomic_file.h"
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
+#include "core/log/log_places.h"
+#include "core/message/address.h"
 #include "core/text/strings.h"
 
 namespace vonel::rules {
 
 namespace {
-constexpr std::string_view kModule = "frmFilters";
+constexpr std::string_view kModule = log_places::kRulesModule;
 
 std::optional<std::filesystem::file_time_type> modifiedTime(const std::filesystem::path& file) {
   std::error_code error;
@@ -40,7 +41,7 @@ void AddressList::load() {
   entries_.clear();
   std::string text;
   if (!files::fileExists(file_)) return;
-  if (!guardedStep(log_, "LoadList", kModule, [&] { text = files::loadTextFile(file_); })) return;
+  if (!guardedStep(log_, log_places::kLoadList, kModule, [&] { text = files::loadTextFile(file_); })) return;
   std::string_view rest = text;
   while (!rest.empty()) {
     const std::string_view line = text::nextLine(rest);
@@ -49,14 +50,14 @@ void AddressList::load() {
       const std::string entry(line);
       log_.addAction("\"" + entry + "\" is listed twice in " + file_.filename().string() +
                          "; the entries after it were not read",
-                     "LoadList", kModule);
+                     log_places::kLoadList, kModule);
       return;
     }
   }
 }
 
 void AddressList::save() {
-  guardedStep(log_, "SaveList", kModule, [&] {
+  guardedStep(log_, log_places::kSaveList, kModule, [&] {
     if (entries_.empty()) {
       files::eraseFile(file_);
       return;

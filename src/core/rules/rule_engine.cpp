@@ -2,9 +2,10 @@
 
 #include <cstdint>
 
-#include "core/message/address.h"
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
+#include "core/log/log_places.h"
+#include "core/message/address.h"
 #include "core/store/suppress_message.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
@@ -13,7 +14,7 @@ namespace vonel::rules {
 
 namespace {
 
-constexpr std::string_view kModule = "frmFilters";
+constexpr std::string_view kModule = log_places::kRulesModule;
 constexpr float kScoreWithoutFilter = 0.01f;
 
 std::string textDigest(std::string_view text) {
@@ -59,7 +60,7 @@ void RuleEngine::reloadFilters(bool local) {
   ruleFile_ = ctx_.folders.dataFolderPath / (local ? "LocalRules.txt" : "Rules.txt");
   if (files::fileExists(ruleFile_)) {
     std::string text;
-    if (guardedStep(ctx_.log, "LoadFilters", kModule, [&] { text = files::loadTextFile(ruleFile_); })) {
+    if (guardedStep(ctx_.log, log_places::kLoadFilters, kModule, [&] { text = files::loadTextFile(ruleFile_); })) {
       readRules(text, rules_, true, ctx_.log);
       const Value saved = ctx_.settings.get(digestKey(), Value(""));
       changedOutside_ = saved.text() != textDigest(text);
@@ -131,7 +132,7 @@ void RuleEngine::checkMessage(message::Message& m, bool useBayes) {
     if (applyScore(m, useBayes) == Outcome::Decided) return;
     applySizeLimit(m, matched);
   } catch (...) {
-    logFailure(ctx_.log, AppError::from(std::current_exception()), "CheckMessage", kModule);
+    logFailure(ctx_.log, AppError::from(std::current_exception()), log_places::kCheckMessage, kModule);
   }
 }
 
@@ -254,7 +255,7 @@ void RuleEngine::noteRunFile(const FilterRule& rule) const {
   if (!changedOutside_) return;
   ctx_.log.addAction("Rule \"" + rule.filterName + "\" names \"" + rule.destFolder +
                          "\" to run; its rule file was changed outside Vonel",
-                     "CheckMessage", kModule);
+                     log_places::kCheckMessage, kModule);
 }
 
 }  // namespace vonel::rules

@@ -7,6 +7,7 @@
 
 #include "core/files/atomic_file.h"
 #include "core/files/file_text.h"
+#include "core/log/log_places.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 
@@ -14,7 +15,7 @@ namespace vonel::rules {
 
 namespace {
 
-constexpr std::string_view kModule = "frmFilters";
+constexpr std::string_view kModule = log_places::kRulesModule;
 constexpr std::string_view kSeparator = ", ";
 constexpr std::string_view kLineEnd = "\r\n";
 
@@ -76,7 +77,7 @@ class RuleReader {
     current_.reset();
     if (outsideRule_ > 0) {
       log_.addAction(std::to_string(outsideRule_) + " rule lines before the first Filtername were skipped",
-                     "LoadFilters", kModule);
+                     log_places::kLoadFilters, kModule);
     }
   }
 
@@ -116,7 +117,7 @@ class RuleReader {
     FilterRule& rule = *current_;
     rule.ruleCount = static_cast<std::int16_t>(conditions_);
     if (!broken_.empty()) {
-      log_.addAction("Rule \"" + rule.filterName + "\" skipped: " + broken_, "LoadFilters", kModule);
+      log_.addAction("Rule \"" + rule.filterName + "\" skipped: " + broken_, log_places::kLoadFilters, kModule);
       return;
     }
     if (dropDuplicateName && names_.count(rule.filterName) != 0) return;
@@ -146,7 +147,7 @@ void readRules(std::string_view text, RuleSet& rules, bool clear, Log& log) {
     while (!text.empty()) reader.take(text::nextLine(text));
     reader.finish();
   } catch (const AppError& e) {
-    logFailure(log, e, "LoadFilters", kModule);
+    logFailure(log, e, log_places::kLoadFilters, kModule);
   }
 }
 
@@ -156,7 +157,7 @@ void loadFilters(RuleSet& rules, const std::filesystem::path& file, bool clear, 
     text = files::loadTextFile(file);
   } catch (const AppError& e) {
     if (clear) rules.clear();
-    logFailure(log, e, "LoadFilters", kModule);
+    logFailure(log, e, log_places::kLoadFilters, kModule);
     return;
   }
   readRules(text, rules, clear, log);
@@ -183,7 +184,7 @@ std::string ruleFileText(const RuleSet& rules, bool sharedOnly) {
 }
 
 bool saveFilters(const std::filesystem::path& file, const RuleSet& rules, bool sharedOnly, Log& log) {
-  return guardedStep(log, "SaveFilters", kModule, [&] { files::writeTextFile(file, ruleFileText(rules, sharedOnly)); });
+  return guardedStep(log, log_places::kSaveFilters, kModule, [&] { files::writeTextFile(file, ruleFileText(rules, sharedOnly)); });
 }
 
 void mergeFilters(RuleSet& source, RuleSet& destination) {

@@ -7,6 +7,7 @@
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
 #include "core/files/path_text.h"
+#include "core/log/log_places.h"
 #include "core/settings/accounts.h"
 #include "core/store/tag_files.h"
 #include "core/text/shared_text.h"
@@ -18,7 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kModule = "frmMailer";
+constexpr std::string_view kModule = log_places::kMailerModule;
 constexpr std::string_view kTitle = "Vonel";
 // A row whose fields hold the codes of later columns grows with each column;
 // past this size it is taken as a bad row rather than filling the memory.
@@ -109,7 +110,7 @@ bool acceptMergeFiles(AppContext& context, const fs::path& dataFile, const fs::p
     return false;
   }
   bool subjectLine = false;
-  guardedStep(context.log, "cmdGo_Click", "frmMailMerge",
+  guardedStep(context.log, log_places::kCmdGoClick, log_places::kMailMergeModule,
               [&] { subjectLine = hasSubjectLine(files::readFileStart(templateFile, 8)); });
   if (!subjectLine) tell(context, "Warning: The first line of your email template should be 'Subject: [subject here]'");
   context.settings.set("MergeDataFile", Value(files::textFromPath(dataFile)));
@@ -120,7 +121,7 @@ bool acceptMergeFiles(AppContext& context, const fs::path& dataFile, const fs::p
 MergeCounts mergeIntoOutbox(AppContext& context, MessageSpooler& spooler, Progress& progress, const fs::path& dataFile,
                         const fs::path& templateFile) {
   MergeCounts counts;
-  guardedStep(context.log, "DoMailMerge", kModule, [&] {
+  guardedStep(context.log, log_places::kDoMailMerge, kModule, [&] {
     std::string data;
     std::string templateText;
     try {

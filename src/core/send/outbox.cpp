@@ -4,8 +4,9 @@
 #include <cctype>
 #include <cstdio>
 
-#include "core/message/message_file.h"
 #include "core/files/file_info.h"
+#include "core/log/log_places.h"
+#include "core/message/message_file.h"
 #include "core/store/tag_files.h"
 #include "core/text/dates.h"
 #include "core/text/numbers.h"
@@ -17,7 +18,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kModule = "frmSendMailWrapper";
+constexpr std::string_view kModule = log_places::kOutboxModule;
 
 bool isDigit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; }
 
@@ -117,11 +118,11 @@ SentMessage moveToSentItems(const fs::path& outbox, const fs::path& sentItems, c
   message::saveMessage(message, log);
   // saveMessage logs its own failure; the copy is checked before the original goes.
   if (!files::fileExists(message.filename())) {
-    log.addAction("Unable to file " + name + " in Sent Items; it stays in the outbox", "MoveToSentItems", kModule);
+    log.addAction("Unable to file " + name + " in Sent Items; it stays in the outbox", log_places::kMoveToSentItems, kModule);
     return sent;
   }
   if (!files::eraseFile(spooled)) {
-    log.addAction("Unable to delete " + name + " from the outbox after filing it", "MoveToSentItems", kModule);
+    log.addAction("Unable to delete " + name + " from the outbox after filing it", log_places::kMoveToSentItems, kModule);
   }
   store::removeFromUnreadTag(log, outbox);
   sent.filed = true;

@@ -3,18 +3,19 @@
 #include <algorithm>
 #include <limits>
 
-#include "core/log/app_error.h"
-#include "core/log/show_error.h"
 #include "core/files/atomic_file.h"
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
+#include "core/log/app_error.h"
+#include "core/log/log_places.h"
+#include "core/log/show_error.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 
 namespace vonel {
 namespace {
 
-constexpr const char* kModule = "cSHAREDSettings";
+constexpr std::string_view kModule = log_places::kSettingsModule;
 
 std::string withoutCommas(std::string_view name) {
   std::string out(name);
@@ -84,7 +85,7 @@ Value SettingsStore::getOrDefault(std::string_view name, const Value& fallback) 
   try {
     return result.number() == 0 ? fallback : result;
   } catch (const AppError& e) {
-    logFailure(log_, e, "RetrieveWithDefault", kModule);
+    logFailure(log_, e, log_places::kRetrieveWithDefault, kModule);
     return result;
   }
 }
@@ -95,7 +96,7 @@ void SettingsStore::deleteSettingByName(std::string_view name) { settings_.remov
 
 void SettingsStore::deleteSetting(int index) {
   if (index < 1 || index > settingsCount()) {
-    logFailure(log_, AppError(error_number::kInvalidCall, "Invalid procedure call or argument"), "DeleteSetting",
+    logFailure(log_, AppError(error_number::kInvalidCall, "Invalid procedure call or argument"), log_places::kDeleteSetting,
                kModule);
     return;
   }
@@ -152,7 +153,7 @@ void SettingsStore::loadSettings(const std::filesystem::path& file) {
   try {
     bytes = files::loadTextFile(file);
   } catch (const AppError& e) {
-    logFailure(log_, e, "LoadSettings", kModule);
+    logFailure(log_, e, log_places::kLoadSettings, kModule);
     return;
   }
   loadSettingsFromText(bytes, file.string());

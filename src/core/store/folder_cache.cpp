@@ -2,12 +2,13 @@
 
 #include <unordered_map>
 
-#include "core/log/app_error.h"
-#include "core/message/message_file.h"
 #include "core/files/any_case.h"
 #include "core/files/atomic_file.h"
 #include "core/files/file_info.h"
 #include "core/files/file_view.h"
+#include "core/log/app_error.h"
+#include "core/log/log_places.h"
+#include "core/message/message_file.h"
 #include "core/store/cache_file.h"
 #include "core/store/folder_listing.h"
 #include "core/text/strings.h"
@@ -18,7 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kModule = "CLSCACHE";
+constexpr std::string_view kModule = log_places::kFolderCacheModule;
 constexpr std::size_t kWriteBuffer = 1 << 16;
 
 }  // namespace
@@ -55,7 +56,7 @@ class FolderCache::Listing {
 FolderCache::FolderCache(AppContext& context, Progress& events) : context_(context), events_(events) {}
 
 void FolderCache::fillCache(Progress& progress, const fs::path& path, std::string mailFolderName) {
-  guardedStep(context_.log, "FillCache", kModule, [&] {
+  guardedStep(context_.log, log_places::kFillCache, kModule, [&] {
     filling_ = true;
     path_ = path.has_filename() ? path : path.parent_path();
     mailFolderName_ = std::move(mailFolderName);
@@ -111,7 +112,7 @@ void FolderCache::addHeadersOf(Progress& progress, const fs::path& file, std::si
 }
 
 void FolderCache::readCache() {
-  guardedStep(context_.log, "ReadCache", kModule, [&] { readCache(nullptr); });
+  guardedStep(context_.log, log_places::kReadCache, kModule, [&] { readCache(nullptr); });
 }
 
 void FolderCache::readCache(const Listing* listing) {
@@ -141,7 +142,7 @@ void FolderCache::readCache(const Listing* listing) {
 void FolderCache::writeCache(bool force) {
   if (!dirty_ && !force) return;
   if (path_.empty() || context_.noCacheMode) return;
-  guardedStep(context_.log, "WriteCache", kModule, [&] { writeCache(); });
+  guardedStep(context_.log, log_places::kWriteCache, kModule, [&] { writeCache(); });
 }
 
 void FolderCache::writeCache() {

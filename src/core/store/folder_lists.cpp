@@ -6,6 +6,7 @@
 #include "core/files/atomic_file.h"
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
+#include "core/log/log_places.h"
 #include "core/text/shared_text.h"
 #include "core/text/strings.h"
 
@@ -15,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kModule = "modMailSubs";
+constexpr std::string_view kModule = log_places::kStoreModule;
 
 // Relative paths of every folder below the root, "\" after each piece.
 std::vector<std::string> listFolders(const fs::path& root) {
@@ -61,7 +62,7 @@ std::string folderNamesText(const std::vector<std::string>& paths) {
 }  // namespace
 
 void writeFolderLists(Log& log, const DataFolders& folders) {
-  guardedStep(log, "GenerateFolderIni", kModule, [&] {
+  guardedStep(log, log_places::kGenerateFolderIni, kModule, [&] {
     const auto paths = listStoreFolders(folders.messageFolderPath);
     std::string list;
     for (const std::string& path : paths) list += path + "\r\n";
@@ -72,7 +73,7 @@ void writeFolderLists(Log& log, const DataFolders& folders) {
 
 std::vector<std::string> listedMailFolders(Log& log, const DataFolders& folders) {
   std::vector<std::string> result;
-  guardedStep(log, "FillMailFolders", kModule, [&] {
+  guardedStep(log, log_places::kFillMailFolders, kModule, [&] {
     if (!files::fileExists(folders.folderListFile)) writeFolderLists(log, folders);
     for (std::string& line : text::split(files::loadTextFile(folders.folderListFile), "\r\n")) {
       if (!text::trim(line).empty()) result.push_back(std::move(line));
@@ -105,7 +106,7 @@ std::string makeNewFolder(Log& log, const DataFolders& folders, std::string_view
   const fs::path parentFolder = storeFolder(folders.messageFolderPath, parent);
   if (files::findAnyCase(parentFolder, name)) return "There's already a folder called " + name + ".  Please try again.";
   if (!files::ensureFolder(parentFolder / name)) {
-    log.addAction("Can't make folder " + (parentFolder / name).string(), "MakeNewFolder", kModule);
+    log.addAction("Can't make folder " + (parentFolder / name).string(), log_places::kMakeNewFolder, kModule);
     return "Can't make the folder " + (parentFolder / name).string() + ".";
   }
   return {};

@@ -1,10 +1,11 @@
 #include "core/store/received_mail.h"
 
-#include "core/message/attachment_files.h"
-#include "core/message/message_file.h"
 #include "core/files/atomic_file.h"
 #include "core/files/file_info.h"
 #include "core/files/path_text.h"
+#include "core/log/log_places.h"
+#include "core/message/attachment_files.h"
+#include "core/message/message_file.h"
 #include "core/store/folder_lists.h"
 #include "core/store/tag_files.h"
 
@@ -14,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kModule = "frmMain";
+constexpr std::string_view kModule = log_places::kControllerModule;
 constexpr std::size_t kLongestName = 50;
 constexpr std::size_t kShortenedName = 35;
 
@@ -49,7 +50,7 @@ void saveRequestedAttachments(AppContext& context, const message::Message& messa
   } else {
     context.log.addAction("Filter calls for save all attachments, but folder " + message.attachmentsFolder +
                               " does not exist.",
-                          "fGetMail_MessageReceived", kModule);
+                          log_places::kFGetMailMessageReceived, kModule);
   }
 }
 
@@ -64,7 +65,7 @@ StoredMessage saveReceivedMessage(AppContext& context, message::Message& message
   files::ensureFolder(stored.folder);
   message.setFilename(stored.file.string());
   files::writeTextFile(stored.file, message.rawMessage());
-  context.log.addAction(files::textFromPath(stored.file) + " saved", "fGetMail_MessageReceived", kModule);
+  context.log.addAction(files::textFromPath(stored.file) + " saved", log_places::kFGetMailMessageReceived, kModule);
   saveRequestedAttachments(context, message);
   return stored;
 }

@@ -2,9 +2,10 @@
 
 #include <cmath>
 
-#include "core/message/message_file.h"
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
+#include "core/log/log_places.h"
+#include "core/message/message_file.h"
 #include "core/store/folder_cache.h"
 #include "core/store/folder_listing.h"
 #include "core/store/folder_lists.h"
@@ -17,7 +18,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kModule = "clsMailer";
+constexpr std::string_view kModule = log_places::kStoreListerModule;
 
 long dayNumber(const text::DateTime& moment) { return static_cast<long>(std::floor(moment.serial())); }
 
@@ -26,7 +27,7 @@ long dayNumber(const text::DateTime& moment) { return static_cast<long>(std::flo
 StoreLister::StoreLister(AppContext& context, StoreListerListener& events) : context_(context), events_(events) {}
 
 void StoreLister::populateFolders(bool regenerate) {
-  guardedStep(context_.log, "PopulateQuick", kModule, [&] {
+  guardedStep(context_.log, log_places::kPopulateQuick, kModule, [&] {
     const DataFolders& folders = context_.folders;
     events_.onClearFolders();
     if (regenerate) {
@@ -122,7 +123,7 @@ void StoreLister::populate(long count, const ListFilter& filter, const Fetch& fe
   Tally tally;
   for (long i = 1; i <= count; ++i) {
     if (stop_) break;
-    guardedStep(context_.log, "AddMessage", kModule, [&] {
+    guardedStep(context_.log, log_places::kAddMessage, kModule, [&] {
       message::Message message = fetch(i);
       addToSeenTags(message.tags());
       addMessage(message, i, count, filter, tally);

@@ -3,11 +3,12 @@
 #include <cmath>
 #include <limits>
 
-#include "core/log/app_error.h"
 #include "core/files/any_case.h"
 #include "core/files/atomic_file.h"
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
+#include "core/log/app_error.h"
+#include "core/log/log_places.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 
@@ -17,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kModule = "modMailSubs";
+constexpr std::string_view kModule = log_places::kStoreModule;
 constexpr std::string_view kUnreadTag = "Unread.Tag";
 constexpr std::string_view kLastMessageTag = "LastMsg.Tag";
 constexpr std::string_view kShowUnreadOnly = "ShowUnreadOnly.tag";
@@ -68,21 +69,21 @@ std::int16_t unreadTagCount(const fs::path& folder) { return unreadCountFromText
 long lastMessageTagDay(const fs::path& folder) { return dayFromTagText(loadTag(folder, kLastMessageTag)); }
 
 void addToUnreadTag(Log& log, const fs::path& folder, int count) {
-  changeUnreadCount(log, folder, count == 0 ? 1 : count, "AddToUnreadTag");
+  changeUnreadCount(log, folder, count == 0 ? 1 : count, log_places::kAddToUnreadTag);
 }
 
 void removeFromUnreadTag(Log& log, const fs::path& folder, int count) {
-  changeUnreadCount(log, folder, count == 0 ? -1 : -static_cast<long>(count), "RemoveFromUnreadTag");
+  changeUnreadCount(log, folder, count == 0 ? -1 : -static_cast<long>(count), log_places::kRemoveFromUnreadTag);
 }
 
 void createUnreadTag(Log& log, const fs::path& folder, int count) {
-  guardedStep(log, "CreateUnreadTag", kModule, [&] {
+  guardedStep(log, log_places::kCreateUnreadTag, kModule, [&] {
     files::writeTextFile(tagFile(folder, kUnreadTag), std::to_string(count == 0 ? 1 : count), files::Durability::Unsynced);
   });
 }
 
 void removeUnreadTag(Log& log, const fs::path& folder) {
-  guardedStep(log, "RemoveUnreadTag", kModule, [&] {
+  guardedStep(log, log_places::kRemoveUnreadTag, kModule, [&] {
     if (!files::eraseFile(tagFile(folder, kUnreadTag))) throw AppError(error_number::kPermissionDenied, "Permission denied");
   });
 }
@@ -90,7 +91,7 @@ void removeUnreadTag(Log& log, const fs::path& folder) {
 void addToLastMessageTag(Log& log, const Clock& clock, const fs::path& folder,
                          const message::Message& message) {
   if (message.read) return;
-  guardedStep(log, "AddToLastMessageTag", kModule, [&] {
+  guardedStep(log, log_places::kAddToLastMessageTag, kModule, [&] {
     const long oldDay = lastMessageTagDay(folder);
     long newDay = dayNumber(clock.now());
     if (!message.receiveDate.empty()) {
@@ -110,7 +111,7 @@ ShowFilter folderShowFilter(const fs::path& folder) {
 }
 
 void setFolderShowFilter(Log& log, const fs::path& folder, ShowFilter filter) {
-  guardedStep(log, "SetFolderShowFilter", kModule, [&] {
+  guardedStep(log, log_places::kSetFolderShowFilter, kModule, [&] {
     const auto set = [&](std::string_view name, bool on) {
       const fs::path file = tagFile(folder, name);
       if (on) {

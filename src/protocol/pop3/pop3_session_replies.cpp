@@ -2,6 +2,7 @@
 // greeting, log-in, list, count, delete-all and quit.
 #include <algorithm>
 
+#include "core/log/log_places.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 #include "protocol/pop3/pop3_reply_text.h"
@@ -10,7 +11,7 @@
 namespace vonel::pop3 {
 namespace {
 
-constexpr const char* kModule = "frmGetMail";
+constexpr std::string_view kModule = log_places::kPop3Module;
 // A line this long without its end is handed on unfinished, so that a
 // server that never ends a line can't fill the memory.
 constexpr std::size_t kLongestLine = 1 << 20;

@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 
+#include "core/log/log_places.h"
 #include "core/message/transfer_encoding.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
@@ -86,7 +87,7 @@ void SmtpSession::connectToHost() {
   }
   state_ = SmtpState::AwaitGreeting;
   if (link_.state() != SocketState::Closed) return;
-  context_.log.addAction("Connecting", "ConnectToHost", kModule);
+  context_.log.addAction("Connecting", log_places::kConnectToHost, kModule);
   link_.connect(smtpHost_, smtpPort_);
 }
 
@@ -150,7 +151,7 @@ void SmtpSession::onSocketConnected() { socketConnected_ = true; }
 void SmtpSession::onSocketClosed() { socketConnected_ = false; }
 
 void SmtpSession::onDataReceived(std::string_view chunk) {
-  guardedStep(context_.log, "sckMail_DataArrival", kModule, [&] { handleReply(chunk); });
+  guardedStep(context_.log, log_places::kSckMailDataArrival, kModule, [&] { handleReply(chunk); });
 }
 
 void SmtpSession::handleReply(std::string_view chunk) {

@@ -9,9 +9,10 @@
 #include <string_view>
 #include <vector>
 
+#include "core/context/app_context.h"
+#include "core/log/log_places.h"
 #include "core/send/mail_fields.h"
 #include "core/send/send_errors.h"
-#include "core/context/app_context.h"
 #include "protocol/smtp/smtp_link.h"
 #include "protocol/smtp/smtp_listener.h"
 
@@ -34,7 +35,7 @@ enum class SmtpState {
   AwaitQuitReply,
 };
 
-inline constexpr const char* kModule = "clsSendmail";
+inline constexpr std::string_view kModule = log_places::kSmtpModule;
 inline constexpr int kNotInitialisedError = 23000;
 inline constexpr int kAddressNotAvailable = 10049;
 

@@ -2,11 +2,12 @@
 
 #include <cstdlib>
 
+#include "core/files/file_info.h"
+#include "core/files/path_text.h"
+#include "core/log/log_places.h"
 #include "core/send/data_text.h"
 #include "core/send/mail_size.h"
 #include "core/send/spool_writer.h"
-#include "core/files/file_info.h"
-#include "core/files/path_text.h"
 #include "core/settings/accounts.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
@@ -149,7 +150,7 @@ void SmtpSession::setContentBase(std::string_view value) {
 }
 
 void SmtpSession::addError(std::string_view text) {
-  context_.log.addDebug(text, "AddError", kModule);
+  context_.log.addDebug(text, log_places::kAddError, kModule);
   errors_.add(text);
 }
 
@@ -158,7 +159,7 @@ void SmtpSession::reportFailure() {
   const std::string all = errors_.joined();
   if (link_.state() != SocketState::Closed) link_.close();
   failed_ = true;
-  context_.log.addAction(all, "SendFail", kModule);
+  context_.log.addAction(all, log_places::kSendFail, kModule);
   errors_.clear();
   listener_.onSendFailed(all);
 }
@@ -181,11 +182,11 @@ bool SmtpSession::spoolToFile(const std::filesystem::path& file) {
     send::writeSpoolFile(file, mail_, context_.clock.now(), context_.log.info().version);
     return true;
   } catch (const send::AttachmentFailed& error) {
-    logFailure(context_.log, error, "EncodeAndSendFile", kModule);
+    logFailure(context_.log, error, log_places::kEncodeAndSendFile, kModule);
     addError(error.description());
   } catch (...) {
     // A file that can't be written at all, or not to its end: nothing is left behind.
-    logFailure(context_.log, AppError::from(std::current_exception()), "SpoolToFile", kModule);
+    logFailure(context_.log, AppError::from(std::current_exception()), log_places::kSpoolToFile, kModule);
     addError("Unable to spool message. Disk full/error?");
   }
   reportFailure();
