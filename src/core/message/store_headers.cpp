@@ -88,7 +88,8 @@ void Message::removeReceiveDate() {
   if (at == std::string::npos) return;
   // The line end is looked for in the serialised text, not in the raw text
   // the line is cut from; where flag lines were inserted before it the two
-  // differ, and the cut lands elsewhere. That has always been so.
+  // differ, and the cut lands elsewhere. Mail stored before keeps reading back
+  // the same way because of it, so it stays.
   const std::size_t lineEnd = rawMessage().find(kLineEnd, at);
   // Without a line end the rest is taken from the second character on.
   const std::size_t resumeAt = lineEnd == std::string::npos ? 1 : lineEnd + 2;
