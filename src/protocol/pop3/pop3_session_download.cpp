@@ -54,6 +54,12 @@ void Pop3Session::onRetrLines(const std::string& packet) {
 
 void Pop3Session::onRetrComplete() {
   tempFile_.close();
+  // The last bytes reach the disk only now; a message cut short here must not count as received.
+  if (!tempFile_) {
+    const Pop3Failure failure = tempFileFailure(reply_.tempFileName);
+    endWithError(failure.kind, "Unable to write temporary mail file");
+    return;
+  }
   std::string text = withoutFirstLine(files::loadTextFile(reply_.tempFileName));
   files::eraseFile(reply_.tempFileName);
   reply_.downloading = false;
