@@ -103,6 +103,20 @@ run --scan
 expect_failure 'Account 3 \(Work\): login refused: -ERR .*' "one of two accounts"
 [ "$(grep -c $'\tLoopback\t' "$work/out")" -eq 60 ] || fail "the good account's rows: $(cat "$work/out")"
 
+# The daemon reports each pass's failures as they come, and ends with 1.
+{ account0_settings wrong 10; printf 'ScanOnStart,True\r\nDELAY,1\r\n'; } >"$home/Vonel.ini"
+"$vonel" --home "$home" --daemon </dev/null >"$work/out" 2>"$work/err" &
+daemon_pid=$!
+for _ in $(seq 1 200); do
+  [ "$(grep -c 'login refused' "$work/err")" -ge 2 ] && break
+  sleep 0.1
+done
+kill -TERM "$daemon_pid"
+code=0
+wait "$daemon_pid" || code=$?
+[ "$code" -eq 1 ] || fail "daemon: exit $code"
+[ "$(grep -c '^vonel: Account 0 (Loopback): login refused: ' "$work/err")" -ge 2 ] || fail "daemon: $(cat "$work/err")"
+
 account0_settings secret 10 >"$home/Vonel.ini"
 run --scan
 [ "$code" -eq 0 ] && [ ! -s "$work/err" ] || fail "a clean pass: exit $code: $(cat "$work/err")"
