@@ -70,7 +70,10 @@ class ScannerWindowTest : public QObject {
     QCOMPARE(window.statusBar()->currentMessage(), line);
 
     const QString shots = qEnvironmentVariable("VONEL_SCREENSHOT_DIR");
-    if (!shots.isEmpty()) window.grab().save(shots + "/scanner-window-failure.png");
+    if (!shots.isEmpty()) {
+      QCoreApplication::processEvents();
+      window.grab().save(shots + "/scanner-window-failure.png");
+    }
     QVERIFY(controller.exitProgram());
   }
 };
