@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <cstdio>
+#include <cstdlib>
 
 #include "app/command_line.h"
 #include "app/mail_controller.h"
@@ -15,6 +16,20 @@ QStringList argumentsOf(int argc, char** argv) {
   QStringList arguments;
   for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
   return arguments;
+}
+
+// Qt would end the program with a page of its own on a machine without a
+// display; a user who only wanted a command deserves one line instead.
+bool displayAvailable() {
+#ifdef Q_OS_LINUX
+  for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) {
+    const char* value = std::getenv(name);
+    if (value != nullptr && *value != '\0') return true;
+  }
+  return false;
+#else
+  return true;
+#endif
 }
 
 int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
@@ -38,6 +53,14 @@ int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
 
 int main(int argc, char** argv) {
   const vonel::CommandLine line = vonel::parseCommandLine(argumentsOf(argc, argv));
+  if (line.help) {
+    std::printf("%s", qPrintable(vonel::commandLineHelp()));
+    return 0;
+  }
+  if (line.version) {
+    std::printf("%s\n", qPrintable(vonel::versionText()));
+    return 0;
+  }
   if (!line.error.isEmpty()) {
     std::fprintf(stderr, "vonel: %s\n%s", qPrintable(line.error), qPrintable(vonel::commandLineHelp()));
     return 2;
@@ -47,6 +70,11 @@ int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);
     application.setApplicationName("Vonel");
     return vonel::runHeadless(line);
+  }
+  if (!displayAvailable()) {
+    std::fprintf(stderr, "vonel: no display for the window (DISPLAY and WAYLAND_DISPLAY are not set); "
+                         "see vonel --help for the commands that run without one\n");
+    return 2;
   }
   return runWithWindows(argc, argv, line);
 }

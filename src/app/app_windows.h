@@ -61,6 +61,9 @@ class AppWindows {
   virtual void setServerStatus(const std::string& /*title*/, std::string_view /*text*/) {}
   // The tray balloon of a failure.
   virtual void showTrayError(std::string_view) {}
+  // The box of a server that could not be reached. A run without windows
+  // reports the failure at the end of the pass instead.
+  virtual void showConnectionError(std::string_view /*text*/) {}
   virtual void showTrayPicture(TrayPicture, std::string_view /*tip*/) {}
   // The toolbar's send-and-receive button shows "stop" while a pass runs.
   virtual void showPassRunning(bool) {}

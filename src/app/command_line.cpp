@@ -8,7 +8,11 @@ CommandLine parseCommandLine(const QStringList& arguments) {
   CommandLine line;
   for (int i = 1; i < arguments.size(); ++i) {
     const QString& argument = arguments[i];
-    if (argument == "--home") {
+    if (argument == "--help" || argument == "-h") {
+      line.help = true;
+    } else if (argument == "--version") {
+      line.version = true;
+    } else if (argument == "--home") {
       if (i + 1 >= arguments.size()) {
         line.error = "--home needs a folder";
         return line;
@@ -63,6 +67,8 @@ CommandLine parseCommandLine(const QStringList& arguments) {
 QString commandLineHelp() {
   return "usage: vonel [--home DIR] [--headless | --scan | --download [--account N] [--delete] | --daemon\n"
          "             | --train | --score FILE...] [--merge DATAFILE TEMPLATE] [--send]\n"
+         "       vonel --help | --version\n"
+         "Without a command Vonel opens its window.\n"
          "  --home DIR     keep settings, logs and mail in DIR\n"
          "  --headless     start up and shut down without windows\n"
          "  --scan         judge the headers waiting on every account, print one line each\n"
@@ -71,9 +77,17 @@ QString commandLineHelp() {
          "  --train        train the Bayes filter on the stored mail\n"
          "  --account N    only account N (0 to 19)\n"
          "  --delete       delete failing messages on the server\n"
-         "  --score FILE   print the spam score and verdict of each message file\n"
+         "  --score FILE   print the spam score, verdict and name of each message file\n"
          "  --merge DATAFILE TEMPLATE  save one outbox message per row of the data file\n"
-         "  --send         send the outbox, one line per step; after --scan, beside the pass\n";
+         "  --send         send the outbox, one line per step; after --scan, beside the pass\n"
+         "  -h, --help     print this and end\n"
+         "  --version      print the version and end\n"
+         "Each account or message that fails is a line on the error stream\n"
+         "(\"vonel: Account 2 (Work): login refused: ...\"); the exit code is 0 when\n"
+         "everything went through, 1 when anything failed, 2 for a command line that\n"
+         "can't be understood, no account, or no display for the window.\n";
 }
+
+QString versionText() { return QStringLiteral("vonel " VONEL_VERSION); }
 
 }  // namespace vonel

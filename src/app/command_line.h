@@ -7,6 +7,8 @@
 namespace vonel {
 
 struct CommandLine {
+  bool help = false;     // print the usage and end
+  bool version = false;  // print the version and end
   std::optional<QString> home;
   bool headless = false;
   bool scan = false;           // one pass over the servers, headers only
@@ -26,5 +28,7 @@ struct CommandLine {
 
 CommandLine parseCommandLine(const QStringList& arguments);
 QString commandLineHelp();
+// "vonel 1.2.3"
+QString versionText();
 
 }  // namespace vonel

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <string>
 
+#include "app/status_line.h"
 #include "core/text/cp1252.h"
 
 namespace vonel {
@@ -21,9 +22,12 @@ const char* answerWord(Answer answer) {
 
 }  // namespace
 
+// One line a box. Nobody can click here, so the lines of a Retry/Cancel box
+// that tell which button to click are left out.
 Answer ConsolePrompt::ask(std::string_view text, Buttons buttons, std::string_view title) {
   const Answer answer = ScriptedPrompt::ask(text, buttons, title);
-  std::fprintf(stderr, "vonel: %s [%s]\n", text::cp1252ToUtf8(text).c_str(), answerWord(answer));
+  const std::string_view shown = buttons == Buttons::RetryCancel ? text.substr(0, text.find_first_of("\r\n")) : text;
+  std::fprintf(stderr, "vonel: %s [%s]\n", blanksForBreaks(text::cp1252ToUtf8(shown)).c_str(), answerWord(answer));
   return answer;
 }
 

@@ -11,6 +11,7 @@
 #include "app/mail_controller.h"
 #include "app/platform.h"
 #include "app/qtext.h"
+#include "app/status_line.h"
 #include "app/terminal_password.h"
 #include "core/bayes/bayes_trainer.h"
 #include "core/bayes/message_file_score.h"
@@ -24,32 +25,42 @@ namespace vonel {
 
 namespace {
 
+// A text of the message or the settings as one tab-separated field.
+std::string field(std::string_view bytes) { return blanksForBreaks(text::cp1252ToUtf8(bytes)); }
+
 // Each listed header and each stored message of a pass as a line.
 void printPassRows(HeadlessWindows& windows, const AppContext& context) {
   windows.onServerMessage = [](const message::Message& m, long number, const std::string& title) {
     const std::string subject = m.ignored ? "N/A" : m.subject;
-    std::printf("%ld\t%s\t%s\t%s\t%s\t%s\n", number, text::cp1252ToUtf8(title).c_str(),
-                rules::statusWord(m).c_str(), text::plainText(m.bayes).c_str(), text::cp1252ToUtf8(m.from).c_str(),
-                text::cp1252ToUtf8(subject).c_str());
+    std::printf("%ld\t%s\t%s\t%s\t%s\t%s\n", number, field(title).c_str(), rules::statusWord(m).c_str(),
+                text::plainText(m.bayes).c_str(), field(m.from).c_str(), field(subject).c_str());
     std::fflush(stdout);
   };
   windows.onMessageStored = [&context](const message::Message& m, const std::filesystem::path& file) {
     const auto relative = file.lexically_relative(context.folders.messageFolderPath);
-    std::printf("stored\t%s\t%s\t%s\t%s\n", text::cp1252ToUtf8(accountTitle(context.settings, m.fromAccount)).c_str(),
+    std::printf("stored\t%s\t%s\t%s\t%s\n", field(accountTitle(context.settings, m.fromAccount)).c_str(),
                 rules::statusWord(m).c_str(), text::plainText(m.bayes).c_str(),
-                text::cp1252ToUtf8(relative.empty() ? file.string() : relative.string()).c_str());
+                field(relative.empty() ? file.string() : relative.string()).c_str());
     std::fflush(stdout);
   };
 }
 
+// A line on the error stream for each account the last pass failed on; true when there was none.
+bool reportFailures(const MailController& controller, const AppContext& context) {
+  const std::vector<std::string> lines = controller.tally().failures.lines(context.settings);
+  for (const std::string& line : lines) std::fprintf(stderr, "vonel: %s\n", text::cp1252ToUtf8(line).c_str());
+  std::fflush(stderr);
+  return lines.empty();
+}
+
 // One pass over the servers: headers only, or a download into the store.
-void pass(MailController& controller, HeadlessWindows& windows, const AppContext& context, const CommandLine& line) {
+// False when an account failed.
+bool pass(MailController& controller, HeadlessWindows& windows, const AppContext& context, const CommandLine& line) {
   printPassRows(windows, context);
   QEventLoop loop;
   QString outcome;
   bool ended = false;
   QObject::connect(&controller, &MailController::passEnded, &loop, [&](const QString& text) {
-    if (ended) return;  // a time-out ends a session more than once
     outcome = text;
     ended = true;
     loop.quit();
@@ -62,12 +73,14 @@ void pass(MailController& controller, HeadlessWindows& windows, const AppContext
   if (!ended) loop.exec();
   std::printf("%s\n", qPrintable(outcome.isEmpty() ? toQString(windows.statusText) : outcome));
   std::fflush(stdout);
+  return reportFailures(controller, context);
 }
 
 std::atomic<bool> stopRequested{false};
 extern "C" void requestStop(int) { stopRequested = true; }
 
-// Passes on the auto-scan timer, as the window runs them, until SIGINT or SIGTERM.
+// Passes on the auto-scan timer, as the window runs them, until SIGINT or
+// SIGTERM. False when it could not run or any of its passes failed.
 bool daemon(MailController& controller, HeadlessWindows& windows, AppContext& context) {
   if (!context.settings.get("ScanOnStart", Value(false)).flag() ||
       context.settings.get("DELAY", Value(0)).numberOr(0) <= 0) {
@@ -75,10 +88,11 @@ bool daemon(MailController& controller, HeadlessWindows& windows, AppContext& co
     return false;
   }
   printPassRows(windows, context);
-  QObject::connect(&controller, &MailController::passEnded, [](const QString& text) {
-    if (text.isEmpty()) return;
-    std::printf("%s\n", qPrintable(text));
+  bool allWent = true;
+  QObject::connect(&controller, &MailController::passEnded, [&](const QString& text) {
+    if (!text.isEmpty()) std::printf("%s\n", qPrintable(text));
     std::fflush(stdout);
+    allWent = reportFailures(controller, context) && allWent;
   });
   std::signal(SIGINT, requestStop);
   std::signal(SIGTERM, requestStop);
@@ -89,7 +103,7 @@ bool daemon(MailController& controller, HeadlessWindows& windows, AppContext& co
   });
   watch.start(100);
   loop.exec();
-  return true;
+  return allWent;
 }
 
 // Each step of training as a line; the events run so that a signal can still end the program.
@@ -113,12 +127,15 @@ bool train(MailController& controller, AppContext& context) {
   return trained;
 }
 
-// One line a file, "<score> <verdict>"; an unreadable file is named on the error stream.
+// One line a file, "<score> <verdict> <file>" with tabs between; an
+// unreadable file is named on the error stream.
 bool score(MailController& controller, AppContext& context, const CommandLine& line) {
   bool allRead = true;
   for (const QString& file : line.passOn) {
     try {
-      std::printf("%s\n", bayes::scoreLine(*controller.bayesFilter(), context, file.toStdU16String()).c_str());
+      const float score = bayes::scoreMessageFile(*controller.bayesFilter(), file.toStdU16String()).score;
+      std::printf("%s\t%s\t%s\n", text::plainText(score).c_str(), bayes::verdictWord(score, context).data(),
+                  blanksForBreaks(file.toLocal8Bit().toStdString()).c_str());
     } catch (const AppError& e) {
       std::fprintf(stderr, "vonel: %s: %s\n", qPrintable(file), e.description().c_str());
       allRead = false;
@@ -186,13 +203,13 @@ int runHeadless(const CommandLine& line) {
   UploadWatch upload(*controller.outbox());
   const bool merged = !line.merge || merge(controller, context, line);
   const bool trained = !line.train || train(controller, context);
-  bool daemonRan = true;
-  if (line.scan || line.download) pass(controller, windows, context, line);
-  else if (line.daemon) daemonRan = daemon(controller, windows, context);
+  bool passesWent = true;
+  if (line.scan || line.download) passesWent = pass(controller, windows, context, line);
+  else if (line.daemon) passesWent = daemon(controller, windows, context);
   else if (line.send) controller.sendOutbox();
   const bool sent = !line.send || upload.wait();
   const bool scored = !line.score || score(controller, context, line);
-  return controller.exitProgram() && scored && merged && sent && trained && daemonRan ? 0 : 1;
+  return controller.exitProgram() && scored && merged && sent && trained && passesWent ? 0 : 1;
 }
 
 }  // namespace vonel

@@ -91,7 +91,8 @@ class MailController : public QObject, public pop3::Pop3Listener {
   bool delayedStartPending() const { return delayedStartTimer_.isActive(); }
 
  signals:
-  // A pass over the servers has ended, with the text that says how.
+  // A pass over the servers has ended, with the text that says how; once a
+  // pass. Why accounts failed is in tally().failures.
   void passEnded(const QString& text);
   // Thirty seconds after start: the moment to look for a newer version.
   void updateCheckDue();
@@ -111,6 +112,7 @@ class MailController : public QObject, public pop3::Pop3Listener {
   void onTimedOut(const std::string& title, int seconds) override;
   void onNoMailServer() override;
   void onNoConnection() override;
+  void onFailure(const pop3::Pop3Failure& failure) override;
   void onFinished(const std::string& title, long count) override;
 
   // Polls currentAccount_, or moves on when it has no server.
@@ -123,6 +125,8 @@ class MailController : public QObject, public pop3::Pop3Listener {
   void showPassIdle();
   void resumeAutoScan();
   void endPass(const std::string& text);
+  // The account's cause of failure in its row and the status bar.
+  void showFailure(int account);
   void runRuleProgram(const message::Message& message, const std::filesystem::path& file);
   // The toolbar's way: a running pass is stopped, else `command` runs.
   void startOrStop(void (MailController::*command)());
@@ -144,10 +148,12 @@ class MailController : public QObject, public pop3::Pop3Listener {
   bool soundOn_ = false;     // AUDIO: the chime after a pass that listed good mail
   double totalSpamCount_ = 0;  // SpamCount: what passes have deleted, over all runs
   PassRequest pass_;
-  bool passRunning_ = false;
+  bool passOpen_ = false;     // from startPass until passEnded
+  bool passRunning_ = false;  // a POP3 session of the pass runs
   // The account being polled; none between full passes and after a cancel.
   std::optional<int> currentAccount_;
   int lastAccount_ = kAccountCount - 1;  // the pass's last account
+  int sessionAccount_ = 0;               // the account of the last session, kept after a cancel
   PassTally tally_;
   FetchPurpose fetchPurpose_ = FetchPurpose::None;
 

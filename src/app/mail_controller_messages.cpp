@@ -18,9 +18,21 @@ namespace vonel {
 // failed store never lets the session delete it on the server.
 bool MailController::onMessageReceived(message::Message& message) {
   std::optional<store::StoredMessage> stored;
-  guardedStep(ctx_.log, log_places::kFGetMailMessageReceived, kLogModule,
-              [&] { stored = store::saveReceivedMessage(ctx_, message); });
-  if (!stored) return false;
+  try {
+    stored = store::saveReceivedMessage(ctx_, message);
+  } catch (...) {
+    const AppError error = AppError::from(std::current_exception());
+    logFailure(ctx_.log, error, log_places::kFGetMailMessageReceived, kLogModule);
+    pop3::Pop3Failure failure(pop3::storeFailure(error.number()), error.description());
+    failure.account = message.fromAccount;
+    onFailure(failure);
+    return false;
+  }
+  tally_.failures.countStored(message.fromAccount);
+  // The session deletes what is kept, as this setting asks.
+  if (!message.ignored && ctx_.settings.get("DELETEONRETRIEVE", Value(0)).numberOr(0) == 1) {
+    tally_.failures.countDeleted(message.fromAccount, 1);
+  }
   if (!message.runThisFile.empty()) runRuleProgram(message, stored->file);
   guardedStep(ctx_.log, log_places::kFGetMailMessageReceived, kLogModule,
               [&] { store::announceNewMessage(ctx_, *stored, message, windows_.openMailer()); });
@@ -40,6 +52,7 @@ void MailController::runRuleProgram(const message::Message& message, const std::
 void MailController::fetchSpecificMessage(FetchPurpose purpose, int account, int number) {
   if (passRunning_ || !pop3_) return;
   fetchPurpose_ = purpose;
+  sessionAccount_ = account;
   pop3_->session().getSpecificMessage(account, number);
 }
 

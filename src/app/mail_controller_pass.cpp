@@ -2,6 +2,8 @@
 // what the POP3 session reports along the way.
 #include "app/mail_controller.h"
 
+#include <utility>
+
 #include "app/qtext.h"
 #include "app/status_line.h"
 #include "core/log/log_places.h"
@@ -13,6 +15,7 @@ namespace vonel {
 void MailController::startPass(const PassRequest& request) {
   if (passRunning_ || !pop3_) return;
   pass_ = request;
+  passOpen_ = true;
   windows_.showPassRunning(true);
   autoScan_.stop();
   tray_.start();
@@ -37,6 +40,7 @@ void MailController::startAccount(bool evenIfUnchecked) {
       return;
     }
     passRunning_ = true;
+    sessionAccount_ = account;
     tally_.serverNames[static_cast<std::size_t>(account)] = server;
     auto& session = pop3_->session();
     switch (pass_.kind) {
@@ -72,7 +76,7 @@ void MailController::onAccountFinished() {
                         Buttons::YesNo, "Vonel") == Answer::Yes) {
       windows_.showSettings();
     }
-    emit passEnded(QString());
+    if (std::exchange(passOpen_, false)) emit passEnded(QString());
     return;
   }
   if (tally_.passedMail && soundOn_) windows_.playSound(ctx_.installFolder() / "ClockChime.wav");
@@ -80,8 +84,9 @@ void MailController::onAccountFinished() {
   endPass("Process complete");
 }
 
+// After a failure the status bar keeps saying why, not just "Done".
 void MailController::showPassIdle() {
-  windows_.setStatusText("Done");
+  windows_.setStatusText(tally_.failures.empty() ? std::string("Done") : tally_.failures.summary(ctx_.settings));
   tray_.stop();
 }
 
@@ -92,7 +97,8 @@ void MailController::resumeAutoScan() {
 
 void MailController::endPass(const std::string& text) {
   windows_.showPassRunning(false);
-  emit passEnded(toQString(text));
+  // A time-out ends its session more than once; the pass ends once.
+  if (std::exchange(passOpen_, false)) emit passEnded(toQString(text));
 }
 
 void MailController::onAutoScanDue(PassKind kind) {
@@ -131,7 +137,10 @@ void MailController::onNoMail(const std::string& title) { windows_.setServerStat
 
 void MailController::onProgress(const std::string& text) { windows_.setStatusText(text); }
 
-void MailController::onDeletedSpam(int count) { totalSpamCount_ += count; }
+void MailController::onDeletedSpam(int count) {
+  totalSpamCount_ += count;
+  if (currentAccount_) tally_.failures.countDeleted(*currentAccount_, count);
+}
 
 void MailController::onPopError(const std::string& title, const std::string& text) {
   const std::string shown = withoutLineEnds(text);
@@ -145,10 +154,10 @@ void MailController::onCancelled(const std::string& title) {
   onAccountFinished();
 }
 
-void MailController::onTimedOut(const std::string& title, int seconds) {
-  const std::string text = "Timed out after " + std::to_string(seconds) + " seconds.";
-  windows_.setStatusText(text);
-  windows_.setServerStatus(title, text);
+// The session has reported why first: the silence, or what went before it,
+// such as a refused connection.
+void MailController::onTimedOut(const std::string&, int) {
+  showFailure(sessionAccount_);
   onAccountFinished();
 }
 
@@ -162,8 +171,28 @@ void MailController::onNoConnection() {
   windows_.setStatusText("No Internet Connection");
 }
 
+void MailController::onFailure(const pop3::Pop3Failure& failure) {
+  tally_.failures.add(failure);
+  showFailure(failure.account);
+  // A server that can't be reached for a reason of its own gets the box; the time-out ends the session.
+  if (failure.socketError &&
+      (failure.kind == pop3::FailureKind::ConnectionRefused || failure.kind == pop3::FailureKind::ConnectionFailed)) {
+    windows_.showConnectionError("Error while connecting to server:\r\n[" +
+                                 std::to_string(protocol::number(*failure.socketError)) + "] " + failure.detail);
+  }
+}
+
+void MailController::showFailure(int account) {
+  if (!tally_.failures.failed(account)) return;
+  const std::string cause = tally_.failures.cause(account);
+  windows_.setServerStatus(accountTitle(ctx_.settings, account), cause);
+  windows_.setStatusText(accountName(ctx_.settings, account) + ": " + cause);
+}
+
 void MailController::onFinished(const std::string&, long) {
   windows_.setStatusText("");
+  // Again with the account's final counts.
+  if (currentAccount_) showFailure(*currentAccount_);
   onAccountFinished();
 }
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 
+#include "app/pass_failures.h"
 #include "core/message/message_list.h"
 #include "core/settings/accounts.h"
 
@@ -18,6 +19,8 @@ struct PassTally {
   std::array<std::string, kAccountCount> serverNames;
   // A good message was listed: the chime at the end of the pass is due.
   bool passedMail = false;
+  // Why accounts did not go through, with what was stored and deleted on each.
+  PassFailures failures;
 
   // Empties all but the server names for a new pass.
   void restart() {
@@ -25,6 +28,7 @@ struct PassTally {
     while (messages.count() > 0) messages.remove(std::size_t{1});
     listed = 0;
     byAccount.fill(0);
+    failures.clear();
   }
 };
 

@@ -258,8 +258,8 @@ class MailControllerTest : public QObject {
     QVERIFY(!files::fileExists(again.path() / "Messages" / "TEMP (1).EML"));  // until the next start
   }
 
-  // A refused connection only shows a box; the silence time-out ends the
-  // pass. The tray flashes meanwhile.
+  // A refused connection is the account's cause; the silence time-out that
+  // follows ends the pass, once. The tray flashes meanwhile.
   void aRefusedServerTimesOutAndIsNamedForTheList() {
     Home home("REPLYADDRESS0,a@b\r\nTITLE0,Jo\r\nSERVER0, 127.0.0.1 \r\nPOPPORT0,1\r\nMailTimeout,2\r\n");
     home.controller->startup();
@@ -270,18 +270,54 @@ class MailControllerTest : public QObject {
     QCOMPARE(home.windows.trayPicture, TrayPicture::SmallS);
     QVERIFY(passes.wait(10000));
     QCOMPARE(passes.at(0).at(0).toString(), QString("Finished getting mail"));
-    QVERIFY(home.prompt.lastQuestion.starts_with("Error while connecting to server:\r\n[10061] "));
+    QCOMPARE(home.controller->tally().failures.lines(home.context->settings),
+             std::vector<std::string>{"Account 0 (Jo): connection refused"});
     QCOMPARE(home.controller->tally().serverNames[0], std::string("127.0.0.1"));
     QVERIFY(!home.controller->passRunning());
     QVERIFY(!home.controller->trayFlashing());
     QCOMPARE(home.windows.trayPicture, TrayPicture::LargeS);
     QCOMPARE(home.windows.trayTip, std::string("Vonel - Jo - 0 message(s)"));
-    QCOMPARE(home.windows.statusText, std::string("Done"));
+    QCOMPARE(home.windows.statusText, std::string("Account 0 (Jo): connection refused"));
+    QTest::qWait(50);
+    QCOMPARE(passes.count(), 1);
 
     pop3::Pop3Listener& events = *home.controller;
     events.onNoConnection();
     QCOMPARE(home.windows.trayPicture, TrayPicture::Error);
     QCOMPARE(home.windows.statusText, std::string("No Internet Connection"));
+  }
+
+  // Each account's first failure is kept, with what was stored before it.
+  void failuresAreCollectedByAccount() {
+    Home home("REPLYADDRESS0,a@b\r\nTITLE2,Work\r\nDELETEONRETRIEVE,1\r\n");
+    home.controller->startup();
+    pop3::Pop3Listener& events = *home.controller;
+    pop3::Pop3Failure refused(pop3::FailureKind::LoginRefused, "-ERR [AUTH] Authentication failed.\r\n");
+    refused.account = 2;
+    events.onFailure(refused);
+    QCOMPARE(home.windows.statusText, std::string("Account 2 (Work): login refused: -ERR [AUTH] Authentication failed."));
+    pop3::Pop3Failure silence(pop3::FailureKind::TimedOut);
+    silence.account = 2;
+    events.onFailure(silence);
+    pop3::Pop3Failure lost(pop3::FailureKind::ConnectionLost);
+    lost.messagesDone = 1042;
+    lost.messageCount = 2000;
+    events.onFailure(lost);
+
+    const auto receive = [&](const std::string& folder) {
+      message::Message m(&home.context->log, &home.clock);
+      m.createFromText("Subject: x\r\n\r\nbody\r\n", false);
+      m.fromAccount = 1;
+      m.destFolder = folder;
+      return events.onMessageReceived(m);
+    };
+    QVERIFY(receive(""));
+    QVERIFY(!receive("\\" + std::string(300, 'n')));  // a name no file system takes
+    const auto lines = home.controller->tally().failures.lines(home.context->settings);
+    QCOMPARE(lines.size(), std::size_t{3});
+    QCOMPARE(lines[0], std::string("Account 0: connection lost after 1,042 of 2,000 messages"));
+    QVERIFY(lines[1].starts_with("Account 1: could not store 1 message, left on the server: "));
+    QCOMPARE(lines[2], std::string("Account 2 (Work): login refused: -ERR [AUTH] Authentication failed."));
   }
 
   void erasingAnAccountAsksFirst() {

@@ -38,6 +38,44 @@ class ScannerWindowTest : public QObject {
     QVERIFY(controller.exitProgram());
     QVERIFY(!window.isVisible());
   }
+
+  // A failed account's row and the status bar say why, also once the pass is over.
+  void aFailureShowsInTheServersRowAndTheStatusBar() {
+    QTemporaryDir dir;
+    const std::filesystem::path home = dir.path().toStdString();
+    files::writeTextFile(home / "Vonel.ini", "REPLYADDRESS0,me@example.org\r\nTITLE0,Home\r\nTITLE1,Work\r\n");
+    FixedClock clock{text::DateTime{2026, 11, 23, 8, 0, 0}};
+    ScriptedPrompt prompt;
+    AppContext context(clock, prompt, AppInfo{"Vonel", "1", "os", "/", home});
+    ScannerWindow window;
+    TerminalPasswordPrompt passwords;
+    MailController controller(context, window, passwords);
+    controller.startup();
+    pop3::Pop3Listener& events = controller;
+    const auto* list = window.findChild<QTreeWidget*>("ListServerMail");
+
+    events.onDoingServer("Home");
+    events.onNumberMessagesFound("Home", 3);
+    events.onDoingServer("Work");
+    QCOMPARE(list->topLevelItem(0)->text(0), QString("Home: 3 messages"));
+    QVERIFY(list->topLevelItem(0)->isFirstColumnSpanned());
+    events.onPopError("Work", "-ERR [AUTH] Authentication failed.\r\n");
+    pop3::Pop3Failure refused(pop3::FailureKind::LoginRefused, "-ERR [AUTH] Authentication failed.\r\n");
+    refused.account = 1;
+    events.onFailure(refused);
+    QCOMPARE(list->topLevelItem(1)->text(0), QString("Work: login refused: -ERR [AUTH] Authentication failed."));
+    const QString line("Account 1 (Work): login refused: -ERR [AUTH] Authentication failed.");
+    QCOMPARE(window.statusBar()->currentMessage(), line);
+    events.onFinished("Work", 0);
+    QCOMPARE(window.statusBar()->currentMessage(), line);
+
+    const QString shots = qEnvironmentVariable("VONEL_SCREENSHOT_DIR");
+    if (!shots.isEmpty()) {
+      QCoreApplication::processEvents();
+      window.grab().save(shots + "/scanner-window-failure.png");
+    }
+    QVERIFY(controller.exitProgram());
+  }
 };
 
 QTEST_MAIN(ScannerWindowTest)

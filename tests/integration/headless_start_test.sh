@@ -6,6 +6,24 @@ home=$(mktemp -d)
 trap 'rm -rf "$home"' EXIT
 fail() { echo "FAIL: $*" >&2; exit 1; }
 
+# Help and version print and end well, whatever else the line holds, and open no window.
+for option in --help -h; do
+  help=$(env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM "$vonel" "$option" --home "$home/none") ||
+    fail "$option exited $?"
+  grep -q "^usage: vonel " <<<"$help" && grep -q -- "--version" <<<"$help" || fail "$option: $help"
+done
+version=$(env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM "$vonel" --version) || fail "--version exited $?"
+grep -qE '^vonel [0-9]+\.[0-9]+\.[0-9]+$' <<<"$version" || fail "version: $version"
+[ ! -e "$home/none" ] || fail "help made a home"
+
+# The window without a display: one line and exit code 2.
+set +e
+message=$(env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM "$vonel" --home "$home/window" 2>&1)
+code=$?
+set -e
+[ "$code" -eq 2 ] || fail "no display: exit $code: $message"
+[ "$(printf '%s\n' "$message" | wc -l)" -eq 1 ] && grep -q "no display" <<<"$message" || fail "no display: $message"
+
 # No settings file: one clear line and exit code 2.
 set +e
 message=$("$vonel" --home "$home/empty" --headless 2>&1)
@@ -45,11 +63,22 @@ before=$(cat "$home/old/Paths.ini")
 [ "$(grep -c 'Log file created' "$log")" -eq 1 ] || fail "log not started anew"
 [ "$before" = "$(cat "$home/old/Paths.ini")" ] || fail "Paths.ini changed"
 
-# Scores of message files, one line each; an unreadable file fails the run.
+# Scores of message files, one line each: score, verdict and file, tab-separated;
+# an unreadable file is a line on the error stream and fails the run.
 printf 'From: a@example.org\r\nSubject: hello\r\n\r\nHi\r\n' >"$home/one.eml"
-scores=$("$vonel" --home "$home/old" --score "$home/one.eml")
-grep -qE '^0?\.[0-9]+ (PASS|SPAM\?|FAIL)$' <<<"$scores" || fail "score line: $scores"
-! "$vonel" --home "$home/old" --score "$home/absent.eml" 2>/dev/null || fail "a missing file must fail the run"
+tabbed="$home/two"$'\t'"tabbed.eml"
+cp "$home/one.eml" "$tabbed"
+scores=$("$vonel" --home "$home/old" --score "$home/one.eml" "$tabbed")
+[ "$(wc -l <<<"$scores")" -eq 2 ] || fail "score lines: $scores"
+grep -qE $'^[0-9.]+\t(PASS|SPAM\\?|FAIL)\t'"$home/one.eml\$" <<<"$scores" || fail "score line: $scores"
+grep -qE $'\t'"$home/two tabbed.eml\$" <<<"$scores" || fail "a tab in a file name: $scores"
+set +e
+"$vonel" --home "$home/old" --score "$home/absent.eml" "$home/one.eml" >"$home/score.out" 2>"$home/score.err"
+code=$?
+set -e
+[ "$code" -eq 1 ] || fail "a missing file must fail the run"
+grep -q "^vonel: $home/absent.eml: " "$home/score.err" || fail "missing file: $(cat "$home/score.err")"
+grep -q "one.eml" "$home/score.out" || fail "the readable file was not scored"
 
 # The home from the environment.
 mkdir -p "$home/env"

@@ -111,13 +111,29 @@ if [ "$(id -u)" -eq 0 ] && mount -t tmpfs -o size=64k tmpfs "$small" 2>/dev/null
   mounted=$small
   printf 'MESSAGEFOLDER,%s\r\n' "$small/Messages" >"$home/Paths.ini"
   fill_servers
-  head -c 48000 /dev/zero >"$small/filler" 2>/dev/null || true
-  "$vonel" --home "$home" --download </dev/null >"$work/full.out" 2>&1 || true
+  # Full but for one page: room for one message at a time, so the first is stored and the rest can't be.
+  mkdir -p "$small/Messages/Inbox" "$small/Messages/Lists" "$small/Messages/SpamBayes"
+  dd if=/dev/zero of="$small/filler" bs=4096 2>/dev/null || true
+  truncate -s -4096 "$small/filler"
+  code=0
+  "$vonel" --home "$home" --download </dev/null >"$work/full.out" 2>"$work/full.err" || code=$?
   kept=$(find "$small/Messages" -name '*.EML' | wc -l)
   left=$(( $(on_server "$box_a") + $(on_server "$box_b") ))
   [ $((kept + left)) -ge 5 ] || fail "a full disk lost mail: $kept stored, $left left on the servers"
-  [ "$left" -ge 2 ] || fail "the disk never filled: $(cat "$work/full.out")"
+  [ "$left" -ge 2 ] || fail "the disk never filled: $(cat "$work/full.out" "$work/full.err")"
   echo "full disk: $kept stored, $left left on the servers"
+  # A line per account that could not store all, with what it stored and
+  # (retrieving deletes here) deleted; nothing else on the error stream.
+  [ "$code" -eq 1 ] || fail "a full disk exited $code"
+  [ -s "$work/full.err" ] || fail "a full disk said nothing"
+  while read -r line; do
+    [[ "$line" =~ ^vonel:\ Account\ [02]\ \((Jo|Al)\):\ disk\ full:\ ([0-9]+)\ messages?\ stored,\ ([0-9]+|nothing)\ deleted\ on\ the\ server$ ]] ||
+      fail "full disk line: $line"
+    title=${BASH_REMATCH[1]}
+    stored_here=$(grep -c $'^stored\t'"$title" "$work/full.out" || true)
+    [ "${BASH_REMATCH[2]}" -eq "$stored_here" ] || fail "stored count: $line"
+    [ "${BASH_REMATCH[3]}" = "$([ "$stored_here" -eq 0 ] && echo nothing || echo "$stored_here")" ] || fail "deleted count: $line"
+  done <"$work/full.err"
   rm -f "$home/Paths.ini"
   umount "$small"
   mounted=
@@ -140,10 +156,13 @@ silent_pid=$!
 for _ in $(seq 1 50); do [ -s "$work/silent.port" ] && break; sleep 0.1; done
 SECOND_PORT=$(cat "$work/silent.port") settings "$port_a"
 fill_servers
-output=$("$vonel" --home "$home" --download </dev/null 2>&1)
+code=0
+output=$("$vonel" --home "$home" --download </dev/null 2>"$work/err") || code=$?
 grep -q $'^stored\tJo\tPASS' <<<"$output" || fail "the first server's mail was not stored: $output"
 [ "$(tail -1 <<<"$output")" = "Finished getting mail" ] || fail "the time-out did not end the pass: $output"
 grep -q "Timed out" "$home/log.txt" || fail "no time-out in the log"
+[ "$code" -eq 1 ] || fail "a time-out exited $code"
+[ "$(cat "$work/err")" = "vonel: Account 2 (Al): timed out after 3 s" ] || fail "time-out line: $(cat "$work/err")"
 
 # The daemon runs passes on its timer until it is told to stop.
 settings "$port_a" $'ScanOnStart,True\r\nDELAY,1\r\n'

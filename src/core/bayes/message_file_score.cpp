@@ -1,7 +1,6 @@
 #include "core/bayes/message_file_score.h"
 
 #include "core/files/file_text.h"
-#include "core/text/numbers.h"
 
 namespace vonel::bayes {
 
@@ -19,11 +18,6 @@ std::string_view verdictWord(float score, const AppContext& context) {
   if (score >= context.spamThreshold) return "FAIL";
   if (score >= context.saveToSpamThreshold) return "SPAM?";
   return "PASS";
-}
-
-std::string scoreLine(BayesFilter& filter, const AppContext& context, const std::filesystem::path& file) {
-  const float score = scoreMessageFile(filter, file).score;
-  return text::plainText(score) + " " + std::string(verdictWord(score, context));
 }
 
 }  // namespace vonel::bayes

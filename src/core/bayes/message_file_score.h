@@ -1,6 +1,6 @@
 #pragma once
 // Scoring message files from outside the mail cycle: the inspection tool and
-// the program's command line ("score and verdict word" for scripts and mail
+// the program's command line (score and verdict word for scripts and mail
 // filters).
 #include <filesystem>
 #include <string>
@@ -22,8 +22,5 @@ FileScore scoreMessageFile(BayesFilter& filter, const std::filesystem::path& fil
 
 // "FAIL" from the spam threshold up, "SPAM?" from the suspicious threshold, else "PASS".
 std::string_view verdictWord(float score, const AppContext& context);
-
-// "<score> <verdict>", as the command line prints it for each file.
-std::string scoreLine(BayesFilter& filter, const AppContext& context, const std::filesystem::path& file);
 
 }  // namespace vonel::bayes

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/message/message.h"
+#include "protocol/pop3/pop3_failure.h"
 
 namespace vonel::pop3 {
 
@@ -25,6 +26,9 @@ class Pop3Listener {
   virtual void onDeletedSpam(int /*count*/) {}
   virtual void onNoMail(const std::string& /*title*/) {}
   virtual void onNoConnection() {}
+  // Why the session did not go through; raised once per cause, before the
+  // session ends, beside the documented events.
+  virtual void onFailure(const Pop3Failure&) {}
   // The session's window: its caption and its progress bar.
   virtual void onCaption(const std::string&) {}
   virtual void onProgressBar(long /*value*/, long /*maximum*/) {}

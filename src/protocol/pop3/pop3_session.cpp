@@ -1,5 +1,7 @@
 #include "protocol/pop3/pop3_session.h"
 
+#include <algorithm>
+
 #include "core/settings/scramble.h"
 #include "core/text/numbers.h"
 
@@ -137,13 +139,21 @@ void Pop3Session::endSession() {
   events_.onFinished(title(), specificCount_);
 }
 
-void Pop3Session::endWithError(const std::string& text) {
+void Pop3Session::endWithError(FailureKind kind, const std::string& text) {
   reply_.inMultiLine = false;
   closeTempFile(true);
   logAction("POP Error: " + text);
   sendQuit();
   events_.onPopError(title(), text);
+  reportFailure(Pop3Failure(kind, text));
   endSession();
+}
+
+void Pop3Session::reportFailure(Pop3Failure failure) {
+  failure.account = account_;
+  failure.messagesDone = std::max(0L, reply_.currentMessage - 1);
+  failure.messageCount = reply_.messageCount;
+  events_.onFailure(failure);
 }
 
 void Pop3Session::cancelMail() {
@@ -160,6 +170,9 @@ void Pop3Session::onTick() {
     logAction("Last Data string: " + lastPacket_);
     logAction("Timed out");
     const std::string accountTitle = title();
+    Pop3Failure silence(FailureKind::TimedOut);
+    silence.seconds = timeout_;
+    reportFailure(std::move(silence));
     cancelMail();
     events_.onTimedOut(accountTitle, timeout_);
   }
@@ -178,13 +191,12 @@ void Pop3Session::onSocketError(protocol::SocketError error, std::string_view de
       link_.setTimer(false);
       closeTempFile(true);
       events_.onNoConnection();
+      reportFailure(socketFailure(error, description, idleSeconds_));
       events_.onFinished(title(), specificCount_);
       return;
     default:
-      // The time-out ends the session.
-      ctx_.prompt.ask("Error while connecting to server:\r\n[" + std::to_string(protocol::number(error)) + "] " +
-                          std::string(description),
-                      Buttons::Ok, "Vonel");
+      // The owner shows the error; the time-out ends the session.
+      reportFailure(socketFailure(error, description, idleSeconds_));
   }
 }
 

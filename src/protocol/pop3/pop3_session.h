@@ -76,7 +76,9 @@ class Pop3Session {
   void startTransfer(int account, bool deleteSpam, bool force);
   void startSession();
   void endSession();
-  void endWithError(const std::string& text);
+  void endWithError(FailureKind kind, const std::string& text);
+  // Raises onFailure with the account and how far the walk got.
+  void reportFailure(Pop3Failure failure);
 
   // Cutting received bytes into packets and handing them on (pop3_session_replies.cpp).
   bool takePacket(std::string& packet);

@@ -1,5 +1,7 @@
 // A message downloaded with RETR: written to a temporary file as it comes,
 // read back whole once the terminator is in, judged and handed to the owner.
+#include <cerrno>
+
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
 #include "core/text/strings.h"
@@ -7,6 +9,15 @@
 #include "protocol/pop3/pop3_session.h"
 
 namespace vonel::pop3 {
+namespace {
+
+// Read at once after the failed call, while errno still tells why.
+Pop3Failure tempFileFailure(const std::filesystem::path& file) {
+  const AppError error = AppError::fromErrno(errno != 0 ? errno : EIO, file.string());
+  return Pop3Failure(storeFailure(error.number()), error.description());
+}
+
+}  // namespace
 
 void Pop3Session::onRetrLines(const std::string& packet) {
   if (!reply_.downloading) {
@@ -17,7 +28,9 @@ void Pop3Session::onRetrLines(const std::string& packet) {
     reply_.tempFileName = ctx_.folders.messageFolderPath / ("mail_" + std::to_string(secondsSinceMidnight) + ".tmp");
     tempFile_.open(reply_.tempFileName, std::ios::binary | std::ios::trunc);
     if (!tempFile_) {
+      const Pop3Failure failure = tempFileFailure(reply_.tempFileName);
       events_.onPopError(title(), "Unable to open temporary mail file");
+      reportFailure(failure);
       endSession();
       return;
     }
@@ -26,7 +39,8 @@ void Pop3Session::onRetrLines(const std::string& packet) {
   }
   tempFile_.write(packet.data(), static_cast<std::streamsize>(packet.size()));
   if (!tempFile_) {
-    endWithError("Unable to write temporary mail file");
+    const Pop3Failure failure = tempFileFailure(reply_.tempFileName);
+    endWithError(failure.kind, "Unable to write temporary mail file");
     return;
   }
 
@@ -40,6 +54,12 @@ void Pop3Session::onRetrLines(const std::string& packet) {
 
 void Pop3Session::onRetrComplete() {
   tempFile_.close();
+  // The last bytes reach the disk only now; a message cut short here must not count as received.
+  if (!tempFile_) {
+    const Pop3Failure failure = tempFileFailure(reply_.tempFileName);
+    endWithError(failure.kind, "Unable to write temporary mail file");
+    return;
+  }
   std::string text = withoutFirstLine(files::loadTextFile(reply_.tempFileName));
   files::eraseFile(reply_.tempFileName);
   reply_.downloading = false;

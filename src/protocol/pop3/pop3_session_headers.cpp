@@ -10,7 +10,7 @@ namespace vonel::pop3 {
 void Pop3Session::onTopLines(const std::string& packet) {
   reply_.replyBuffer += packet;
   if (reply_.replyBuffer.find(kTerminator) == std::string::npos) {
-    if (reply_.replyBuffer.size() > kLongestGatheredReply) endWithError("Reply too long");
+    if (reply_.replyBuffer.size() > kLongestGatheredReply) endWithError(FailureKind::BadReply, "Reply too long");
     return;
   }
   std::string headers = withoutFirstLine(std::move(reply_.replyBuffer));

@@ -90,7 +90,8 @@ void Pop3Session::onPacket(const std::string& packet) {
       return;
     }
     if ((packet.empty() || packet.front() != '+') && !readsAnyStatus(state_)) {
-      endWithError(packet);
+      const bool loggingIn = state_ == Pop3State::AwaitUserReply || state_ == Pop3State::AwaitPassReply;
+      endWithError(loggingIn ? FailureKind::LoginRefused : FailureKind::ServerRefused, packet);
       return;
     }
     dispatch(packet);
@@ -160,7 +161,7 @@ void Pop3Session::onListLines(const std::string& packet) {
   reply_.inMultiLine = true;
   reply_.replyBuffer += packet;
   if (reply_.replyBuffer.find(kTerminator) == std::string::npos) {
-    if (reply_.replyBuffer.size() > kLongestGatheredReply) endWithError("Reply too long");
+    if (reply_.replyBuffer.size() > kLongestGatheredReply) endWithError(FailureKind::BadReply, "Reply too long");
     return;
   }
   sizeList_ = text::split(reply_.replyBuffer, "\r\n");

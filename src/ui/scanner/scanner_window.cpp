@@ -25,6 +25,8 @@ namespace vonel {
 namespace {
 
 constexpr int kTwipsPerInch = 1440;
+// Where a server's row keeps the account title it is found by.
+constexpr int kServerTitleRole = Qt::UserRole + 1;
 
 QPixmap splashPicture() {
   QPixmap picture(360, 160);
@@ -144,6 +146,31 @@ void ScannerWindow::playSound(const std::filesystem::path& wave) {
 #else
   (void)wave;
 #endif
+}
+
+// A server's row spans the list: its title, and what the pass found there.
+void ScannerWindow::addServerToLists(const std::string& title) {
+  auto* row = new QTreeWidgetItem(list_);
+  row->setData(0, kServerTitleRole, toQString(title));
+  row->setText(0, toQString(title));
+  row->setFirstColumnSpanned(true);
+}
+
+void ScannerWindow::setServerStatus(const std::string& title, std::string_view text) {
+  if (QTreeWidgetItem* row = serverRow(title)) row->setText(0, toQString(title) + ": " + toQString(text));
+}
+
+QTreeWidgetItem* ScannerWindow::serverRow(const std::string& title) const {
+  const QString key = toQString(title);
+  for (int i = list_->topLevelItemCount() - 1; i >= 0; --i) {
+    QTreeWidgetItem* row = list_->topLevelItem(i);
+    if (row->data(0, kServerTitleRole).toString() == key) return row;
+  }
+  return nullptr;
+}
+
+void ScannerWindow::showConnectionError(std::string_view text) {
+  QMessageBox::warning(this, "Vonel", toQString(text));
 }
 
 void ScannerWindow::addServerMessage(const message::Message& m, long number, const std::string& accountTitle) {

@@ -10,6 +10,7 @@
 class QSplashScreen;
 class QSystemTrayIcon;
 class QTreeWidget;
+class QTreeWidgetItem;
 
 namespace vonel {
 
@@ -45,6 +46,9 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
   void closeOtherWindows(const std::function<void(const std::string&)>& onClose) override;
   void pumpEvents() override;
   void showTrayError(std::string_view text) override;
+  void addServerToLists(const std::string& title) override;
+  void setServerStatus(const std::string& title, std::string_view text) override;
+  void showConnectionError(std::string_view text) override;
   void showTrayPicture(TrayPicture picture, std::string_view tip) override;
   // The end-of-pass chime, where the system can play sound; otherwise nothing.
   void playSound(const std::filesystem::path& wave) override;
@@ -55,6 +59,7 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
 
  private:
   void onExitTriggered();
+  QTreeWidgetItem* serverRow(const std::string& title) const;
   int twipsPerPixel() const;
 
   QTreeWidget* list_;

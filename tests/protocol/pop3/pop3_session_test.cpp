@@ -96,7 +96,9 @@ struct Events : Pop3Listener {
   void onDeletedSpam(int n) override { log.push_back("DeletedSpam " + std::to_string(n)); }
   void onNoMail(const std::string& t) override { log.push_back("NoMail " + t); }
   void onNoConnection() override { log.push_back("NoConnection"); }
+  void onFailure(const Pop3Failure& f) override { failures.push_back(f); }
   std::vector<std::string> progress;
+  std::vector<Pop3Failure> failures;
 };
 
 // Marks as failing every message whose subject holds "spam".
@@ -282,6 +284,9 @@ TEST_P(Pop3SessionTest, AWrongPasswordEndsInPopErrorThenFinished) {
   EXPECT_EQ(events.log, (std::vector<std::string>{"DoingServer Home",
                                                   "POPError Home -ERR [AUTH] Authentication failed.\r\n",
                                                   "Finished Home 0"}));
+  ASSERT_EQ(events.failures.size(), 1u);
+  EXPECT_EQ(events.failures[0].kind, FailureKind::LoginRefused);
+  EXPECT_EQ(events.failures[0].detail, "-ERR [AUTH] Authentication failed.\r\n");
 }
 
 TEST_P(Pop3SessionTest, ADownloadGoesThroughAFileAndIsJudgedAgain) {
@@ -333,6 +338,10 @@ TEST_P(Pop3SessionTest, AConnectionLostInTheMiddleOfAMessageKeepsNothingOfIt) {
   session.onSocketError(protocol::SocketError::ConnectionAborted, "Software caused connection abort");
   EXPECT_TRUE(events.downloads.empty());
   EXPECT_EQ(commands().find("DELE"), std::string::npos);
+  ASSERT_EQ(events.failures.size(), 1u);
+  EXPECT_EQ(events.failures[0].kind, FailureKind::ConnectionLost);
+  EXPECT_EQ(events.failures[0].messagesDone, 0);
+  EXPECT_EQ(events.failures[0].messageCount, 1);
 
   // The next session starts its message afresh.
   server.commands.clear();
@@ -386,6 +395,9 @@ TEST_P(Pop3SessionTest, AStatWithoutBlanksWaitsForTheTimeOut) {
   EXPECT_EQ(std::vector<std::string>(events.log.end() - 3, events.log.end()),
             (std::vector<std::string>{"Cancelled Home", "Finished Home 0", "TimedOut Home 30"}));
   EXPECT_EQ(events.progress.back(), "Mail retrieval cancelled");
+  ASSERT_EQ(events.failures.size(), 1u);  // before the cancel, which may end the owner's pass
+  EXPECT_EQ(events.failures[0].kind, FailureKind::TimedOut);
+  EXPECT_EQ(events.failures[0].seconds, 30);
 }
 
 INSTANTIATE_TEST_SUITE_P(Splits, Pop3SessionTest, ::testing::Values(1, 2, 3, 5, 64, 100000));
@@ -414,11 +426,15 @@ TEST_P(Pop3Edges, SocketErrors) {
   session.getHeaders(0, false);
   server.outgoing.clear();
   session.onSocketError(protocol::SocketError::ConnectionRefused, "Connection refused");
-  EXPECT_EQ(prompt.lastQuestion, "Error while connecting to server:\r\n[10061] Connection refused");
+  ASSERT_EQ(events.failures.size(), 1u);  // the owner shows it
+  EXPECT_EQ(events.failures[0].kind, FailureKind::ConnectionRefused);
+  EXPECT_EQ(events.failures[0].socketError, protocol::SocketError::ConnectionRefused);
+  EXPECT_EQ(events.failures[0].detail, "Connection refused");
   EXPECT_TRUE(server.timerOn);  // the time-out ends it
   session.onSocketError(protocol::SocketError::HostNotFound, "Host not found");
   EXPECT_EQ(std::vector<std::string>(events.log.end() - 2, events.log.end()),
             (std::vector<std::string>{"NoConnection", "Finished Home 0"}));
+  EXPECT_EQ(events.failures.back().kind, FailureKind::HostNotFound);
   EXPECT_FALSE(server.timerOn);
 }
 
