@@ -37,6 +37,10 @@ class Silent final : public smtp::SmtpListener {
   void onSendFailed(const std::string&) override {
     if (!session->pendingErrors().empty()) std::abort();
   }
+  // The transaction is reset at once: RSET is out before the event.
+  void onMessageRefused(const std::string&) override {
+    if (session->sessionState() != smtp::SmtpState::AwaitResetReply) std::abort();
+  }
   void onErrorConnecting() override {}
   void onDisconnected() override {}
   void onStatus(const std::string&) override {}
