@@ -195,7 +195,7 @@ void OutboxSender::sendNextMessage() {
     return;
   }
   const std::string& name = outboxFiles_[currentFile_];
-  send::OutboxMessage spooled = send::readOutboxMessage(ctx_.folders.outboxFolderPath / name, ctx_.log);
+  const send::OutboxMessage spooled = send::readOutboxMessage(ctx_.folders.outboxFolderPath / name, ctx_.log);
   if (spooled.fields.toEmail().empty()) {
     events_.onSendProgress("The outbox file " + name + " is empty, unreadable or holds no recipient");
   }
@@ -203,7 +203,7 @@ void OutboxSender::sendNextMessage() {
   sendOutboxMessage(spooled);
 }
 
-void OutboxSender::sendOutboxMessage(send::OutboxMessage& spooled) {
+void OutboxSender::sendOutboxMessage(const send::OutboxMessage& spooled) {
   guardedStep(ctx_.log, log_places::kSendSpooledMessage, kModule, [&] {
     if (!connected_) {
       sendingOneMessage_ = false;
@@ -216,7 +216,6 @@ void OutboxSender::sendOutboxMessage(send::OutboxMessage& spooled) {
     mail.setRecipient(message::extractEmail(message.toEmail()));
     mail.setInReplyTo(message.inReplyTo);
     std::string text = send::withoutStoreHeaders(spooled.text);
-    spooled.text.clear();
     mail.setCcRecipient(send::addressesOf(message.cc));
     mail.setBccRecipient(send::addressesOf(message.bcc));
     if (!message.bcc.empty()) text = send::cutBccHeader(text);

@@ -46,7 +46,7 @@ class OutboxSender final : public send::MessageSpooler {
   std::optional<int> nextAccountWithMail(int previousAccount) const;
   void finishSending();
   void sendNextMessage();
-  void sendOutboxMessage(send::OutboxMessage& spooled);
+  void sendOutboxMessage(const send::OutboxMessage& spooled);
   bool accountHasMail(int account) const;
   std::filesystem::path freeOutboxPath(int account);
 

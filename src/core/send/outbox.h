@@ -33,8 +33,8 @@ bool accountHasMail(const std::vector<std::string>& names, int account);
 std::size_t firstFileOfAccount(const std::vector<std::string>& names, int account);
 
 // An outbox file as the upload sends it: its fields, and its bytes as they
-// stand, free of what the store writes into a message it serialises. An
-// unreadable file gives an empty message and no text.
+// stand in the file (a message serialised again would gain the store's
+// lines). An unreadable file gives an empty message and no text.
 struct OutboxMessage {
   message::Message fields;
   std::string text;

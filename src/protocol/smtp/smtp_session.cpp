@@ -39,9 +39,9 @@ std::string replyText(std::string_view chunk) {
   return rest;
 }
 
-// The whole reply, code included, its lines joined by blanks.
+// The whole reply, code included, on one line: its lines joined by blanks.
 std::string wholeReply(std::string_view chunk) {
-  std::string reply(chunk);
+  std::string reply = text::replaceAll(chunk, "\r\n", " ");
   std::replace_if(reply.begin(), reply.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
   return text::trim(reply);
 }

@@ -113,7 +113,7 @@ TEST(SmtpDialogue, RefusedMessageIsResetAndTheConnectionCarriesTheNext) {
     for (int i = 0; i < refusedAt; ++i) s.onDataReceived(script[i]);
     s.onDataReceived(refusedAt == 0 ? "451 4.3.0 try later\r\n" : "550-5.1.1 first line\r\n550 5.1.1 second\r\n");
     EXPECT_EQ(home.listener.outcomes().back(),
-              refusedAt == 0 ? "Refused:451 4.3.0 try later" : "Refused:550-5.1.1 first line  550 5.1.1 second")
+              refusedAt == 0 ? "Refused:451 4.3.0 try later" : "Refused:550-5.1.1 first line 550 5.1.1 second")
         << refusedAt;
     EXPECT_EQ(home.socket.last(), "RSET\r\n");
     EXPECT_EQ(home.socket.closes, 0);
