@@ -115,6 +115,7 @@ class Sequence final : public smtp::SmtpListener {
   void onConnected() override { sendNext(); }
   void onSendSuccessful() override { sendNext(); }
   void onSendFailed(const std::string& errors) override { failure = errors; }
+  void onMessageRefused(const std::string& reply) override { failure = reply; }
   void onErrorConnecting() override {}
   void onDisconnected() override {}
   void onStatus(const std::string&) override {}

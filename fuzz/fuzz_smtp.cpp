@@ -1,11 +1,14 @@
 // The SMTP session fed whatever a server might send: random replies in
-// random chunks, mixed with ticks, socket events and errors. It must never
-// crash, send one command per reply at most, and end each command in CR LF.
+// random chunks, mixed with ticks, socket events and errors, carrying an
+// outbox text made of the input. It must never crash, send one command per
+// reply at most, end each command in CR LF, and never let a line of the text
+// end the data before its end.
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 
 #include "core/context/app_context.h"
+#include "core/send/spooled_text.h"
 #include "protocol/smtp/smtp_session.h"
 
 using namespace vonel;
@@ -23,6 +26,11 @@ class CheckedLink final : public smtp::SmtpLink {
   void send(std::string_view bytes) override {
     if (bytes.size() < 2 || bytes.substr(bytes.size() - 2) != "\r\n") std::abort();
     if (++commandsSinceEvent > 1) std::abort();
+    // The data's own end is the only line that is a lone dot, by either kind of line end.
+    if (bytes.starts_with("Date: ")) {
+      const std::size_t end = bytes.size() - 3;
+      if (bytes.find("\n.\r\n") != end - 1 || bytes.find("\n.\n") != std::string_view::npos) std::abort();
+    }
   }
   void close() override { socketState = smtp::SocketState::Closed; }
   void setTimer(bool) override {}
@@ -36,6 +44,10 @@ class Silent final : public smtp::SmtpListener {
   void onSendSuccessful() override {}
   void onSendFailed(const std::string&) override {
     if (!session->pendingErrors().empty()) std::abort();
+  }
+  // The transaction is reset at once: RSET is out before the event.
+  void onMessageRefused(const std::string&) override {
+    if (session->sessionState() != smtp::SmtpState::AwaitResetReply) std::abort();
   }
   void onErrorConnecting() override {}
   void onDisconnected() override {}
@@ -69,14 +81,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   session.setRecipient(data[0] & 2 ? "a@x.org;b@x.org" : "a@x.org");
   session.setCcRecipient(data[0] & 4 ? "c@x.org" : "");
   session.setBccRecipient(data[0] & 8 ? "d@x.org" : "");
-  session.setMessage(std::string(data[1], '.'));
+  // The text: as many bytes as the second byte says, through the outbox's preparation.
+  const std::size_t textSize = std::min<std::size_t>(data[1], size - 2);
+  const std::string text(reinterpret_cast<const char*>(data + 2), textSize);
+  session.setMessage(send::wireText(send::withoutStoreHeaders(text)));
   if (data[0] & 16) {
     session.connect();
   } else {
     session.send();
   }
   // Each step: a control byte, then for replies a chunk of its low bits in length.
-  std::size_t at = 2;
+  std::size_t at = 2 + textSize;
   while (at < size) {
     const std::uint8_t control = data[at++];
     link.commandsSinceEvent = 0;

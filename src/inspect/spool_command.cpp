@@ -1,9 +1,9 @@
 // vonel-inspect spool --home DIR --to ADDR [--cc ADDR ...] [--bcc ADDR ...]
 //   [--attach FILE ...] --subject S --body-file F [--html] [--in-reply-to ID]
-//   [--now "YYYY-MM-DD HH:MM:SS"] [--version V] OUT
+//   [--message-id ID] [--now "YYYY-MM-DD HH:MM:SS"] [--version V] OUT
 // Writes the spool file that the program would put in the outbox for the
-// first account of the home. --now and --version fix the boundary and the
-// X-Mailer line, so that output can be compared.
+// first account of the home. --message-id, --now and --version fix the
+// Message-ID, the boundary and the X-Mailer line, so that output can be compared.
 #include <optional>
 #include <ostream>
 
@@ -25,6 +25,7 @@ struct SpoolOptions {
   std::string subject;
   std::string bodyFile;
   std::string inReplyTo;
+  std::string messageId;
   bool html = false;
   std::optional<text::DateTime> now;
   std::string version = "0.0.0";
@@ -56,6 +57,8 @@ std::optional<SpoolOptions> readOptions(const Arguments& args, std::ostream& err
       options.bodyFile = args[++i];
     } else if (arg == "--in-reply-to" && hasValue) {
       options.inReplyTo = args[++i];
+    } else if (arg == "--message-id" && hasValue) {
+      options.messageId = args[++i];
     } else if (arg == "--version" && hasValue) {
       options.version = args[++i];
     } else if (arg == "--now" && hasValue) {
@@ -97,6 +100,7 @@ class FailureReport final : public smtp::SmtpListener {
   void onDisconnected() override {}
   void onSendSuccessful() override {}
   void onSendFailed(const std::string& errors) override { err_ << errors << "\n"; }
+  void onMessageRefused(const std::string&) override {}
   void onStatus(const std::string&) override {}
   void onProgress(std::int32_t) override {}
 
@@ -134,6 +138,7 @@ int runSpool(const Arguments& args, std::ostream& out, std::ostream& err) {
   sender.setAttachment(options->attach);
   sender.setSubject(options->subject);
   sender.setInReplyTo(options->inReplyTo);
+  sender.setMessageId(options->messageId);
   sender.setAsHtml(options->html);
   sender.setMessage(body);
   if (!sender.spoolToFile(files::pathFromText(options->out))) return 1;
@@ -144,7 +149,7 @@ int runSpool(const Arguments& args, std::ostream& out, std::ostream& err) {
 const bool registered = registerCommand(
     {"spool",
      "--home DIR --to ADDR [--cc ADDR] [--bcc ADDR] [--attach FILE] --subject S --body-file F [--html] "
-     "[--in-reply-to ID] [--now \"YYYY-MM-DD HH:MM:SS\"] [--version V] OUT",
+     "[--in-reply-to ID] [--message-id ID] [--now \"YYYY-MM-DD HH:MM:SS\"] [--version V] OUT",
      runSpool});
 
 }  // namespace

@@ -69,7 +69,7 @@ struct SendHome {
     message.cc = cc;
     message.bcc = bcc;
     message.subject = "To " + to;
-    message.setMessageBody("Hello\r\n.dot line");
+    message.setMessageBody("Hello\r\n.dot line\r\n.\r\n..");
     sender.spoolMessage(message, fromOverride, "");
   }
   std::string outboxText(const std::string& name) { return files::loadTextFile(outbox / name); }
@@ -109,13 +109,76 @@ class OutboxSenderTest : public QObject {
     QCOMPARE(home.peer.dataBlocks.size(), std::size_t{2});
     const std::string& first = home.peer.dataBlocks.front();
     QVERIFY(first.find("Bcc:") == std::string::npos);
-    // The body's dot was stuffed once when spooled and twice on the way out.
-    QVERIFY(first.find("\r\n....dot line\r\n") != std::string::npos);
+    // The wire stuffs each line once; the store's own lines stay at home.
+    QVERIFY(first.find("\r\nHello\r\n..dot line\r\n..\r\n...\r\n\r\n.\r\n") != std::string::npos);
+    QVERIFY(first.find("X-Receive-Date") == std::string::npos);
+    QVERIFY(first.find("X-Message-") == std::string::npos);
     QVERIFY(std::find(home.peer.commands.begin(), home.peer.commands.end(), "RCPT TO: <h@x.org>") !=
             home.peer.commands.end());
     QCOMPARE(home.count(home.outbox), std::size_t{0});
     QCOMPARE(home.count(home.sent), std::size_t{2});
     QVERIFY(home.events.said("Sent To bob@x.org to bob@x.org <bob@x.org>"));
+    // The Sent Items copy holds the body as written and the Message-ID that went out.
+    for (const std::string& name : send::listOutboxFiles(home.sent)) {
+      const std::string copy = files::loadTextFile(home.sent / name);
+      QVERIFY(copy.find("\r\nHello\r\n.dot line\r\n.\r\n..\r\n") != std::string::npos);
+      const std::size_t id = copy.find("\r\nMessage-ID: <");
+      QVERIFY(id != std::string::npos);
+      const std::string idLine = copy.substr(id, copy.find("\r\n", id + 2) - id);
+      QVERIFY(idLine.ends_with("@example.org>"));
+      const auto sentWith = [&](const std::string& block) { return block.find(idLine + "\r\n") != std::string::npos; };
+      QCOMPARE(std::count_if(home.peer.dataBlocks.begin(), home.peer.dataBlocks.end(), sentWith), 1);
+    }
+  }
+
+  void aRefusedMessageStaysWithItsReplyAndTheOthersGo() {
+    SendHome home;
+    home.spool(0, "ann@x.org");
+    home.spool(0, "refused@x.org");
+    home.spool(0, "bob@x.org");
+    home.peer.on("RCPT TO: <refused", {whole("550 5.1.1 <refused@x.org>: Recipient address rejected\r\n"),
+                                       whole("250 ok\r\n")});
+    home.acceptTheRest();
+    home.sender.sendOutbox();
+    QTRY_VERIFY_WITH_TIMEOUT(home.events.finished == 1, kWaitMs);
+    const std::string refusal =
+        "Refused 00_outbound_1.eml (\"To refused@x.org\" to refused@x.org): 550 5.1.1 <refused@x.org>: Recipient "
+        "address rejected; it stays in the outbox";
+    QCOMPARE(home.events.failures, std::vector<std::string>{refusal});
+    QVERIFY(home.events.said(refusal));
+    QCOMPARE(home.peer.connections, 1);
+    QCOMPARE(home.peer.dataBlocks.size(), std::size_t{2});
+    QVERIFY(std::find(home.peer.commands.begin(), home.peer.commands.end(), "RSET") != home.peer.commands.end());
+    QCOMPARE(send::listOutboxFiles(home.outbox), std::vector<std::string>{"00_outbound_1.eml"});
+    QCOMPARE(home.outboxText("00_outbound_1.eml.refused"),
+             std::string("550 5.1.1 <refused@x.org>: Recipient address rejected\r\n"));
+    QCOMPARE(home.count(home.sent), std::size_t{2});
+
+    // Tried again at the next upload; once it goes, its note goes with it.
+    home.sender.sendOutbox();
+    QTRY_VERIFY_WITH_TIMEOUT(home.events.finished == 2, kWaitMs);
+    QCOMPARE(home.events.failures.size(), std::size_t{1});
+    QCOMPARE(home.count(home.outbox), std::size_t{0});
+    QVERIFY(!fs::exists(home.outbox / "00_outbound_1.eml.refused"));
+    QCOMPARE(home.count(home.sent), std::size_t{3});
+  }
+
+  void aConnectionLostAfterARefusalGivesTheNextMessageANewOne() {
+    SendHome home;
+    home.spool(0, "refused@x.org");
+    home.spool(0, "bob@x.org");
+    files::writeTextFile(home.outbox / "00_outbound_2.eml.refused", "stale note of a deleted message\r\n");
+    home.spool(0, "cy@x.org");
+    QVERIFY(!fs::exists(home.outbox / "00_outbound_2.eml.refused"));
+    home.peer.on("RCPT TO: <refused", {Reply{{"554 5.7.1 go away\r\n"}, true}});
+    home.acceptTheRest();
+    home.sender.sendOutbox();
+    QTRY_VERIFY_WITH_TIMEOUT(home.events.finished == 1, kWaitMs);
+    QCOMPARE(home.events.failures.size(), std::size_t{1});
+    QCOMPARE(home.peer.connections, 2);
+    QCOMPARE(send::listOutboxFiles(home.outbox), std::vector<std::string>{"00_outbound_0.eml"});
+    QCOMPARE(home.outboxText("00_outbound_0.eml.refused"), std::string("554 5.7.1 go away\r\n"));
+    QCOMPARE(home.count(home.sent), std::size_t{2});
   }
 
   void anUploadThatCannotStartSaysWhy() {

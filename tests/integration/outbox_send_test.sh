@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # vonel --send and --merge against two real SMTP servers (aiosmtpd on
 # loopback) standing for accounts 0 and 7: each account's files go to its own
-# server over one connection and land in Sent Items; a refused recipient, a
+# server over one connection and land in Sent Items; a refused recipient keeps
+# its own file in the outbox, with the reply beside it, and the others go; a
 # connection dropped after the data, an account without a server and a full
 # Sent Items folder each leave the unsent files in the outbox.
 set -euo pipefail
@@ -77,18 +78,25 @@ for copy in sent.glob("*.eml"):
     assert b"X-Message-Read: 1" in text
 PY
 
-# A refused recipient stops the upload: nothing more goes, every file stays.
+# A refused recipient: its file stays with the reply beside it, the others
+# go on over the same connection, and the command says so and exits 1.
 rm -f "$sent"/*.eml
 spool 00_outbound_0 zero@example.org refused@x.org
 spool 00_outbound_1 zero@example.org fine@x.org
 spool 07_outbound_0 seven@example.org fine@y.org
 run_send
 [ "$code" -eq 1 ] || fail "refused recipient: exit $code"
-grep -q "Recipient address rejected" "$work/err" || fail "no refusal message: $(cat "$work/err")"
-for name in 00_outbound_0 00_outbound_1 07_outbound_0; do outbox_has $name; done
-[ "$(count "$sent")" -eq 0 ] || fail "a refused message was filed as sent"
-[ "$(count "$work/a")" -eq 2 ] && [ "$(count "$work/b")" -eq 2 ] || fail "something was delivered after the refusal"
-rm -f "$outbox"/*.eml
+grep -q '^vonel: Refused 00_outbound_0.eml ("00_outbound_0" to refused@x.org): 550 5.1.1 <refused@x.org>: Recipient address rejected; it stays in the outbox$' \
+  "$work/err" || fail "no refusal message: $(cat "$work/err")"
+[ "$(grep -c Refused "$work/err")" -eq 1 ] || fail "more than one refusal: $(cat "$work/err")"
+outbox_has 00_outbound_0
+[ "$(count "$outbox")" -eq 1 ] || fail "the others stayed: $(ls "$outbox")"
+[ "$(cat "$outbox/00_outbound_0.eml.refused")" = $'550 5.1.1 <refused@x.org>: Recipient address rejected\r' ] ||
+  fail "reply not kept beside the file: $(cat -A "$outbox/00_outbound_0.eml.refused")"
+[ "$(count "$sent")" -eq 2 ] || fail "Sent Items holds $(count "$sent") files"
+[ "$(count "$work/a")" -eq 3 ] && [ "$(count "$work/b")" -eq 3 ] || fail "the others did not arrive"
+[ "$(cat "$work/a/connections")" -eq 2 ] || fail "account 0 took a second connection for the refusal"
+rm -f "$outbox"/* "$sent"/*.eml
 
 # Digits above 19 are never sent, and the upload still ends well.
 spool 00_outbound_0 zero@example.org five@x.org

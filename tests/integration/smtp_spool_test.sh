@@ -18,7 +18,8 @@ now="2026-11-23 12:00:00"
 
 "$inspect" spool --home "$home" --to a@x.org --to b@x.org --cc c@x.org --bcc hidden@x.org \
   --attach "$home/random.bin" --attach "$home/notes.txt" --subject "Two files" --body-file "$home/body.txt" \
-  --in-reply-to "<parent@x.org>" --now "$now" --version 1.2.3 "$home/out.eml" >/dev/null || fail "spool exit $?"
+  --in-reply-to "<parent@x.org>" --message-id "<fixed@example.org>" --now "$now" --version 1.2.3 "$home/out.eml" \
+  >/dev/null || fail "spool exit $?"
 
 "$python" - "$home" <<'PY' || fail "spool file does not parse as written"
 import email, sys, pathlib
@@ -30,12 +31,13 @@ assert raw.startswith(b'From: "M\xe9 "Boss", Esq." <me@example.org>\r\n'), raw[:
 assert msg["To"].split() == ["<a@x.org>,", "<b@x.org>"], msg["To"]
 assert msg["Bcc"] == "<hidden@x.org>"
 assert msg["In-Reply-To"] == "<parent@x.org>"
+assert msg["Message-ID"] == "<fixed@example.org>"
 assert msg["X-Mailer"] == "Vonel 1.2.3"
 assert msg.get_content_type() == "multipart/mixed"
 assert msg.get_boundary() == "----_=_NextPart_000_00046349.50000000"
 body, first, second = msg.get_payload()
 assert body["Content-Transfer-Encoding"] == "8bit"
-assert body.get_payload(decode=True) == b"\r\nCaf\xe9\r\n..starts with a dot\r\n\r\n", body.get_payload(decode=True)
+assert body.get_payload(decode=True) == b"\r\nCaf\xe9\r\n.starts with a dot\r\n\r\n", body.get_payload(decode=True)
 assert first.get_filename() == "random.bin" and first.get_content_type() == "application/octet-stream"
 assert first.get_payload(decode=True) == (home / "random.bin").read_bytes()
 assert second.get_filename() == "notes.txt" and second.get_content_type() == "text/plain"
@@ -45,8 +47,16 @@ PY
 # The same inputs and moment give the same bytes.
 "$inspect" spool --home "$home" --to a@x.org --to b@x.org --cc c@x.org --bcc hidden@x.org \
   --attach "$home/random.bin" --attach "$home/notes.txt" --subject "Two files" --body-file "$home/body.txt" \
-  --in-reply-to "<parent@x.org>" --now "$now" --version 1.2.3 "$home/again.eml" >/dev/null
+  --in-reply-to "<parent@x.org>" --message-id "<fixed@example.org>" --now "$now" --version 1.2.3 "$home/again.eml" \
+  >/dev/null
 cmp -s "$home/out.eml" "$home/again.eml" || fail "spool not reproducible"
+
+# Without --message-id each spool file gets a Message-ID of its own, on the account's domain.
+"$inspect" spool --home "$home" --to a@x.org --subject S --body-file "$home/body.txt" "$home/id1.eml" >/dev/null
+"$inspect" spool --home "$home" --to a@x.org --subject S --body-file "$home/body.txt" "$home/id2.eml" >/dev/null
+id1=$(grep -a '^Message-ID: <.*@example\.org>' "$home/id1.eml") || fail "no Message-ID: $(head -c 400 "$home/id1.eml")"
+id2=$(grep -a '^Message-ID: ' "$home/id2.eml")
+[ "$id1" != "$id2" ] || fail "two spool files share $id1"
 
 # An attachment that can't be read: a clear error, the old file untouched, no temporary left.
 cp "$home/out.eml" "$home/before.eml"

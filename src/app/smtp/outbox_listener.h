@@ -9,7 +9,9 @@ class OutboxListener {
   virtual ~OutboxListener() = default;
   // Any step, errors included, for display.
   virtual void onSendProgress(const std::string& text) = 0;
-  // Sending stopped.
+  // Sending stopped; or, while the upload goes on (the sender is still
+  // sending), one message failed: a refused one is reported as
+  // "Refused 00_outbound_3.eml ("Subject" to a@x.org): 550 5.1.1 ...; it stays in the outbox".
   virtual void onSendFailed(const std::string& text) = 0;
   // The outbox was empty when the upload was asked for.
   virtual void onNoMailToSend() = 0;

@@ -37,6 +37,8 @@ OutboxSender::OutboxSender(AppContext& context, OutboxListener& events)
                    [this] { onSmtpSendSuccessful(); });
   QObject::connect(&connection_, &SmtpConnection::sendFailed, &connection_,
                    [this](const QString& text) { onSmtpSendFailed(fromQString(text)); });
+  QObject::connect(&connection_, &SmtpConnection::messageRefused, &connection_,
+                   [this](const QString& reply) { onSmtpMessageRefused(fromQString(reply)); });
   QObject::connect(&connection_, &SmtpConnection::status, &connection_,
                    [this](const QString& text) { onSmtpStatus(fromQString(text)); });
   QObject::connect(&connection_, &SmtpConnection::progress, &connection_,
@@ -74,7 +76,12 @@ void OutboxSender::spoolOrSend(message::Message& message, bool spoolOnly, const 
     mail.setBccRecipient(send::splitAddressList(message.bcc).addresses);
     if (!fromOverride.empty()) mail.setFrom(fromOverride);
     if (!nameOverride.empty()) mail.setFromDisplayName(nameOverride);
-    mail.spoolToFile(file);
+    mail.setMessageId(message.messageId);
+    if (mail.spoolToFile(file)) {
+      message.messageId = mail.messageId();
+      // A note left by a deleted message of the same name isn't this one's.
+      send::clearRefusalNote(ctx_.folders.outboxFolderPath, file.filename().string());
+    }
     if (!spoolOnly) mail.send();
   });
 }
@@ -188,26 +195,27 @@ void OutboxSender::sendNextMessage() {
     return;
   }
   const std::string& name = outboxFiles_[currentFile_];
-  const message::Message message = message::readMessageFull(ctx_.folders.outboxFolderPath / name, ctx_.log);
-  if (message.toEmail().empty()) {
+  const send::OutboxMessage spooled = send::readOutboxMessage(ctx_.folders.outboxFolderPath / name, ctx_.log);
+  if (spooled.fields.toEmail().empty()) {
     events_.onSendProgress("The outbox file " + name + " is empty, unreadable or holds no recipient");
   }
   sendingOneMessage_ = true;
-  sendOutboxMessage(message);
+  sendOutboxMessage(spooled);
 }
 
-void OutboxSender::sendOutboxMessage(const message::Message& message) {
+void OutboxSender::sendOutboxMessage(const send::OutboxMessage& spooled) {
   guardedStep(ctx_.log, log_places::kSendSpooledMessage, kModule, [&] {
     if (!connected_) {
       sendingOneMessage_ = false;
       events_.onSendProgress("Can't send - not connected to server");
       return;
     }
+    const message::Message& message = spooled.fields;
     smtp::SmtpSession& mail = session();
     mail.setFrom(message::extractEmail(message.from));
     mail.setRecipient(message::extractEmail(message.toEmail()));
     mail.setInReplyTo(message.inReplyTo);
-    std::string text = message.rawMessage();
+    std::string text = send::withoutStoreHeaders(spooled.text);
     mail.setCcRecipient(send::addressesOf(message.cc));
     mail.setBccRecipient(send::addressesOf(message.bcc));
     if (!message.bcc.empty()) text = send::cutBccHeader(text);
@@ -218,6 +226,7 @@ void OutboxSender::sendOutboxMessage(const message::Message& message) {
 
 void OutboxSender::onSmtpConnected() {
   connected_ = true;
+  afterRefusal_ = false;
   guardedStep(ctx_.log, log_places::kPoSendMailConnected, kModule, [&] { sendNextMessage(); });
 }
 
@@ -267,9 +276,39 @@ void OutboxSender::onSmtpSendSuccessful() {
   });
 }
 
+// The refused file stays, with the reply beside it, and drops out of this
+// upload; the session resets the connection for the next message.
+void OutboxSender::onSmtpMessageRefused(const std::string& reply) {
+  sendingOneMessage_ = false;
+  afterRefusal_ = true;
+  guardedStep(ctx_.log, log_places::kPoSendMailMessageRefused, kModule, [&] {
+    if (currentFile_ >= outboxFiles_.size()) return;
+    const std::string name = outboxFiles_[currentFile_];
+    outboxFiles_.erase(outboxFiles_.begin() + static_cast<std::ptrdiff_t>(currentFile_));
+    const message::Message message = message::readMessageHeader(ctx_.folders.outboxFolderPath / name, ctx_.log);
+    const std::string text = "Refused " + name + " (\"" + message.subject + "\" to " +
+                             message::extractEmail(message.toEmail()) + "): " + reply + "; it stays in the outbox";
+    events_.onSendProgress(text);
+    events_.onSendFailed(text);
+    send::writeRefusalNote(ctx_.folders.outboxFolderPath, name, reply);
+  });
+}
+
 void OutboxSender::onSmtpSendFailed(const std::string& text) {
   events_.onSendProgress(text);
   sendingOneMessage_ = false;
+  if (afterRefusal_ && sending_ && currentAccount_) {
+    // The connection didn't survive the refusal: the next message takes a new one.
+    afterRefusal_ = false;
+    guardedStep(ctx_.log, log_places::kPoSendMailSendFailed, kModule, [&] {
+      if (accountHasMail(*currentAccount_)) {
+        connectAccount(*currentAccount_);
+      } else {
+        connectNextAccount(*currentAccount_);
+      }
+    });
+    return;
+  }
   sending_ = false;
   events_.onSendFailed(text);
 }

@@ -2,8 +2,10 @@
 // The one object through which the program sends. spoolMessage writes an
 // outgoing message into the outbox; sendOutbox later walks the outbox
 // account by account, over one connection per account, and files each sent
-// message in Sent Items. One failed message stops the whole upload, and its
-// file and all after it stay in the outbox for the next one.
+// message in Sent Items. A message the server refuses stays in the outbox
+// with the reply in a note beside it, and the others still go; a failure of
+// the connection stops the whole upload, and the unsent files stay for the
+// next one.
 #include <map>
 #include <optional>
 #include <string>
@@ -13,6 +15,7 @@
 #include "app/smtp/smtp_connection.h"
 #include "core/message/message.h"
 #include "core/send/mail_merge.h"
+#include "core/send/outbox.h"
 
 namespace vonel {
 
@@ -43,7 +46,7 @@ class OutboxSender final : public send::MessageSpooler {
   std::optional<int> nextAccountWithMail(int previousAccount) const;
   void finishSending();
   void sendNextMessage();
-  void sendOutboxMessage(const message::Message& message);
+  void sendOutboxMessage(const send::OutboxMessage& spooled);
   bool accountHasMail(int account) const;
   std::filesystem::path freeOutboxPath(int account);
 
@@ -52,6 +55,7 @@ class OutboxSender final : public send::MessageSpooler {
   void onSmtpDisconnected();
   void onSmtpSendSuccessful();
   void onSmtpSendFailed(const std::string& text);
+  void onSmtpMessageRefused(const std::string& reply);
   void onSmtpStatus(const std::string& text);
   void onSmtpProgress(int percentage);
 
@@ -66,6 +70,7 @@ class OutboxSender final : public send::MessageSpooler {
   std::vector<std::string> outboxFiles_;
   bool sending_ = false;
   bool sendingOneMessage_ = false;
+  bool afterRefusal_ = false;  // a refused message's transaction is being reset
   std::size_t currentFile_ = 0;
   std::optional<int> currentAccount_;  // none once every account is served
   // The next counter to try per account; names below it were taken when last

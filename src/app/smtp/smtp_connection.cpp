@@ -69,6 +69,7 @@ smtp::SocketState SmtpConnection::state() const {
 }
 
 void SmtpConnection::onSendFailed(const std::string& errors) { emit sendFailed(toQString(errors)); }
+void SmtpConnection::onMessageRefused(const std::string& reply) { emit messageRefused(toQString(reply)); }
 void SmtpConnection::onStatus(const std::string& text) { emit status(toQString(text)); }
 
 }  // namespace vonel

@@ -30,6 +30,7 @@ class SmtpConnection final : public QObject, public smtp::SmtpLink, private smtp
   void disconnected();
   void sendSuccessful();
   void sendFailed(const QString& errors);
+  void messageRefused(const QString& reply);
   void status(const QString& text);
   void progress(int percentage);
 
@@ -39,6 +40,7 @@ class SmtpConnection final : public QObject, public smtp::SmtpLink, private smtp
   void onDisconnected() override { emit disconnected(); }
   void onSendSuccessful() override { emit sendSuccessful(); }
   void onSendFailed(const std::string& errors) override;
+  void onMessageRefused(const std::string& reply) override;
   void onStatus(const std::string& text) override;
   void onProgress(std::int32_t percentage) override { emit progress(percentage); }
 

@@ -1,6 +1,7 @@
 // What the store adds to a message: its tags, the spam mark, and the flag
 // lines written into the header block when the message is serialised.
 #include "core/message/message.h"
+#include "core/message/store_header_names.h"
 #include "core/text/strings.h"
 
 namespace vonel::message {
@@ -8,8 +9,6 @@ namespace {
 
 constexpr std::string_view kBlankLine = "\r\n\r\n";
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::string_view kReceiveDateName = "X-Receive-Date";
-constexpr std::string_view kTagsName = "X-Message-Tags";
 
 // Puts the line last in the header block; a text without a blank line gets nothing.
 void insertHeaderLine(std::string& text, std::string_view line) {

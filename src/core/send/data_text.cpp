@@ -30,7 +30,7 @@ void appendCut(std::string& out, std::string_view line, std::string_view separat
 
 }  // namespace
 
-std::string fitForData(std::string_view text) {
+std::string cutLongLines(std::string_view text) {
   if (text.empty()) return {};
   std::string_view separator = separatorOf(text);
   const std::vector<std::string> lines =
@@ -38,12 +38,23 @@ std::string fitForData(std::string_view text) {
   std::string out;
   out.reserve(text.size() + text.size() / 64 + 8);
   bool first = true;
-  for (const auto& raw : lines) {
-    const std::string line = raw.starts_with('.') ? "." + raw : raw;
+  for (const auto& line : lines) {
     if (line.size() > kMaxLine && separator.empty()) separator = "\r\n";
     if (!first) out.append(separator);
     first = false;
     appendCut(out, line, separator);
+  }
+  return out;
+}
+
+std::string dotStuffed(std::string_view text) {
+  std::string out;
+  out.reserve(text.size() + text.size() / 64 + 1);
+  bool lineStart = true;
+  for (const char c : text) {
+    if (lineStart && c == '.') out += '.';
+    out += c;
+    lineStart = c == '\n';
   }
   return out;
 }

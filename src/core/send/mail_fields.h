@@ -23,8 +23,9 @@ struct MailFields {
   std::string fromDisplayName;
   std::string replyToAddress;
   std::string subject;
-  std::string message;  // already made fit for DATA
+  std::string message;  // long lines cut; the dots of DATA are added on the wire
   std::string inReplyTo;
+  std::string messageId;  // "<...>"; written when not empty
   std::vector<std::string> attachmentPaths;
   std::vector<std::string> attachmentNames;
   std::int64_t attachmentNameBytes = 0;

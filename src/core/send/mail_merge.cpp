@@ -27,6 +27,26 @@ constexpr std::size_t kMaxMergedText = 16 * 1024 * 1024;
 
 bool hasSubjectLine(std::string_view text) { return text::startsWithNoCase(text, "Subject:"); }
 
+// Rows end in CR LF or in a bare LF, as editors write them; the last may have no end.
+std::vector<std::string> dataRows(std::string_view data) {
+  std::vector<std::string> rows = text::split(data, "\n");
+  for (std::string& row : rows) {
+    if (row.ends_with('\r')) row.pop_back();
+  }
+  return rows;
+}
+
+// A template written with bare LF line ends becomes a message with CR LF ones.
+std::string withCrLfLineEnds(std::string_view text) {
+  std::string out;
+  out.reserve(text.size() + text.size() / 32);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\n' && (i == 0 || text[i - 1] != '\r')) out += '\r';
+    out += text[i];
+  }
+  return out;
+}
+
 void tell(AppContext& context, std::string_view text) { context.prompt.ask(text, Buttons::Ok, kTitle); }
 
 // The row's fields: surplus fields join the last header column without
@@ -75,7 +95,8 @@ MergeSender firstAccountSender(const SettingsStore& settings) {
 
 MergeCounts mergeTexts(std::string_view data, std::string_view templateText, const MergeSender& sender,
                        const std::function<void(message::Message&)>& spool, Progress& progress) {
-  const std::vector<std::string> rows = text::split(data, "\r\n");
+  const std::vector<std::string> rows = dataRows(data);
+  const std::string templateCrLf = withCrLfLineEnds(templateText);
   const std::vector<std::string> header = text::split(rows.front(), ",");
   const auto email = std::find_if(header.begin(), header.end(),
                                   [](const std::string& code) { return text::upper(text::trim(code)) == "$EMAIL"; });
@@ -87,7 +108,7 @@ MergeCounts mergeTexts(std::string_view data, std::string_view templateText, con
     const auto fields = rowFields(rows[row], header.size());
     if (!fields) continue;
     const std::string& to = (*fields)[emailColumn];
-    auto text = mergedText(templateText, header, *fields);
+    auto text = mergedText(templateCrLf, header, *fields);
     if (text && to.find('@') != std::string::npos) {
       message::Message message = mergedMessage(std::move(*text), to, sender);
       spool(message);

@@ -1,7 +1,7 @@
 #pragma once
 // Mail merge: a data file (a row of field codes, then one row of fields per
-// recipient, no quoting) and a template with those codes in it become one
-// outbox message per row. Nothing is sent here; the messages wait in the
+// recipient, no quoting; rows end in CR LF or LF) and a template with those
+// codes in it become one outbox message per row. Nothing is sent here; the messages wait in the
 // outbox for the next upload.
 #include <filesystem>
 #include <functional>

@@ -4,7 +4,9 @@
 #include <cctype>
 #include <cstdio>
 
+#include "core/files/atomic_file.h"
 #include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/log/log_places.h"
 #include "core/message/message_file.h"
 #include "core/store/tag_files.h"
@@ -91,6 +93,25 @@ std::size_t firstFileOfAccount(const std::vector<std::string>& names, int accoun
   return static_cast<std::size_t>(found - names.begin());
 }
 
+OutboxMessage readOutboxMessage(const fs::path& file, Log& log) {
+  OutboxMessage spooled{message::Message(&log), {}};
+  guardedStep(log, log_places::kReadOutboxMessage, kModule, [&] {
+    spooled.text = files::loadTextFile(file);
+    spooled.fields.createFromText(spooled.text, false);
+  });
+  return spooled;
+}
+
+std::string refusalNoteName(std::string_view name) { return std::string(name) + ".refused"; }
+
+void writeRefusalNote(const fs::path& outbox, std::string_view name, std::string_view reply) {
+  files::writeTextFile(outbox / refusalNoteName(name), std::string(reply) + "\r\n");
+}
+
+bool clearRefusalNote(const fs::path& outbox, std::string_view name) {
+  return files::eraseFile(outbox / refusalNoteName(name));
+}
+
 std::string fileRoot(std::string_view name) {
   const std::size_t dot = name.rfind('.');
   return std::string(dot == std::string_view::npos ? name : name.substr(0, dot));
@@ -123,6 +144,8 @@ SentMessage moveToSentItems(const fs::path& outbox, const fs::path& sentItems, c
   }
   if (!files::eraseFile(spooled)) {
     log.addAction("Unable to delete " + name + " from the outbox after filing it", log_places::kMoveToSentItems, kModule);
+  } else if (!clearRefusalNote(outbox, name)) {
+    log.addAction("Unable to delete " + refusalNoteName(name) + " from the outbox", log_places::kMoveToSentItems, kModule);
   }
   store::removeFromUnreadTag(log, outbox);
   sent.filed = true;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/log/log.h"
+#include "core/message/message.h"
 #include "core/time/clock.h"
 
 namespace vonel::send {
@@ -31,6 +32,24 @@ bool accountHasMail(const std::vector<std::string>& names, int account);
 // value; names.size() when there is none.
 std::size_t firstFileOfAccount(const std::vector<std::string>& names, int account);
 
+// An outbox file as the upload sends it: its fields, and its bytes as they
+// stand in the file (a message serialised again would gain the store's
+// lines). An unreadable file gives an empty message and no text.
+struct OutboxMessage {
+  message::Message fields;
+  std::string text;
+};
+OutboxMessage readOutboxMessage(const std::filesystem::path& file, Log& log);
+
+// The note beside an outbox file that a server refused: "<name>.refused",
+// the server's reply on one line. It stays as long as the message waits, and
+// it is not an outbox file itself.
+std::string refusalNoteName(std::string_view name);
+// Writes the note through a temporary file; throws AppError when it can't.
+void writeRefusalNote(const std::filesystem::path& outbox, std::string_view name, std::string_view reply);
+// Deletes the note if there is one; false when it is there and can't go.
+bool clearRefusalNote(const std::filesystem::path& outbox, std::string_view name);
+
 // The name without its extension.
 std::string fileRoot(std::string_view name);
 
@@ -46,7 +65,7 @@ struct SentMessage {
 };
 
 // Files a sent outbox message into Sent Items, read and dated, and only then
-// deletes it from the outbox.
+// deletes it, and any refusal note beside it, from the outbox.
 SentMessage moveToSentItems(const std::filesystem::path& outbox, const std::filesystem::path& sentItems,
                      const std::string& name, Log& log, const Clock& clock);
 

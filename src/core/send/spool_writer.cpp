@@ -51,6 +51,7 @@ void writeHeaders(SpoolLineWriter& out, const MailFields& mail, const std::strin
   if (!mail.replyToAddress.empty()) out.line("Reply-to: <" + mail.replyToAddress + ">");
   if (!mail.inReplyTo.empty()) out.line("In-Reply-To: " + mail.inReplyTo);
   out.line("Subject: " + mail.subject);
+  if (!mail.messageId.empty()) out.line("Message-ID: " + mail.messageId);
   if (mail.encodeType != EncodeType::Mime) return;
   out.line("MIME-Version: 1.0");
   out.line("X-Priority: " + std::to_string(static_cast<std::int32_t>(mail.priority)));

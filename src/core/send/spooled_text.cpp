@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/message/address.h"
+#include "core/message/store_header_names.h"
 #include "core/send/data_text.h"
 #include "core/text/strings.h"
 
@@ -22,6 +23,14 @@ std::string joined(const std::vector<std::string>& items) {
     list += items[i];
   }
   return list;
+}
+
+bool isStoreHeader(std::string_view line) {
+  const std::size_t colon = line.find(':');
+  if (colon == std::string_view::npos) return false;
+  const std::string_view name = text::trimView(line.substr(0, colon));
+  return std::any_of(message::kStoreHeaderNames.begin(), message::kStoreHeaderNames.end(),
+                     [&](std::string_view storeName) { return text::equalsNoCase(name, storeName); });
 }
 
 }  // namespace
@@ -55,10 +64,29 @@ std::string cutBccHeader(const std::string& text) {
   return text::left(text, bcc - 1) + text::mid(text, lineEnd + 2);
 }
 
+std::string withoutStoreHeaders(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  bool dropping = false;
+  std::size_t at = 0;
+  while (at < text.size()) {
+    const std::size_t lineFeed = text.find('\n', at);
+    const std::size_t next = lineFeed == std::string_view::npos ? text.size() : lineFeed + 1;
+    const std::string_view line = text.substr(at, next - at);
+    if (line == "\n" || line == "\r\n") break;  // the blank line that ends the header
+    const bool folded = line.front() == ' ' || line.front() == '\t';
+    if (!folded) dropping = isStoreHeader(line);
+    if (!dropping) out.append(line);
+    at = next;
+  }
+  out.append(text.substr(at));
+  return out;
+}
+
 std::string wireText(std::string text) {
   removeCrLfFromEnd(text);
   std::erase(text, '\n');
-  return fitForData(text::replaceAll(text, "\r", "\r\n"));
+  return cutLongLines(text::replaceAll(text, "\r", "\r\n"));
 }
 
 }  // namespace vonel::send

@@ -22,8 +22,12 @@ std::string addressesOf(std::string_view list);
 // last line end before the next ":". Left as it is when no ":" follows.
 std::string cutBccHeader(const std::string& text);
 
-// Trailing line ends off, every LF dropped, every CR made CR LF; then
-// fitForData once.
+// The text without the store's own header lines (and their folded
+// continuations); lines of the body that look alike stay.
+std::string withoutStoreHeaders(std::string_view text);
+
+// Trailing line ends off, every LF dropped, every CR made CR LF; then long
+// lines cut. The dots of transparency are the session's to add.
 std::string wireText(std::string text);
 
 }  // namespace vonel::send

@@ -8,6 +8,7 @@
 
 #include "core/log/log_places.h"
 #include "core/message/transfer_encoding.h"
+#include "core/send/data_text.h"
 #include "core/text/numbers.h"
 #include "core/text/strings.h"
 #include "protocol/smtp/date_line.h"
@@ -37,6 +38,16 @@ std::string replyText(std::string_view chunk) {
   if (rest.ends_with("\r\n")) rest.resize(rest.size() - 2);
   return rest;
 }
+
+// The whole reply, code included, on one line: its lines joined by blanks.
+std::string wholeReply(std::string_view chunk) {
+  std::string reply = text::replaceAll(chunk, "\r\n", " ");
+  std::replace_if(reply.begin(), reply.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+  return text::trim(reply);
+}
+
+// "Service not available, closing transmission channel": the connection goes, not just the message.
+constexpr int kServiceClosing = 421;
 
 }  // namespace
 
@@ -134,8 +145,10 @@ void SmtpSession::sendDataCommand() { sendCommand(SmtpState::AwaitDataReply, "DA
 
 void SmtpSession::sendMessageText() {
   state_ = SmtpState::AwaitMessageReply;
-  link_.send(dateLine(context_.clock.now(), timeZone_) + mail_.message + "\r\n\r\n.\r\n");
+  link_.send(dateLine(context_.clock.now(), timeZone_) + send::dotStuffed(mail_.message) + "\r\n\r\n.\r\n");
 }
+
+void SmtpSession::sendReset() { sendCommand(SmtpState::AwaitResetReply, "RSET"); }
 
 void SmtpSession::sendQuit() {
   if (link_.state() == SocketState::Connected) link_.send("QUIT\r\n");
@@ -145,6 +158,17 @@ void SmtpSession::sendQuit() {
 void SmtpSession::failWithReply(const std::string& reply) {
   addError(reply);
   reportFailure();
+}
+
+// A 4xx or 5xx reply refuses this one message; only a connection kept open
+// for several messages has others to go on with.
+bool SmtpSession::isRefusal(int code) const { return keepOpen_ && code >= 400 && code < 600 && code != kServiceClosing; }
+
+void SmtpSession::refuseMessage(std::string_view chunk) {
+  const std::string reply = wholeReply(chunk);
+  context_.log.addAction("Refused: " + reply, log_places::kSendRefused, kModule);
+  sendReset();
+  listener_.onMessageRefused(reply);
 }
 
 void SmtpSession::onSocketConnected() { socketConnected_ = true; }
@@ -201,22 +225,26 @@ void SmtpSession::handleReply(std::string_view chunk) {
       listener_.onConnected();
       return;
     case SmtpState::AwaitMailFromReply:
-      if (code != 250) return failWithReply(reply);
+      if (code != 250) return isRefusal(code) ? refuseMessage(chunk) : failWithReply(reply);
       return sendRecipientsFrom(0, 0);
     case SmtpState::AwaitToReply:
     case SmtpState::AwaitCcReply:
     case SmtpState::AwaitBccReply:
-      if (code != 250) return failWithReply(reply);
+      if (code != 250) return isRefusal(code) ? refuseMessage(chunk) : failWithReply(reply);
       return sendRecipientsFrom(recipientList_, recipientIndex_ + 1);
     case SmtpState::AwaitDataReply:
-      if (code != 354) return failWithReply(reply);
+      if (code != 354) return isRefusal(code) ? refuseMessage(chunk) : failWithReply(reply);
       return sendMessageText();
     case SmtpState::AwaitMessageReply:
-      if (code != 250) return failWithReply(reply);
+      if (code != 250) return isRefusal(code) ? refuseMessage(chunk) : failWithReply(reply);
       if (!keepOpen_) sendQuit();
       listener_.onProgress(100);
       listener_.onStatus("Transmission Complete...");
       listener_.onSendSuccessful();
+      return;
+    case SmtpState::AwaitResetReply:
+      if (code != 250) return failWithReply(reply);
+      listener_.onConnected();
       return;
     case SmtpState::AwaitQuitReply:
       if (code != 221) return failWithReply(reply);

@@ -32,6 +32,7 @@ enum class SmtpState {
   AwaitBccReply,
   AwaitDataReply,
   AwaitMessageReply,
+  AwaitResetReply,
   AwaitQuitReply,
 };
 
@@ -55,6 +56,8 @@ class SmtpSession {
   // Throws AppError 23000 before initialise.
   void send();
 
+  // Writes the spool file; a message without a Message-ID gets a new one
+  // first, on the domain of the account's reply address.
   bool spoolToFile(const std::filesystem::path& file);
 
   // Socket and timer events.
@@ -107,6 +110,8 @@ class SmtpSession {
   void setSubject(std::string value) { mail_.subject = std::move(value); }
   void setReplyToAddress(std::string value) { mail_.replyToAddress = std::move(value); }
   void setInReplyTo(std::string value) { mail_.inReplyTo = std::move(value); }
+  const std::string& messageId() const { return mail_.messageId; }
+  void setMessageId(std::string value) { mail_.messageId = std::move(value); }
   void setAsHtml(bool value) { mail_.asHtml = value; }
   void setReceipt(bool value) { mail_.receipt = value; }
 
@@ -128,6 +133,8 @@ class SmtpSession {
   // The dialogue.
   void handleReply(std::string_view chunk);
   void failWithReply(const std::string& replyText);
+  bool isRefusal(int code) const;
+  void refuseMessage(std::string_view chunk);
   void resetTimeout();
   double secondsIntoDay() const;
   void connectToHost();
@@ -139,6 +146,7 @@ class SmtpSession {
   void sendRecipientsFrom(std::size_t list, std::size_t index);
   void sendDataCommand();
   void sendMessageText();
+  void sendReset();
   void sendQuit();
   void sendCommand(SmtpState awaited, const std::string& line);
 
@@ -148,6 +156,7 @@ class SmtpSession {
   const int standardBiasMinutes_;
 
   send::MailFields mail_;
+  std::string accountAddress_;  // the account's reply address, whatever From becomes
   send::SendErrors errors_;
   std::string smtpHost_;
   std::int32_t smtpPort_ = 25;

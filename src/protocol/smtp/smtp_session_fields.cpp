@@ -7,6 +7,7 @@
 #include "core/log/log_places.h"
 #include "core/send/data_text.h"
 #include "core/send/mail_size.h"
+#include "core/send/message_id.h"
 #include "core/send/spool_writer.h"
 #include "core/settings/accounts.h"
 #include "core/text/numbers.h"
@@ -44,6 +45,7 @@ void SmtpSession::initialise(std::int16_t account) {
   const auto text = [&](std::string_view name) { return settings.get(accountKey(name, account), Value("")).text(); };
   mail_ = send::MailFields{};
   mail_.from = text("ReplyAddress");
+  accountAddress_ = mail_.from;
   mail_.fromDisplayName = text("DisplayName");
   mail_.username = text("Uname");
   mail_.useAuthentication = settings.get("UseAuthentication", Value(false)).flag();
@@ -134,7 +136,7 @@ void SmtpSession::setAttachment(std::string_view value) {
 }
 
 void SmtpSession::setMessage(std::string_view value) {
-  mail_.message = send::fitForData(value);
+  mail_.message = send::cutLongLines(value);
   mail_.eightBit = send::hasEightBit(mail_.message);
 }
 
@@ -178,6 +180,9 @@ bool SmtpSession::spoolToFile(const std::filesystem::path& file) {
     return false;
   }
   bytesToSend_ = send::estimateMailSize(mail_);
+  if (mail_.messageId.empty()) {
+    mail_.messageId = send::newMessageId(accountAddress_.empty() ? mail_.from : accountAddress_, context_.clock.now());
+  }
   try {
     send::writeSpoolFile(file, mail_, context_.clock.now(), context_.log.info().version);
     return true;

@@ -8,29 +8,33 @@
 namespace vonel::send {
 namespace {
 
-TEST(FitForData, LongLinesAreCutAtBlanksOrAtNineHundredNinetyEight) {
+TEST(CutLongLines, CutsAtBlanksOrAtNineHundredNinetyEight) {
   const std::string exact(998, 'a');
-  EXPECT_EQ(fitForData(exact + "\r\nb"), exact + "\r\nb");
-  EXPECT_EQ(fitForData("x\r\n" + exact + "a"), "x\r\n" + exact + "\r\na");
+  EXPECT_EQ(cutLongLines(exact + "\r\nb"), exact + "\r\nb");
+  EXPECT_EQ(cutLongLines("x\r\n" + exact + "a"), "x\r\n" + exact + "\r\na");
   // A blank at or before 998 ends the piece and stays with it.
   const std::string words = std::string(500, 'w') + " " + std::string(600, 'v');
-  EXPECT_EQ(fitForData(words), std::string(500, 'w') + " \r\n" + std::string(600, 'v'));
+  EXPECT_EQ(cutLongLines(words), std::string(500, 'w') + " \r\n" + std::string(600, 'v'));
   // Several pieces, and a tail shorter than a piece.
-  EXPECT_EQ(fitForData(std::string(2000, 'z')),
+  EXPECT_EQ(cutLongLines(std::string(2000, 'z')),
             std::string(998, 'z') + "\r\n" + std::string(998, 'z') + "\r\n" + std::string(4, 'z'));
 }
 
-TEST(FitForData, SeparatorIsKeptAndLongLineWithoutOneGetsCrLf) {
-  EXPECT_EQ(fitForData(""), "");
-  EXPECT_EQ(fitForData("a\rb\r.c"), "a\rb\r..c");
-  EXPECT_EQ(fitForData("a\nb"), "a\nb");  // a bare LF is no separator
-  EXPECT_EQ(fitForData(std::string(1000, 'c') + "\r"), std::string(998, 'c') + "\r" + "cc\r");
+TEST(CutLongLines, KeepsTheSeparatorAndTheDotsAndChangesNothingTheSecondTime) {
+  EXPECT_EQ(cutLongLines(""), "");
+  EXPECT_EQ(cutLongLines("a\rb\r.c"), "a\rb\r.c");
+  EXPECT_EQ(cutLongLines("a\nb"), "a\nb");  // a bare LF is no separator
+  EXPECT_EQ(cutLongLines(std::string(1000, 'c') + "\r"), std::string(998, 'c') + "\r" + "cc\r");
+  const std::string text = ".\r\n..\r\n.x\r\n" + std::string(3000, 'y');
+  EXPECT_EQ(cutLongLines(cutLongLines(text)), cutLongLines(text));
 }
 
-TEST(FitForData, DotsAreAddedOnEveryPass) {
-  std::string text = "first\r\n.second\r\n..";
-  for (int pass = 0; pass < 3; ++pass) text = fitForData(text);
-  EXPECT_EQ(text, "first\r\n....second\r\n.....");
+TEST(DotStuffed, AddsOneDotToEveryLineThatBeginsWithOne) {
+  EXPECT_EQ(dotStuffed(".\r\n..\r\n.x\r\nx.\r\n"), "..\r\n...\r\n..x\r\nx.\r\n");
+  EXPECT_EQ(dotStuffed(""), "");
+  EXPECT_EQ(dotStuffed("."), "..");
+  // A bare LF starts a line for the server too; a bare CR doesn't.
+  EXPECT_EQ(dotStuffed("a\n.b\r.c"), "a\n..b\r.c");
 }
 
 TEST(HasEightBit, MeansAByteAboveOneTwentySeven) {

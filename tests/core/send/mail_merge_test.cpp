@@ -46,6 +46,28 @@ TEST(MergeTexts, EachRowFillsTheCodesInSubjectAndBody) {
   EXPECT_EQ(c.counts.invalid, 0);
 }
 
+TEST(MergeTexts, LineFeedFilesMergeAsCrLfOnes) {
+  const std::string crLf = "$EMAIL,$FIRST\r\nann@x.org,Ann\r\nbob@x.org,Bob";
+  const std::string templateText = "Subject: Hi $FIRST\r\n\r\nDear $FIRST,\r\nbye\r\n";
+  const Collected expected = merge(crLf, templateText);
+  ASSERT_EQ(expected.messages.size(), 2u);
+  // LF rows, a mix of both, a last row with and without an end; an LF template.
+  for (const char* data :
+       {"$EMAIL,$FIRST\nann@x.org,Ann\nbob@x.org,Bob\n", "$EMAIL,$FIRST\nann@x.org,Ann\r\nbob@x.org,Bob"}) {
+    for (const std::string& templ : {templateText, std::string("Subject: Hi $FIRST\n\nDear $FIRST,\nbye\n")}) {
+      const Collected c = merge(data, templ);
+      ASSERT_EQ(c.messages.size(), 2u) << data;
+      for (std::size_t i = 0; i < 2; ++i) {
+        EXPECT_EQ(c.messages[i].to, expected.messages[i].to);
+        EXPECT_EQ(c.messages[i].subject, expected.messages[i].subject);
+        EXPECT_EQ(c.messages[i].body, expected.messages[i].body);
+      }
+      EXPECT_EQ(c.counts.invalid, 0);
+    }
+  }
+  EXPECT_EQ(expected.messages[1].body, "Dear Bob,\r\nbye\r\n");
+}
+
 TEST(MergeTexts, RaggedRowsAreJoinedOrSkipped) {
   const Collected c = merge("$EMAIL,$NAME,$NOTE\r\na@x.org,A,one, two,three\r\nshort@x.org,S\r\nq@x.org,\"Q, Jr\",n\r\n",
                             "$NAME: $NOTE");

@@ -94,6 +94,28 @@ TEST_F(MoveToSentItemsTest, FilesAReadDatedCopyAndOnlyThenDeletesTheOriginal) {
   EXPECT_NE(text.find("\r\n\r\nText"), std::string::npos);
 }
 
+TEST_F(MoveToSentItemsTest, ARefusalNoteStaysWithItsMessageAndGoesWithIt) {
+  writeRefusalNote(outbox, "00_outbound_4.eml", "550 5.1.1 <you@y.org>: Recipient address rejected");
+  EXPECT_EQ(files::loadTextFile(outbox / "00_outbound_4.eml.refused"),
+            "550 5.1.1 <you@y.org>: Recipient address rejected\r\n");
+  // A note is no outbox file of its own.
+  EXPECT_EQ(listOutboxFiles(outbox), std::vector<std::string>{"00_outbound_4.eml"});
+  EXPECT_TRUE(moveToSentItems(outbox, sent, "00_outbound_4.eml", home.log, home.clock).filed);
+  EXPECT_FALSE(files::fileExists(outbox / "00_outbound_4.eml.refused"));
+  EXPECT_TRUE(clearRefusalNote(outbox, "00_outbound_4.eml"));
+}
+
+TEST_F(MoveToSentItemsTest, TheUploadReadsTheFileAsItStands) {
+  files::writeTextFile(outbox / "00_outbound_5.eml", "To: <you@y.org>\r\nSubject: Dots\r\n\r\n.\r\n..\r\n");
+  const OutboxMessage spooled = readOutboxMessage(outbox / "00_outbound_5.eml", home.log);
+  EXPECT_EQ(spooled.text, "To: <you@y.org>\r\nSubject: Dots\r\n\r\n.\r\n..\r\n");
+  EXPECT_EQ(spooled.fields.subject, "Dots");
+  EXPECT_EQ(spooled.fields.toEmail(), "<you@y.org>");
+  const OutboxMessage missing = readOutboxMessage(outbox / "gone.eml", home.log);
+  EXPECT_TRUE(missing.text.empty());
+  EXPECT_TRUE(missing.fields.toEmail().empty());
+}
+
 TEST_F(MoveToSentItemsTest, AFailedCopyLeavesTheOutboxFileAsItWas) {
   fs::remove_all(sent);
   files::writeTextFile(sent, "a file where the folder should be");
@@ -128,7 +150,21 @@ TEST(SpooledText, TheFirstBccHeaderGoesWithItsFoldedLines) {
 
 TEST(SpooledText, WireTextEndsEveryLineInCrLfAndLosesLoneLineFeeds) {
   EXPECT_EQ(wireText("A: 1\r\n\r\nline\nnext\rlast\r\n\r\n"), "A: 1\r\n\r\nlinenext\r\nlast");
-  EXPECT_EQ(wireText("a\r\n.dot"), "a\r\n..dot");
+  // The dots are the session's: the text keeps its own.
+  EXPECT_EQ(wireText("a\r\n.dot\r\n..\r\n."), "a\r\n.dot\r\n..\r\n.");
+}
+
+TEST(SpooledText, StoreHeadersAreCutFromTheHeaderOnly) {
+  const std::string body = "\r\nX-Message-Read: 1\r\nX-Receive-Date: kept in the body\r\n";
+  EXPECT_EQ(withoutStoreHeaders("From: a\r\nX-Receive-Date: 2026-11-23 09:30:15\r\nx-message-tags: Work,\r\n"
+                                "\tHome\r\nSubject: s\r\nX-Message-Read : 1\r\nX-Message-Replied: 1\r\n"
+                                "X-Message-HighPriority: 1\r\nX-Mailer: Vonel\r\n" + body),
+            "From: a\r\nSubject: s\r\nX-Mailer: Vonel\r\n" + body);
+  // Bare LF line ends, and a header without a body.
+  EXPECT_EQ(withoutStoreHeaders("From: a\nX-Message-Tags: \nTo: b\n\nX-Message-Tags: t\n"),
+            "From: a\nTo: b\n\nX-Message-Tags: t\n");
+  EXPECT_EQ(withoutStoreHeaders("To: b\r\nX-Message-Read: 1"), "To: b\r\n");
+  EXPECT_EQ(withoutStoreHeaders(""), "");
 }
 
 }  // namespace

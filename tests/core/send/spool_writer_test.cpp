@@ -41,7 +41,7 @@ struct SpoolCase {
   }
 };
 
-TEST(SpoolWriter, PlainMessageHeadersInOrder) {
+TEST(SpoolWriter, PlainMessageHeadersInOrderAndTheBodyAsWritten) {
   SpoolCase c;
   c.mail.fromDisplayName = "Me \"Quoted\", Myself";
   c.mail.recipient = {"a@x.org", "b@x.org", "c@x.org"};
@@ -50,7 +50,9 @@ TEST(SpoolWriter, PlainMessageHeadersInOrder) {
   c.mail.bccRecipient = {" hidden@x.org "};
   c.mail.replyToAddress = "reply@x.org";
   c.mail.inReplyTo = "<id@x.org>";
+  c.mail.messageId = "<new@example.org>";
   c.mail.receipt = true;
+  c.mail.message = ".\r\n..\r\n.x";
   EXPECT_EQ(c.spool(),
             "From: \"Me \"Quoted\", Myself\" <me@example.org>\r\n"
             "To: \"Ann\" <a@x.org>, \r\n    \"b@x.org\" <b@x.org>, \r\n    <c@x.org>\r\n"
@@ -59,6 +61,7 @@ TEST(SpoolWriter, PlainMessageHeadersInOrder) {
             "Reply-to: <reply@x.org>\r\n"
             "In-Reply-To: <id@x.org>\r\n"
             "Subject: Hi\r\n"
+            "Message-ID: <new@example.org>\r\n"
             "MIME-Version: 1.0\r\n"
             "X-Priority: 3\r\n"
             "X-MSMail-Priority: \r\n"
@@ -68,7 +71,7 @@ TEST(SpoolWriter, PlainMessageHeadersInOrder) {
             "\tcharset=\"iso-8859-1\"\r\n"
             "Content-Transfer-Encoding: 7bit\r\n"
             "\r\n\r\n"
-            "Body\r\n"
+            ".\r\n..\r\n.x\r\n"
             "\r\n");
 }
 

@@ -15,6 +15,7 @@ class RecordingListener : public SmtpListener {
   void onDisconnected() override { events.push_back("Disconnected"); }
   void onSendSuccessful() override { events.push_back("SendSuccessful"); }
   void onSendFailed(const std::string& errors) override { events.push_back("SendFailed:" + errors); }
+  void onMessageRefused(const std::string& reply) override { events.push_back("Refused:" + reply); }
   void onStatus(const std::string& text) override { events.push_back("Status:" + text); }
   void onProgress(std::int32_t percentage) override { events.push_back("Progress:" + std::to_string(percentage)); }
   // The events without the Status lines.

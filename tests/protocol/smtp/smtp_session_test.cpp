@@ -78,11 +78,15 @@ TEST(SmtpDialogue, KeptOpenConnectionCarriesTwoMessagesAndEmptyListsAreSkipped) 
   EXPECT_EQ(s.sessionState(), SmtpState::AwaitQuitReply);
 }
 
-TEST(SmtpDialogue, FailingReplyReportsItsTextAndClosesTheSocket) {
+TEST(SmtpDialogue, FailingReplyToASingleSendReportsItsTextAndClosesTheSocket) {
   SenderHome home;
   auto& s = *home.sender;
-  home.connectPlain();
   s.setRecipient("nobody@x.org");
+  s.send();
+  home.socket.socketState = SocketState::Connected;
+  s.onSocketConnected();
+  s.onDataReceived("220 hi\r\n");
+  s.onDataReceived("250 ok\r\n");
   s.send();
   s.onDataReceived("250 ok\r\n");
   s.onDataReceived("550   No such user  \r\n");
@@ -91,6 +95,79 @@ TEST(SmtpDialogue, FailingReplyReportsItsTextAndClosesTheSocket) {
   EXPECT_TRUE(s.failed());
   EXPECT_EQ(home.socket.closes, 1);
   EXPECT_FALSE(home.socket.timerOn);
+}
+
+// On a connection kept open, each step of a message can refuse it: the reply
+// is reported whole, RSET clears the transaction, and the next message goes
+// over the same connection.
+TEST(SmtpDialogue, RefusedMessageIsResetAndTheConnectionCarriesTheNext) {
+  const std::string script[] = {"250 ok\r\n", "250 ok\r\n", "250 ok\r\n", "250 ok\r\n", "354 go\r\n"};
+  for (int refusedAt = 0; refusedAt <= 5; ++refusedAt) {
+    SenderHome home;
+    auto& s = *home.sender;
+    home.connectPlain();
+    s.setRecipient("to@x.org");
+    s.setCcRecipient("cc@x.org");
+    s.setBccRecipient("bcc@x.org");
+    s.send();
+    for (int i = 0; i < refusedAt; ++i) s.onDataReceived(script[i]);
+    s.onDataReceived(refusedAt == 0 ? "451 4.3.0 try later\r\n" : "550-5.1.1 first line\r\n550 5.1.1 second\r\n");
+    EXPECT_EQ(home.listener.outcomes().back(),
+              refusedAt == 0 ? "Refused:451 4.3.0 try later" : "Refused:550-5.1.1 first line 550 5.1.1 second")
+        << refusedAt;
+    EXPECT_EQ(home.socket.last(), "RSET\r\n");
+    EXPECT_EQ(home.socket.closes, 0);
+    EXPECT_FALSE(s.failed());
+    s.onDataReceived("250 flushed\r\n");
+    EXPECT_EQ(home.listener.outcomes().back(), "Connected");
+    s.setRecipient("next@x.org");
+    s.setCcRecipient("");
+    s.setBccRecipient("");
+    s.send();
+    EXPECT_EQ(home.socket.last(), "MAIL FROM: <me@example.org>\r\n");
+    EXPECT_EQ(home.socket.connects, 1);
+  }
+}
+
+TEST(SmtpDialogue, AConnectionThatCannotGoOnAfterARefusalFails) {
+  // The server closes: 421 is no refusal of the message but of the connection.
+  SenderHome closing;
+  closing.connectPlain();
+  closing.sender->setRecipient("to@x.org");
+  closing.sender->send();
+  closing.sender->onDataReceived("421 4.7.0 closing\r\n");
+  EXPECT_EQ(closing.listener.outcomes().back(), "SendFailed:4.7.0 closing");
+  EXPECT_EQ(closing.socket.closes, 1);
+
+  SenderHome refusedReset;
+  refusedReset.connectPlain();
+  refusedReset.sender->setRecipient("to@x.org");
+  refusedReset.sender->send();
+  refusedReset.sender->onDataReceived("550 no\r\n");
+  refusedReset.sender->onDataReceived("502 no RSET here\r\n");
+  EXPECT_EQ(refusedReset.listener.outcomes(), (Events{"Connected", "Refused:550 no", "SendFailed:no RSET here"}));
+  EXPECT_EQ(refusedReset.socket.closes, 1);
+}
+
+TEST(SmtpDialogue, TheWireStuffsEachLineOnceAndTheTextStaysAsWritten) {
+  SenderHome home;
+  auto& s = *home.sender;
+  home.connectPlain();
+  s.setRecipient("to@x.org");
+  s.setMessage(".\r\n..\r\n.x\r\nx.\r\n. ");
+  EXPECT_EQ(s.message(), ".\r\n..\r\n.x\r\nx.\r\n. ");
+  s.send();
+  s.onDataReceived("250 ok\r\n");
+  s.onDataReceived("250 ok\r\n");
+  s.onDataReceived("354 go\r\n");
+  EXPECT_EQ(home.socket.last(), "Date: Mon, 23 Nov 2026 09:30:15 +0100\r\n..\r\n...\r\n..x\r\nx.\r\n.. \r\n\r\n.\r\n");
+  // A second message over the same connection is stuffed once too.
+  s.onDataReceived("250 ok\r\n");
+  s.send();
+  s.onDataReceived("250 ok\r\n");
+  s.onDataReceived("250 ok\r\n");
+  s.onDataReceived("354 go\r\n");
+  EXPECT_EQ(home.socket.last(), "Date: Mon, 23 Nov 2026 09:30:15 +0100\r\n..\r\n...\r\n..x\r\nx.\r\n.. \r\n\r\n.\r\n");
 }
 
 TEST(SmtpDialogue, EveryStateAcceptsOnlyItsOwnCode) {
@@ -356,8 +433,8 @@ TEST(SmtpProperties, ContentBaseBecomesAnHttpFolder) {
 
 TEST(SmtpProperties, MessageIsFormattedAndFlagsEightBitOfTheLastText) {
   SenderHome home;
-  home.sender->setMessage(".x");
-  EXPECT_EQ(home.sender->message(), "..x");
+  home.sender->setMessage(".x " + std::string(1000, 'x'));
+  EXPECT_EQ(home.sender->message(), ".x \r\n" + std::string(998, 'x') + "\r\n" + "xx");
   home.sender->setMessage("caf\xe9");
   EXPECT_TRUE(home.sender->fields().eightBit);
   home.sender->setMessage("cafe");

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <regex>
+
 #include "core/files/atomic_file.h"
 #include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "protocol/smtp/smtp_session.h"
 #include "sender_home.h"
 
@@ -54,6 +57,40 @@ TEST(SpoolToFile, FolderThatCannotTakeTheFileGivesTheDiskError) {
   home.sender->setRecipient("to@x.org");
   EXPECT_FALSE(home.sender->spoolToFile(home.dir.path() / "no such folder" / "x.eml"));
   EXPECT_EQ(home.listener.events, std::vector<std::string>{"SendFailed:Unable to spool message. Disk full/error?"});
+}
+
+TEST(SpoolToFile, AMessageWithoutIdGetsOneOnTheAccountsDomainAndKeepsItsOwn) {
+  SpoolHome home;
+  home.sender->setRecipient("to@x.org");
+  home.sender->setFrom("other@elsewhere.net");  // an override: the account's domain still names the id
+  ASSERT_TRUE(home.sender->spoolToFile(home.out()));
+  const std::string id = home.sender->messageId();
+  EXPECT_TRUE(std::regex_match(id, std::regex("<20261123093015\\.[0-9a-f]{24}@example\\.org>"))) << id;
+  EXPECT_NE(files::loadTextFile(home.out()).find("\r\nSubject: \r\nMessage-ID: " + id + "\r\n"), std::string::npos);
+
+  // Each new message gets its own; one that has an id keeps it.
+  home.sender->initialise(0);
+  home.sender->setRecipient("to@x.org");
+  ASSERT_TRUE(home.sender->spoolToFile(home.out()));
+  EXPECT_NE(home.sender->messageId(), id);
+  home.sender->setMessageId("<mine@x.org>");
+  ASSERT_TRUE(home.sender->spoolToFile(home.out()));
+  EXPECT_EQ(home.sender->messageId(), "<mine@x.org>");
+  const std::string text = files::loadTextFile(home.out());
+  EXPECT_NE(text.find("\r\nMessage-ID: <mine@x.org>\r\n"), std::string::npos);
+  EXPECT_EQ(text.find("Message-ID:"), text.rfind("Message-ID:"));
+
+  // Without an account address, the sender's domain; without either, localhost.
+  home.context.settings.set("ReplyAddress0", "");
+  home.sender->initialise(0);
+  home.sender->setRecipient("to@x.org");
+  home.sender->setFrom("someone@Mail.Example.COM>");
+  ASSERT_TRUE(home.sender->spoolToFile(home.out()));
+  EXPECT_TRUE(home.sender->messageId().ends_with("@Mail.Example.COM>")) << home.sender->messageId();
+  home.sender->initialise(0);
+  home.sender->setRecipient("to@x.org");
+  ASSERT_TRUE(home.sender->spoolToFile(home.out()));
+  EXPECT_TRUE(home.sender->messageId().ends_with("@localhost>")) << home.sender->messageId();
 }
 
 }  // namespace
