@@ -62,8 +62,9 @@ std::optional<std::string> EditedFile::read(const fs::path& file) {
     }
   }
   unread_ = Unread{file, badCopyName(file), true, false};
-  const std::string text = file.string() + " could not be read (" + *reason + "). Vonel goes on without it and keeps it as " +
-                           unread_->badCopy.filename().string() + " before it writes a new one.";
+  const std::string text = file.string() + " could not be read (" + *reason +
+                           "). Vonel goes on without it and keeps it as " + unread_->badCopy.filename().string() +
+                           " before it writes a new one.";
   log_.addAction(text);
   prompt_.showError(text, "");
   return std::nullopt;
@@ -80,15 +81,16 @@ bool EditedFile::mayReplace(const fs::path& file) {
   std::error_code ec;
   fs::rename(file, badCopy, ec);
   if (!ec || !isThere(file)) {
-    const std::string text =
-        file.string() + " could not be read; it was kept as " + badCopy.filename().string() + " before a new one was written.";
+    const std::string text = file.string() + " could not be read; it was kept as " + badCopy.filename().string() +
+                             " before a new one was written.";
     log_.addAction(text);
     if (!unread_->told) prompt_.showError(text, "");
     unread_.reset();
     return true;
   }
   const std::string text = file.string() + " could not be read, and keeping it as " + badCopy.filename().string() +
-                           " failed (" + ec.message() + "): it was left as it is, and the changes to it were not saved.";
+                           " failed (" + ec.message() +
+                           "): it was left as it is, and the changes to it were not saved.";
   log_.addAction(text);
   if (!unread_->refusalTold) prompt_.showError(text, "");
   unread_->refusalTold = true;

@@ -24,9 +24,6 @@ class EditedFile {
   // couldn't be read; false when that failed and the file must stay as it is.
   bool mayReplace(const std::filesystem::path& file);
 
-  // Why the file can't be read; nothing when it can, or isn't there.
-  static std::optional<std::string> unreadable(const std::filesystem::path& file);
-
  private:
   struct Unread {
     std::filesystem::path file;
@@ -35,6 +32,8 @@ class EditedFile {
     bool refusalTold = false;  // and that it was left alone
   };
 
+  // Why the file can't be read; nothing when it can, or isn't there.
+  static std::optional<std::string> unreadable(const std::filesystem::path& file);
   std::filesystem::path badCopyName(const std::filesystem::path& file) const;
 
   Log& log_;

@@ -43,7 +43,9 @@ std::optional<bool> stopFlag(std::string_view value) {
 // its name and how many rules of that name came before it, then the line.
 class RuleAnchors {
  public:
-  std::string next(std::string_view name) { return std::to_string(seen_[text::upper(name)]++) + '\x1f' + std::string(name) + '\x1f'; }
+  std::string next(std::string_view name) {
+    return std::to_string(seen_[text::upper(name)]++) + '\x1f' + std::string(name) + '\x1f';
+  }
 
  private:
   std::unordered_map<std::string, int> seen_;
@@ -80,16 +82,13 @@ class RuleReader {
       hold(line, std::string(kNameSlot));
       return;
     }
-    if (isRuleKey(key) && !current_) ++outsideRule_;
-    if (!isRuleKey(key) || !current_) {
-      if (current_) {
-        hold(line, {});
-      } else if (kept_) {
-        kept_->keep(line);
-      }
+    if (!current_) {
+      if (isRuleKey(key)) ++outsideRule_;
+      if (kept_) kept_->keep(line);
       return;
     }
-    hold(line, apply(key, parsed.value));
+    // Any other key is no part of the rule, but stays beside its lines.
+    hold(line, isRuleKey(key) ? apply(key, parsed.value) : std::string());
   }
 
   // The last rule goes in without the name search, so a read on top of
