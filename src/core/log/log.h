@@ -43,6 +43,7 @@ class Log {
   const std::string& currentAction() const { return currentAction_; }
 
   const AppInfo& info() const { return info_; }
+  const Clock& clock() const { return clock_; }
   std::size_t queuedEntries() const { return queue_.size(); }
 
  private:

@@ -2,7 +2,6 @@
 
 #include "core/files/atomic_file.h"
 #include "core/files/file_info.h"
-#include "core/files/file_text.h"
 #include "core/log/log_places.h"
 #include "core/message/address.h"
 #include "core/text/strings.h"
@@ -35,35 +34,45 @@ void AddressList::refresh() {
   load();
 }
 
-// Lines that are blank once trimmed are skipped; an entry is kept as read.
-// A repeated entry ends the read there, as the list never held duplicates.
+// Lines that are blank once trimmed are no entries; an entry is kept as read.
+// A repeated entry ends the read there, as the list never held duplicates;
+// it and the lines after it stay at the end of the file.
 void AddressList::load() {
   entries_.clear();
-  std::string text;
-  if (!files::fileExists(file_)) return;
-  if (!guardedStep(log_, log_places::kLoadList, kModule, [&] { text = files::loadTextFile(file_); })) return;
-  std::string_view rest = text;
+  keptLines_.clear();
+  const std::optional<std::string> text = source_.read(file_);
+  if (!text) return;
+  std::string_view rest = *text;
   while (!rest.empty()) {
     const std::string_view line = text::nextLine(rest);
-    if (text::trimView(line).empty()) continue;
+    if (text::trimView(line).empty()) {
+      keptLines_.keep(line);
+      continue;
+    }
     if (!entries_.add(std::string(line), true)) {
-      const std::string entry(line);
-      log_.addAction("\"" + entry + "\" is listed twice in " + file_.filename().string() +
+      log_.addAction("\"" + std::string(line) + "\" is listed twice in " + file_.filename().string() +
                          "; the entries after it were not read",
                      log_places::kLoadList, kModule);
+      keptLines_.keepAtEnd(line);
+      while (!rest.empty()) keptLines_.keepAtEnd(text::nextLine(rest));
       return;
     }
+    keptLines_.understood(line);
   }
 }
 
+// An emptied list erases its file, unless the file holds lines to keep.
 void AddressList::save() {
+  if (!source_.mayReplace(file_)) return;
   guardedStep(log_, log_places::kSaveList, kModule, [&] {
-    if (entries_.empty()) {
+    if (entries_.empty() && keptLines_.empty()) {
       files::eraseFile(file_);
       return;
     }
     std::string text;
-    for (const auto& entry : entries_) text.append(entry.key).append("\r\n");
+    files::KeptLines::Writer writer(&keptLines_, text);
+    for (const auto& entry : entries_) writer.line(entry.key, entry.key);
+    writer.finish();
     files::writeTextFile(file_, text);
   });
   stamp_ = modifiedTime(file_);

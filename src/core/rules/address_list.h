@@ -2,12 +2,16 @@
 // One of the plain address lists the check consults (blocked senders,
 // ignored recipients, ...): a file of one entry a line, held in memory with
 // the entry as its own case-blind key, and read again only when the file's
-// time has changed since the last read.
+// time has changed since the last read. Lines that are no entries stay in
+// place when the file is written again.
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "core/files/edited_file.h"
+#include "core/files/kept_lines.h"
+#include "core/interaction/prompt.h"
 #include "core/log/log.h"
 #include "core/text/keyed_collection.h"
 
@@ -19,7 +23,8 @@ std::string domainOf(std::string_view address);
 
 class AddressList {
  public:
-  AddressList(std::filesystem::path file, Log& log) : file_(std::move(file)), log_(log) {}
+  AddressList(std::filesystem::path file, Log& log, Prompt& prompt)
+      : file_(std::move(file)), log_(log), source_(log, prompt) {}
 
   // Reads the file again when its time differs from the last read.
   void refresh();
@@ -39,6 +44,8 @@ class AddressList {
   std::filesystem::path file_;
   Log& log_;
   text::KeyedCollection<bool> entries_;
+  files::KeptLines keptLines_;
+  files::EditedFile source_;
   std::optional<std::filesystem::file_time_type> stamp_;
   bool stamped_ = false;  // a missing file has no time, which is itself a stamp
 };

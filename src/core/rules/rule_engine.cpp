@@ -2,8 +2,6 @@
 
 #include <cstdint>
 
-#include "core/files/file_info.h"
-#include "core/files/file_text.h"
 #include "core/log/log_places.h"
 #include "core/message/address.h"
 #include "core/store/suppress_message.h"
@@ -33,15 +31,15 @@ void markSuspicious(message::Message& m, const FilterRule& rule) {
 
 }  // namespace
 
-RuleEngine::Lists::Lists(const std::filesystem::path& folder, Log& log)
-    : ignored(folder / "Ignore.txt", log),
-      senders(folder / "Blocked.txt", log),
-      domains(folder / "BlockedDomains.txt", log),
-      recipients(folder / "BlockedRecip.txt", log),
-      recipientDomains(folder / "BlockedRecipDomains.txt", log) {}
+RuleEngine::Lists::Lists(const std::filesystem::path& folder, Log& log, Prompt& prompt)
+    : ignored(folder / "Ignore.txt", log, prompt),
+      senders(folder / "Blocked.txt", log, prompt),
+      domains(folder / "BlockedDomains.txt", log, prompt),
+      recipients(folder / "BlockedRecip.txt", log, prompt),
+      recipientDomains(folder / "BlockedRecipDomains.txt", log, prompt) {}
 
 RuleEngine::Lists& RuleEngine::lists() {
-  if (!lists_) lists_ = std::make_unique<Lists>(ctx_.folders.dataFolderPath, ctx_.log);
+  if (!lists_) lists_ = std::make_unique<Lists>(ctx_.folders.dataFolderPath, ctx_.log, ctx_.prompt);
   return *lists_;
 }
 
@@ -58,16 +56,13 @@ void RuleEngine::prepareRules() {
 
 void RuleEngine::reloadFilters(bool local) {
   ruleFile_ = ctx_.folders.dataFolderPath / (local ? "LocalRules.txt" : "Rules.txt");
-  if (files::fileExists(ruleFile_)) {
-    std::string text;
-    if (guardedStep(ctx_.log, log_places::kLoadFilters, kModule, [&] { text = files::loadTextFile(ruleFile_); })) {
-      readRules(text, rules_, true, ctx_.log);
-      const Value saved = ctx_.settings.get(digestKey(), Value(""));
-      changedOutside_ = saved.text() != textDigest(text);
-    }
-  } else {
-    rules_.clear();
-    changedOutside_ = false;
+  rules_.clear();
+  keptLines_.clear();
+  changedOutside_ = false;
+  if (const std::optional<std::string> text = ruleSource_.read(ruleFile_)) {
+    readRules(*text, rules_, true, ctx_.log, &keptLines_);
+    const Value saved = ctx_.settings.get(digestKey(), Value(""));
+    changedOutside_ = saved.text() != textDigest(*text);
   }
   prepareRules();
   Lists& all = lists();
@@ -76,10 +71,14 @@ void RuleEngine::reloadFilters(bool local) {
   }
 }
 
+// Lines of the rule file that held no rule go back into it, not into other files.
 bool RuleEngine::saveRules(const std::filesystem::path& file, bool sharedOnly) {
-  if (!rules::saveFilters(file, rules_, sharedOnly, ctx_.log)) return false;
-  if (file == ruleFile_) {
-    ctx_.settings.set(digestKey(), Value(textDigest(ruleFileText(rules_, sharedOnly))));
+  const bool ownFile = file == ruleFile_;
+  if (ownFile && !ruleSource_.mayReplace(file)) return false;
+  const files::KeptLines* kept = ownFile ? &keptLines_ : nullptr;
+  if (!rules::saveFilters(file, rules_, sharedOnly, ctx_.log, kept)) return false;
+  if (ownFile) {
+    ctx_.settings.set(digestKey(), Value(textDigest(ruleFileText(rules_, sharedOnly, kept))));
     changedOutside_ = false;
   }
   return true;

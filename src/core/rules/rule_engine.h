@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/files/edited_file.h"
+#include "core/files/kept_lines.h"
 #include "core/rules/address_list.h"
 #include "core/rules/message_check.h"
 #include "core/rules/prepared_rule.h"
@@ -27,13 +29,14 @@ inline constexpr std::int32_t kPurple = 8388736;
 
 class RuleEngine final : public MessageCheck {
  public:
-  explicit RuleEngine(AppContext& context) : ctx_(context) {}
+  explicit RuleEngine(AppContext& context) : ctx_(context), ruleSource_(context.log, context.prompt) {}
 
   // Without a scorer every message scores 0.01.
   void setScorer(SpamScorer* scorer) { scorer_ = scorer; }
 
   // Loads "LocalRules.txt" when `local`, else "Rules.txt", from the data
-  // folder, and brings the five lists up to date.
+  // folder, and brings the five lists up to date. The lines of the rule file
+  // that hold no rule are written back with the rules.
   void reloadFilters(bool local);
   const RuleSet& rules() const { return rules_; }
   // In place of the current set, in memory only.
@@ -72,7 +75,7 @@ class RuleEngine final : public MessageCheck {
 
  private:
   struct Lists {
-    explicit Lists(const std::filesystem::path& folder, Log& log);
+    Lists(const std::filesystem::path& folder, Log& log, Prompt& prompt);
     AddressList ignored;
     AddressList senders;
     AddressList domains;
@@ -100,6 +103,8 @@ class RuleEngine final : public MessageCheck {
   RuleSet rules_;
   std::vector<PreparedRule> prepared_;  // refers into rules_, made again whenever it changes
   std::filesystem::path ruleFile_;
+  files::EditedFile ruleSource_;
+  files::KeptLines keptLines_;
   std::unique_ptr<Lists> lists_;
   bool changedOutside_ = false;  // the rule file differs from the program's last save
 };

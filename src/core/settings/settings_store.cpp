@@ -5,7 +5,6 @@
 
 #include "core/files/atomic_file.h"
 #include "core/files/file_info.h"
-#include "core/files/file_text.h"
 #include "core/log/app_error.h"
 #include "core/log/log_places.h"
 #include "core/log/show_error.h"
@@ -35,7 +34,7 @@ std::string setComparable(const Value& value) {
 
 }  // namespace
 
-SettingsStore::SettingsStore(Log& log, Prompt& prompt) : log_(log), prompt_(prompt) {}
+SettingsStore::SettingsStore(Log& log, Prompt& prompt) : log_(log), prompt_(prompt), source_(log, prompt) {}
 
 void SettingsStore::setLocalBooleanWords(std::string trueWord, std::string falseWord) {
   localTrue_ = text::upper(text::trimView(trueWord));
@@ -105,16 +104,16 @@ void SettingsStore::deleteSetting(int index) {
 
 std::string SettingsStore::fileText() const {
   std::string out;
+  files::KeptLines::Writer writer(&keptLines_, out);
   for (const auto& entry : settings_) {
-    out += text::upper(entry.value.keyName);
-    out += ',';
-    out += entry.value.keyValue.fileForm();
-    out += "\r\n";
+    writer.line(entry.key, text::upper(entry.value.keyName) + ',' + entry.value.keyValue.fileForm());
   }
+  writer.finish();
   return out;
 }
 
 bool SettingsStore::saveSettings(const std::filesystem::path& file) {
+  if (!source_.mayReplace(file)) return false;
   bool madeWritable = false;
   for (;;) {
     if (files::isReadOnly(file) && !files::makeReadWrite(file)) {
@@ -148,37 +147,37 @@ bool SettingsStore::saveSettings(const std::filesystem::path& file) {
 
 void SettingsStore::loadSettings(const std::filesystem::path& file) {
   deleteAllSettings();
-  if (!files::fileExists(file)) return;
-  std::string bytes;
-  try {
-    bytes = files::loadTextFile(file);
-  } catch (const AppError& e) {
-    logFailure(log_, e, log_places::kLoadSettings, kModule);
-    return;
-  }
-  loadSettingsFromText(bytes, file.string());
+  keptLines_.clear();
+  if (const std::optional<std::string> bytes = source_.read(file)) loadSettingsFromText(*bytes, file.string());
 }
 
+// A line without a comma or without a key holds no setting; it is kept, and
+// so is one whose reading failed.
 void SettingsStore::loadSettingsFromText(std::string_view bytes, const std::string& source) {
   deleteAllSettings();
+  keptLines_.clear();
   std::size_t from = 0;
-  while (from <= bytes.size()) {
+  while (from < bytes.size()) {
     std::size_t end = bytes.find("\r\n", from);
     if (end == std::string_view::npos) end = bytes.size();
     const std::string_view line = bytes.substr(from, end - from);
     from = end + 2;
+    const auto comma = line.find(',');
+    const std::string_view key = line.substr(0, comma);
+    if (comma == std::string_view::npos || text::trimView(key).empty()) {
+      keptLines_.keep(line);
+      continue;
+    }
     try {
-      const auto comma = line.find(',');
-      if (comma == std::string_view::npos) continue;
-      const std::string_view key = line.substr(0, comma);
-      if (text::trimView(key).empty()) continue;
       const std::string_view value = line.substr(comma + 1);
       if (const auto word = booleanWord(value)) {
         addSetting(key, Value(*word ? -1 : 0));
       } else {
         addSetting(key, Value(value));
       }
+      keptLines_.understood(key);
     } catch (const AppError& e) {
+      keptLines_.keep(line);
       showError(prompt_, "Error " + std::to_string(e.number()) + " in setting file. Line: " + std::string(line) +
                            " of " + source);
     }

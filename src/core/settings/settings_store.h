@@ -3,12 +3,16 @@
 // they were first added, read whole from and written whole to a small text
 // file of "KEY,VALUE" lines. Names ignore case. Sets are numbered lists kept
 // under KEY_1, KEY_2, ... with the last index given out in KEY_INDEX.
+// Lines of the file that hold no setting stay where they were when the file
+// is written again; a file that can't be read is set aside before that.
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "core/files/edited_file.h"
+#include "core/files/kept_lines.h"
 #include "core/log/log.h"
 #include "core/interaction/prompt.h"
 #include "core/settings/value.h"
@@ -57,7 +61,8 @@ class SettingsStore {
   int setCount(std::string_view set) const;
   void deleteASet(std::string_view set);
 
-  // The whole table in its file form, as saveSettings writes it.
+  // The whole table in its file form, as saveSettings writes it, with the
+  // lines of the last file read that held no setting.
   std::string fileText() const;
 
  private:
@@ -74,6 +79,8 @@ class SettingsStore {
   std::string localTrue_;
   std::string localFalse_;
   text::KeyedCollection<Setting> settings_;
+  files::KeptLines keptLines_;
+  files::EditedFile source_;
 };
 
 }  // namespace vonel

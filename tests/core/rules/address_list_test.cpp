@@ -18,7 +18,7 @@ class AddressListTest : public ::testing::Test {
 
 TEST_F(AddressListTest, ReadsEntriesAsWrittenAndStopsAtARepeat) {
   files::writeTextFile(file(), "Ann@Example.com \r\n   \r\n\r\nbob@example.com\r\nANN@example.com \r\nlate@example.com\r\n");
-  AddressList list(file(), home.log);
+  AddressList list(file(), home.log, home.prompt);
   list.refresh();
   EXPECT_EQ(list.size(), 2u);
   EXPECT_TRUE(list.contains("ann@example.com "));  // untrimmed, any case
@@ -27,7 +27,7 @@ TEST_F(AddressListTest, ReadsEntriesAsWrittenAndStopsAtARepeat) {
 }
 
 TEST_F(AddressListTest, ChangesAreWrittenAndAnEmptiedListRemovesItsFile) {
-  AddressList list(file(), home.log);
+  AddressList list(file(), home.log, home.prompt);
   list.refresh();
   EXPECT_EQ(list.size(), 0u);
   list.add("one@example.com");
@@ -42,13 +42,35 @@ TEST_F(AddressListTest, ChangesAreWrittenAndAnEmptiedListRemovesItsFile) {
 }
 
 TEST_F(AddressListTest, AFileChangedElsewhereIsReadAtTheNextChange) {
-  AddressList list(file(), home.log);
+  AddressList list(file(), home.log, home.prompt);
   list.add("mine@example.com");
   files::writeTextFile(file(), "theirs@example.com\r\n");
   std::filesystem::last_write_time(file(), std::filesystem::last_write_time(file()) + std::chrono::seconds(5));
   EXPECT_TRUE(list.contains("mine@example.com"));  // look-ups never read the disk
   list.add("third@example.com");
   EXPECT_EQ(files::loadTextFile(file()), "theirs@example.com\r\nthird@example.com\r\n");
+}
+
+TEST_F(AddressListTest, LinesThatAreNoEntriesStayInPlace) {
+  files::writeTextFile(file(), "a@example.com\r\n\r\n   \nb@example.com\r\nA@EXAMPLE.COM\r\nunread@example.com\r\n");
+  AddressList list(file(), home.log, home.prompt);
+  list.add("new@example.com");
+  // The entries after the repeat stay unread, after everything, so the new one is read next time.
+  EXPECT_EQ(files::loadTextFile(file()),
+            "a@example.com\r\n\r\n   \r\nb@example.com\r\nnew@example.com\r\nA@EXAMPLE.COM\r\nunread@example.com\r\n");
+  list.remove("a@example.com");
+  list.remove("b@example.com");
+  list.remove("new@example.com");
+  EXPECT_EQ(files::loadTextFile(file()), "\r\n   \r\nA@EXAMPLE.COM\r\nunread@example.com\r\n");
+}
+
+TEST_F(AddressListTest, AnUnreadableListIsSetAsideBeforeItIsWritten) {
+  std::filesystem::create_directory(file());
+  AddressList list(file(), home.log, home.prompt);
+  list.add("one@example.com");
+  EXPECT_NE(home.prompt.lastError.find("Blocked.txt could not be read"), std::string::npos);
+  EXPECT_EQ(files::loadTextFile(file()), "one@example.com\r\n");
+  EXPECT_TRUE(std::filesystem::is_directory(home.dir.path() / "Blocked.txt.bad-20261123-093015"));
 }
 
 TEST(DomainOfTest, TakesWhatFollowsTheAtOfTheAddress) {

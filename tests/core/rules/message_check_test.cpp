@@ -322,5 +322,28 @@ TEST_F(MessageCheckTest, RuleFilesComeFromTheDataFolderAndTheirOwnerIsTracked) {
   EXPECT_EQ(reread.rules()[1].filterName, "fresh");
 }
 
+TEST_F(MessageCheckTest, TheRuleFileKeepsItsOtherLinesAndAnUnreadableOneIsSetAside) {
+  const auto folder = home.context.folders.dataFolderPath;
+  const std::string text = "; edited by hand\r\nFiltername, a\r\nFilterAction, 100\r\nFilterDest, \r\n"
+                           "FilterStop, 0\r\nFilter_Category,  0 \r\n";
+  files::writeTextFile(folder / "Rules.txt", text);
+  RuleEngine server(home.context);
+  server.reloadFilters(false);
+  ASSERT_TRUE(server.saveFilters());
+  EXPECT_EQ(files::loadTextFile(folder / "Rules.txt"), text);
+  ASSERT_TRUE(server.exportFilters(home.dir.path() / "export.txt", false));
+  EXPECT_EQ(files::loadTextFile(home.dir.path() / "export.txt"), text.substr(text.find("Filtername")));
+
+  std::filesystem::remove(folder / "LocalRules.txt");
+  std::filesystem::create_directory(folder / "LocalRules.txt");
+  RuleEngine local(home.context);
+  local.reloadFilters(true);
+  EXPECT_NE(home.prompt.lastError.find("LocalRules.txt could not be read"), std::string::npos);
+  local.setRules({rule("new", "Subject:", "cnt", "x", "300")});
+  ASSERT_TRUE(local.saveFilters());
+  EXPECT_TRUE(std::filesystem::is_directory(folder / "LocalRules.txt.bad-20261123-093015"));
+  EXPECT_NE(files::loadTextFile(folder / "LocalRules.txt").find("Filtername, new"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace vonel::rules

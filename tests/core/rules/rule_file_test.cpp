@@ -104,6 +104,50 @@ TEST_F(RuleFileTest, AFifthConditionEndsTheReadKeepingEarlierRules) {
   EXPECT_THROW(counted[0].fields(5), AppError);
 }
 
+TEST_F(RuleFileTest, LinesThatMakeNoRuleAreWrittenBackInPlace) {
+  const std::string junk = std::string("\x01\xff binary\x00 bytes", 17);
+  const std::string text = "# my rules\r\nFilterField, before any rule\r\n"
+                           "Filtername, a\r\nFilterField, Subject:\r\nNote, about a\r\nFilterComparison, cnt\r\n"
+                           "FilterString, x\r\nFilterAction, 100\r\nFilterDest, \r\nFilterStop, 0\r\n"
+                           "Filter_Category,  0 \r\n\r\n" + junk + "\r\n"
+                           "Filtername, skipped\r\nFilterStop, maybe\r\n"
+                           "Filtername, b\r\nFilterAction, 400\r\nFilterDest, \r\nFilterStop, -1\r\nFilter_Category,  1 \r\n";
+  files::KeptLines kept;
+  RuleSet rules;
+  readRules(text, rules, true, home.log, &kept);
+  ASSERT_EQ(rules.size(), 2u);
+  EXPECT_EQ(rules[1].filterName, "b");
+  EXPECT_EQ(ruleFileText(rules, false, &kept), text);
+  EXPECT_EQ(ruleFileText(rules, false).find("about a"), std::string::npos);  // exports hold rules only
+
+  // A line in a form other than the written one is rewritten; the kept lines
+  // stay beside the rule lines they followed.
+  readRules("filtername, c\nfilteraction, 2\nX-Old, 1\nFilterStop, True\n", rules, true, home.log, &kept);
+  EXPECT_EQ(ruleFileText(rules, false, &kept),
+            "Filtername, c\r\nFilterAction, 300\r\nX-Old, 1\r\nFilterDest, \r\nFilterStop, -1\r\n"
+            "Filter_Category,  0 \r\n");
+}
+
+TEST_F(RuleFileTest, TheRestOfTheFileFromALineThatEndsTheReadStaysAfterAllRules) {
+  std::string failing = "Filtername, five\r\n";
+  for (int i = 0; i < 5; ++i) failing += "FilterField, Subject:\r\nFilterComparison, cnt\r\nFilterString, x\r\n";
+  failing += "Filtername, after\r\nFilterAction, 100\r\n";
+  files::KeptLines kept;
+  RuleSet rules;
+  readRules("Filtername, kept\r\nFilterAction, 100\r\n" + failing, rules, true, home.log, &kept);
+  ASSERT_EQ(rules.size(), 1u);  // the read ends as before
+
+  // A rule added since is written ahead of the unread lines, so the next read finds it.
+  rules.push_back(rules[0]);
+  rules[1].filterName = "added";
+  const std::string written = ruleFileText(rules, false, &kept);
+  EXPECT_TRUE(written.ends_with("FilterStop, 0\r\nFilter_Category,  0 \r\n" + failing)) << written;
+  RuleSet again;
+  readRules(written, again, true, home.log, &kept);
+  EXPECT_EQ(again, rules);
+  EXPECT_EQ(ruleFileText(again, false, &kept), written);
+}
+
 TEST_F(RuleFileTest, BadStopFlagSkipsOnlyThatRule) {
   const RuleSet rules = read("Filtername, a\nFilterStop, maybe\nFiltername, b\nFilterStop, 0\n");
   ASSERT_EQ(rules.size(), 1u);

@@ -128,6 +128,59 @@ TEST_F(SettingsTest, AFolderThatRefusesWritesCancelsTheSaveAndKeepsTheOldFile) {
   EXPECT_EQ(files::loadTextFile(folder / "Vonel.ini"), "OLD,1\r\n");
 }
 
+TEST_F(SettingsTest, LinesThatHoldNoSettingAreWrittenBackInPlace) {
+  const std::string binary = "\x00\x01\xff\xfe junk \x7f"s;
+  const std::string text = "TITLE0,Home\r\nSERVER0=x\r\n" + binary + "\r\n\r\n,no key\r\n  ,blank key\r\n"
+                           "SERVER0,pop.example.org\r\n[Section]\r\nLAST,1\r\ntrailing without line end";
+  files::writeTextFile(file(), text);
+  settings.loadSettings(file());
+  EXPECT_EQ(settings.settingsCount(), 3);
+  ASSERT_TRUE(settings.saveSettings(file()));
+  EXPECT_EQ(files::loadTextFile(file()), text + "\r\n");
+
+  // Changes move no kept line: a changed value stays, a deleted key leaves
+  // its neighbour's lines before the next key, a new key goes at the end.
+  settings.set("Server0", Value("other"));
+  settings.deleteSettingByName("TITLE0");
+  settings.set("NEW", Value(5));
+  EXPECT_EQ(settings.fileText(), "SERVER0=x\r\n" + binary + "\r\n\r\n,no key\r\n  ,blank key\r\n"
+                                 "SERVER0,other\r\n[Section]\r\nLAST,1\r\ntrailing without line end\r\nNEW, 5 \r\n");
+}
+
+TEST_F(SettingsTest, MixedLineEndsAndRepeatedKeysReadAndWriteBackAsDocumented) {
+  // Only CR LF ends a line: a bare LF stays inside its line, kept or not.
+  load("A,1\nB,2\r\nno comma\nat all\r\nsecond\r\r\nA,3\r\nafter A\r\n");
+  EXPECT_EQ(settings.settingsCount(), 1);
+  EXPECT_EQ(settings.get("A").text(), "3");
+  // The repeated key keeps its first place; the line after it stays after
+  // what came before it.
+  EXPECT_EQ(settings.fileText(), "A,3\r\nno comma\nat all\r\nsecond\r\r\nafter A\r\n");
+
+  load("lower,true\r\n\r\n");
+  EXPECT_EQ(settings.fileText(), "LOWER,-1 \r\n\r\n");
+  load("");
+  EXPECT_EQ(settings.fileText(), "");
+}
+
+TEST_F(SettingsTest, AnUnreadableFileIsSetAsideBeforeItIsWritten) {
+  std::filesystem::create_directory(file());
+  settings.loadSettings(file());
+  EXPECT_EQ(settings.settingsCount(), 0);
+  EXPECT_NE(home.prompt.lastError.find("Vonel.ini could not be read"), std::string::npos);
+  settings.set("NEW", Value("1"));
+  ASSERT_TRUE(settings.saveSettings(file()));
+  EXPECT_EQ(files::loadTextFile(file()), "NEW,1\r\n");
+  EXPECT_TRUE(std::filesystem::is_directory(home.dir.path() / "Vonel.ini.bad-20261123-093015"));
+
+  // A file that can't even be set aside is not written at all.
+  const auto locked = home.dir.path() / (std::string(250, 'x') + ".ini");
+  std::filesystem::create_directory(locked);
+  settings.loadSettings(locked);
+  EXPECT_FALSE(settings.saveSettings(locked));
+  EXPECT_NE(home.prompt.lastError.find("the changes to it were not saved"), std::string::npos);
+  EXPECT_TRUE(std::filesystem::is_directory(locked));
+}
+
 class SetsTest : public SettingsTest {};
 
 TEST_F(SetsTest, DeletingAMemberClosesTheGap) {
