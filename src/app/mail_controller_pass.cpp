@@ -4,6 +4,7 @@
 
 #include "app/qtext.h"
 #include "app/status_line.h"
+#include "core/store/screened_folder.h"
 #include "core/store/suppress_message.h"
 #include "core/text/strings.h"
 
@@ -12,6 +13,7 @@ namespace vonel {
 void MailController::startPass(const PassRequest& request) {
   if (passRunning_ || !pop3_) return;
   pass_ = request;
+  guardedStep(ctx_.log, "ProcessMail", kLogModule, [&] { store::removeOldScreened(ctx_); });
   windows_.showPassRunning(true);
   autoScan_.stop();
   tray_.start();

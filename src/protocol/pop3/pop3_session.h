@@ -1,7 +1,8 @@
 #pragma once
 // The POP3 client: one session on one account at a time, driven wholly by the
 // data that arrives. It walks the mailbox with "TOP n 1", has each header
-// judged, and then deletes, lists or downloads the message. It knows no
+// judged, and then deletes, lists or downloads the message; a download
+// passes over what an earlier one stored, known by UIDL. It knows no
 // sockets and no windows: bytes come in, commands go out through the Link,
 // and what it learns goes to its owner as events.
 #include <array>
@@ -10,12 +11,15 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "core/rules/message_check.h"
 #include "core/context/app_context.h"
 #include "core/settings/accounts.h"
 #include "protocol/link.h"
+#include "protocol/pop3/multi_line_decoder.h"
 #include "protocol/pop3/pop3_listener.h"
 #include "protocol/socket_error.h"
 
@@ -35,6 +39,8 @@ enum class Pop3State {
   AwaitSpamDeleReply = 8,   // a failing header's message deleted during the walk
   AwaitDeleteAllReply = 9,  // one DELE of the run that empties the mailbox
   AwaitQuitReply = 10,
+  AwaitUidlLines = 11,
+  AwaitStoredDeleReply = 12,  // a message stored by an earlier, cut-off run, deleted on retrieve
 };
 
 class Pop3Session {
@@ -68,7 +74,7 @@ class Pop3Session {
     // still erases the file.
     bool downloading = false;
     std::filesystem::path tempFileName;
-    std::string packetTail;  // the last three bytes of the download so far
+    MultiLineDecoder download;  // the RETR reply's data, on its way to the file
   };
 
   // Starting and ending (pop3_session.cpp).
@@ -85,17 +91,20 @@ class Pop3Session {
   void onGreeting();
   void onListLines(const std::string& packet);
   void onStat(const std::string& packet);
+  void onUidlLines(const std::string& packet);
   void onDeleteAllReply();
   void onQuitReply();
 
   // The header walk and each header's verdict (pop3_session_headers.cpp).
   void onTopLines(const std::string& packet);
   void requestNextHeader(bool logLastMessage);
+  bool skipStoredMessages();
 
   // A download through a temporary file (pop3_session_download.cpp).
   void onRetrLines(const std::string& packet);
   void onRetrComplete();
   void closeTempFile(bool erase);
+  bool deleteOnRetrieve() const;
 
   void send(const std::string& command);
   void sendCommand(Pop3State awaited, const std::string& command);
@@ -125,6 +134,10 @@ class Pop3Session {
   Pop3State state_ = Pop3State::AwaitGreeting;
   std::string lastPacket_;
   Pop3Reply reply_;
+  // From UIDL in a download: each message's unique id, and the numbers of
+  // those already in the store.
+  std::unordered_map<long, std::string> uniqueIds_;
+  std::unordered_set<long> storedBefore_;
 
   std::string pending_;              // received bytes not yet handed to onPacket
   std::size_t scanned_ = 0;          // how much of pending_ is known to hold no line end
