@@ -75,6 +75,7 @@ class Pop3Session {
     bool downloading = false;
     std::filesystem::path tempFileName;
     MultiLineDecoder download;  // the RETR reply's data, on its way to the file
+    std::size_t bytesWritten = 0;  // of the download, to the file
   };
 
   // Starting and ending (pop3_session.cpp).
@@ -91,19 +92,22 @@ class Pop3Session {
   void onGreeting();
   void onListLines(const std::string& packet);
   void onStat(const std::string& packet);
-  void onUidlLines(const std::string& packet);
   void onDeleteAllReply();
   void onQuitReply();
 
   // The header walk and each header's verdict (pop3_session_headers.cpp).
   void onTopLines(const std::string& packet);
   void requestNextHeader(bool logLastMessage);
-  bool skipStoredMessages();
 
   // A download through a temporary file (pop3_session_download.cpp).
   void onRetrLines(const std::string& packet);
   void onRetrComplete();
   void closeTempFile(bool erase);
+
+  // Mail that an earlier download stored, known by UIDL (pop3_session_fetched.cpp).
+  void onUidlLines(const std::string& packet);
+  void matchStoredIds(const std::unordered_set<std::string>& listed);
+  bool skipStoredMessages();
   bool deleteOnRetrieve() const;
 
   void send(const std::string& command);

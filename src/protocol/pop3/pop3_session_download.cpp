@@ -11,6 +11,7 @@ namespace vonel::pop3 {
 void Pop3Session::onRetrLines(const std::string& packet) {
   if (!reply_.downloading) {
     reply_.download.reset();
+    reply_.bytesWritten = 0;
     logAction("Opening temporary output file for inbound message");
     const text::DateTime now = ctx_.clock.now();
     const int secondsSinceMidnight = now.hour * 3600 + now.minute * 60 + now.second;
@@ -27,6 +28,7 @@ void Pop3Session::onRetrLines(const std::string& packet) {
   std::string data;
   const bool complete = reply_.download.decode(packet, data);
   tempFile_.write(data.data(), static_cast<std::streamsize>(data.size()));
+  reply_.bytesWritten += data.size();
   if (!tempFile_) {
     endWithError("Unable to write temporary mail file");
     return;
@@ -36,9 +38,16 @@ void Pop3Session::onRetrLines(const std::string& packet) {
 
 void Pop3Session::onRetrComplete() {
   tempFile_.close();
+  const bool closed = !tempFile_.fail();
   std::string text = files::loadTextFile(reply_.tempFileName);
   files::eraseFile(reply_.tempFileName);
   reply_.downloading = false;
+  // A full disk shows itself at the latest when the buffered rest is written
+  // out: what came back short is no message, and stays on the server.
+  if (!closed || text.size() != reply_.bytesWritten) {
+    endWithError("Unable to write temporary mail file");
+    return;
+  }
 
   message::Message message(&ctx_.log, &ctx_.clock);
   message.createFromText(std::move(text), false);

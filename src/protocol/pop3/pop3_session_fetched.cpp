@@ -48,6 +48,13 @@ void Pop3Session::onUidlLines(const std::string& packet) {
     uniqueIds_[number] = id;
   }
   reply_.replyBuffer.clear();
+  matchStoredIds(listed);
+  requestNextHeader(true);
+}
+
+// Notes which listed messages are in the store, and forgets the ids of
+// those the server no longer holds.
+void Pop3Session::matchStoredIds(const std::unordered_set<std::string>& listed) {
   // Without the file of stored ids, every message counts as new: stored twice beats lost.
   guardedStep(ctx_.log, "UIDL", kModule, [&] {
     store::FetchedIds fetched(ctx_.folders.dataFolderPath, account_);
@@ -56,7 +63,6 @@ void Pop3Session::onUidlLines(const std::string& packet) {
     }
     fetched.keepOnly(listed);
   });
-  requestNextHeader(true);
 }
 
 // Passes over the messages an earlier download stored. With delete on

@@ -213,6 +213,7 @@ void Pop3Session::onStat(const std::string& packet) {
     case Mode::Download:
       if (reply_.messageCount < 1) {
         logAction("No mail. Sending QUIT command");
+        if (mode_ == Mode::Download) matchStoredIds({});
         events_.onNoMail(accountTitle);
         sendQuit();
         return;

@@ -370,6 +370,14 @@ TEST_P(Pop3SessionTest, ADownloadPassesOverWhatAnEarlierOneStored) {
   session.getMessages(0, false);
   run();
   EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|UIDL|QUIT|");
+
+  // An empty mailbox holds none of them any more.
+  mailbox({});
+  server.commands.clear();
+  session.getMessages(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|QUIT|");
+  EXPECT_EQ(files::loadTextFile(fetched), "");
 }
 
 TEST_P(Pop3SessionTest, DeletingOnRetrieveDeletesWhatACutOffRunStored) {
