@@ -61,7 +61,10 @@ void FetchedIds::keepOnly(const std::unordered_set<std::string>& listed) {
 
 void FetchedIds::beginStoring(const std::string& id, const fs::path& file) {
   pendingId_ = id;
-  files::writeTextFile(pendingFile_, id + std::string(kLineEnd) + files::textFromPath(file) + std::string(kLineEnd));
+  // Not waited for: a killed program leaves it to the system all the same,
+  // and a power cut that loses it can only get the message stored twice.
+  files::writeTextFile(pendingFile_, id + std::string(kLineEnd) + files::textFromPath(file) + std::string(kLineEnd),
+                       files::Durability::Unsynced);
 }
 
 void FetchedIds::finishStoring() {
