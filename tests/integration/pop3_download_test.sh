@@ -32,42 +32,8 @@ PY
 chmod -R a+rwX "$maildir"
 
 stored_count() { find "$store" -type f -iname '*.eml' | wc -l; }
-# Each stored file without the store's lines against each message as the
-# server serves it (LF as CR LF, a line end added at the end): the two sets
-# must be equal, so no message is missing, altered or stored twice.
-compare_store() {
-  python3 - "$maildir" "$store" <<'PY'
-import collections, os, re, sys
-maildir, store = sys.argv[1], sys.argv[2]
-store_lines = (b"X-Receive-Date:", b"X-Message-Tags:", b"X-Message-Read:", b"X-Message-Replied:",
-               b"X-Message-HighPriority:")
-def served(data):
-    data = re.sub(rb"(?<!\r)\n", b"\r\n", data)
-    return data if data.endswith(b"\r\n") else data + b"\r\n"
-def without_store_lines(data):
-    head, blank, body = data.partition(b"\r\n\r\n")
-    if not blank:
-        return data
-    return b"\r\n".join(l for l in head.split(b"\r\n") if not l.startswith(store_lines)) + blank + body
-def files(root, pattern):
-    for folder, _, names in os.walk(root):
-        for name in names:
-            if pattern(name):
-                with open(os.path.join(folder, name), "rb") as f:
-                    yield f.read()
-expected = collections.Counter(served(d) for d in files(maildir, lambda n: not n.startswith("dovecot")))
-got = collections.Counter(without_store_lines(d) for d in files(store, lambda n: n.lower().endswith(".eml")))
-missing, extra = expected - got, got - expected
-print(f"{sum(got.values())} stored, {sum((expected & got).values())} of {sum(expected.values())} equal")
-for data in list(extra)[:3]:
-    print("stored but not on the server:", data[:300])
-for data in list(missing)[:3]:
-    print("on the server but not stored:", data[:300])
-sys.exit(1 if missing or extra else 0)
-PY
-}
+compare_store() { python3 "$source_dir/tools/compare-store.py" "$maildir" "$store"; }
 
-# Maildir keeps the messages in new/ and cur/, with Dovecot's own files beside them.
 output=$("$vonel" --home "$home" --download </dev/null)
 [ "$(grep -c '^stored' <<<"$output")" -eq 6 ] || fail "first download: $output"
 report=$(compare_store) || fail "stored files differ from the server's messages: $report"

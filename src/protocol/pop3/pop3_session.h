@@ -117,6 +117,9 @@ class Pop3Session {
   const std::string& title() const { return accounts_[static_cast<std::size_t>(account_)].title; }
   std::string ofTotal(long n) const;
 
+  // The module that the session's error lines name.
+  static constexpr std::string_view kLogModule = "frmGetMail";
+
   AppContext& ctx_;
   protocol::Link& link_;
   Pop3Listener& events_;

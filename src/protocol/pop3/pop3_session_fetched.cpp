@@ -10,8 +10,6 @@
 namespace vonel::pop3 {
 namespace {
 
-constexpr std::string_view kModule = "frmGetMail";
-
 // One line of the UIDL list, "number id"; false for anything else.
 bool readUidlLine(std::string_view line, long& number, std::string& id) {
   const std::size_t blank = line.find(' ');
@@ -56,7 +54,7 @@ void Pop3Session::onUidlLines(const std::string& packet) {
 // those the server no longer holds.
 void Pop3Session::matchStoredIds(const std::unordered_set<std::string>& listed) {
   // Without the file of stored ids, every message counts as new: stored twice beats lost.
-  guardedStep(ctx_.log, "UIDL", kModule, [&] {
+  guardedStep(ctx_.log, "UIDL", kLogModule, [&] {
     store::FetchedIds fetched(ctx_.folders.dataFolderPath, account_);
     for (const auto& [message, uniqueId] : uniqueIds_) {
       if (fetched.contains(uniqueId)) storedBefore_.insert(message);

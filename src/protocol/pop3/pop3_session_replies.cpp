@@ -10,7 +10,6 @@
 namespace vonel::pop3 {
 namespace {
 
-constexpr const char* kModule = "frmGetMail";
 // A line this long without its end is handed on unfinished, so that a
 // server that never ends a line can't fill the memory.
 constexpr std::size_t kLongestLine = 1 << 20;
@@ -101,7 +100,7 @@ void Pop3Session::onPacket(const std::string& packet) {
     ctx_.log.addAction(error.description(),
                        "DataArrival (" + std::to_string(error.number()) +
                            ") & STATE: " + std::to_string(static_cast<int>(state_)),
-                       kModule);
+                       kLogModule);
   }
 }
 
