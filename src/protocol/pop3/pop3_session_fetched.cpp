@@ -1,5 +1,6 @@
 // Mail that an earlier download stored: known by the server's unique ids
 // (UIDL), passed over by the walk, and never stored twice.
+#include <algorithm>
 #include <charconv>
 
 #include "core/store/fetched_ids.h"
@@ -10,7 +11,8 @@
 namespace vonel::pop3 {
 namespace {
 
-// One line of the UIDL list, "number id"; false for anything else.
+// One line of the UIDL list, "number id", the id of printable characters
+// only, as it goes into a file of lines; false for anything else.
 bool readUidlLine(std::string_view line, long& number, std::string& id) {
   const std::size_t blank = line.find(' ');
   if (blank == std::string_view::npos) return false;
@@ -18,7 +20,9 @@ bool readUidlLine(std::string_view line, long& number, std::string& id) {
   if (error != std::errc() || end != line.data() + blank) return false;
   std::string_view rest = line.substr(blank + 1);
   rest = rest.substr(0, rest.find(' '));
-  if (rest.empty()) return false;
+  if (rest.empty() || !std::all_of(rest.begin(), rest.end(), [](char c) { return c > ' ' && c < '\x7f'; })) {
+    return false;
+  }
   id.assign(rest);
   return true;
 }

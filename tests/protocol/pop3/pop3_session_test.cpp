@@ -349,7 +349,8 @@ TEST_P(Pop3SessionTest, DeleteOnRetrieveIsPipelinedAheadOfTheNextTop) {
 
 TEST_P(Pop3SessionTest, ADownloadPassesOverWhatAnEarlierOneStored) {
   mailbox({"one", "two", "three"});
-  server.replies["UIDL"] = "+OK\r\n1 id-one\r\n2 id-two\r\n3 id-three\r\n.\r\n";
+  // Lines that are no "number id" are passed over.
+  server.replies["UIDL"] = "+OK\r\n1 id-one\r\nx id-two\r\n2 id-two\r\n3 id-three more\r\n4 \x01\r\nlist end\r\n.\r\n";
   server.replies["RETR 1"] = retrReply("one", "1\r\n");
   server.replies["RETR 3"] = retrReply("three", "3\r\n");
   const auto fetched = ctx.folders.dataFolderPath / "Fetched0.txt";
