@@ -1,11 +1,15 @@
 // The POP3 session fed random replies in random chunks: it must neither
-// crash nor hang, whatever the server says.
+// crash nor hang, whatever the server says. A download finds the id "b"
+// stored before, so that UIDL lists reach the paths that pass over it.
 #include <cstdint>
 #include <filesystem>
 #include <string>
 
 #include "core/rules/message_check.h"
 #include "core/context/app_context.h"
+#include "core/files/atomic_file.h"
+#include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "protocol/pop3/pop3_session.h"
 
 namespace {
@@ -39,6 +43,14 @@ struct World {
     ctx.log.loggingOff = true;
     ctx.settings.loadSettingsFromText("SERVER0,x\r\nUNAME0,u\r\nPWD0,p\r\nSTOPATLAST0,0\r\n", "fuzz");
     ctx.folders.readMessageFolder();
+    ctx.folders.readDataFolder();
+  }
+  // Written only when a listing pruned it: each write waits for the disk.
+  void storeIdB() {
+    const auto file = ctx.folders.dataFolderPath / "Fetched0.txt";
+    if (!vonel::files::fileExists(file) || vonel::files::loadTextFile(file) != "b\r\n") {
+      vonel::files::writeTextFile(file, "b\r\n");
+    }
   }
 };
 
@@ -48,7 +60,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static World world;
   if (size < 2) return 0;
   vonel::pop3::Pop3Session session(world.ctx, world.link, world.events, world.check, world.check, world.passwords);
-  // The first byte picks the mode, the second the chunk size.
+  world.storeIdB();
+  // The first byte picks the mode and whether downloads are deleted, the second the chunk size.
+  world.ctx.settings.set("DELETEONRETRIEVE", vonel::Value((data[0] & 8) != 0 ? 1 : 0));
   switch (data[0] % 4) {
     case 0: session.getHeaders(0, data[0] & 4); break;
     case 1: session.getMessages(0, data[0] & 4); break;

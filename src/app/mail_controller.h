@@ -102,6 +102,7 @@ class MailController : public QObject, public pop3::Pop3Listener {
   void onHeaderReceived(message::Message& message) override;
   bool onMessageReceived(message::Message& message) override;
   void onSpecificMessage(message::Message& message) override;
+  bool onScreenedDelete(message::Message& message) override;
   void onDoingServer(const std::string& title) override;
   void onNumberMessagesFound(const std::string& title, long count) override;
   void onNoMail(const std::string& title) override;

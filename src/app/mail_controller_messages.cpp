@@ -1,5 +1,6 @@
 // Whole messages from the server: those a download stores, and single ones
-// fetched to be read, viewed as source or saved.
+// fetched to be read, viewed as source or saved; and the trace of those
+// deleted there from their headers.
 #include "app/mail_controller.h"
 
 #include <QProcess>
@@ -11,6 +12,7 @@
 #include "core/log/log_places.h"
 #include "core/message/message_file.h"
 #include "core/store/received_mail.h"
+#include "core/store/screened_folder.h"
 
 namespace vonel {
 
@@ -37,6 +39,19 @@ bool MailController::onMessageReceived(message::Message& message) {
   guardedStep(ctx_.log, log_places::kFGetMailMessageReceived, kLogModule,
               [&] { store::announceNewMessage(ctx_, *stored, message, windows_.openMailer()); });
   windows_.messageStored(message, stored->file);
+  return true;
+}
+
+// Its header goes to "Screened" and a line to the log before the message is
+// deleted on the server; without them it stays there.
+bool MailController::onScreenedDelete(message::Message& message) {
+  std::optional<std::filesystem::path> kept;
+  guardedStep(ctx_.log, log_places::kFGetMailScreenedDelete, kLogModule,
+              [&] { kept = store::keepScreenedHeader(ctx_, message); });
+  if (!kept) return false;
+  logAction("Screened \"" + message.subject + "\" from " + message.from + " on " +
+            accountTitle(ctx_.settings, message.fromAccount) + ": deleted on server, " +
+            store::screenedVerdict(message) + "; header kept in " + files::textFromPath(*kept));
   return true;
 }
 

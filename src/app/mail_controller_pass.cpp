@@ -7,6 +7,7 @@
 #include "app/qtext.h"
 #include "app/status_line.h"
 #include "core/log/log_places.h"
+#include "core/store/screened_folder.h"
 #include "core/store/suppress_message.h"
 #include "core/text/strings.h"
 
@@ -16,6 +17,7 @@ void MailController::startPass(const PassRequest& request) {
   if (passRunning_ || !pop3_) return;
   pass_ = request;
   passOpen_ = true;
+  guardedStep(ctx_.log, log_places::kProcessMail, kLogModule, [&] { store::removeOldScreened(ctx_); });
   windows_.showPassRunning(true);
   autoScan_.stop();
   tray_.start();

@@ -236,6 +236,26 @@ class MailControllerTest : public QObject {
     QVERIFY(allKept);
   }
 
+  void aHeaderDeletedOnTheServerLeavesItsTrace() {
+    Home home("TITLE0,Work\r\nREPLYADDRESS0,me@example.org\r\n");
+    home.controller->startup();
+    pop3::Pop3Listener& events = *home.controller;
+    message::Message m(&home.context->log, &home.clock);
+    m.createFromText("From: bad@spam.example\r\nSubject: Pills\r\n\r\nfirst line\r\n", true);
+    m.deleted = true;
+    m.filterReason = "Pills rule";
+    QVERIFY(events.onScreenedDelete(m));
+    const auto entry = home.context->folders.messageFolderPath / "Screened" / "pills (080000-261123).eml";
+    QVERIFY(files::fileExists(entry));
+    QVERIFY(home.log().find("Screened \"Pills\" from bad@spam.example on Work: deleted on server, FAIL; score 0; "
+                            "Pills rule; header kept in " + entry.string()) != std::string::npos);
+
+    // Without a place for the trace the message stays on the server.
+    files::writeTextFile(home.path() / "blocker", "");
+    home.context->folders.messageFolderPath = home.path() / "blocker" / "Messages";
+    QVERIFY(!events.onScreenedDelete(m));
+  }
+
   void fetchedMessagesServeTheirPurpose() {
     Home home;
     home.controller->startup();

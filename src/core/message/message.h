@@ -78,6 +78,8 @@ class Message {
   std::string received;  // every Received line joined by blanks, with a leading blank
   std::string receiveDate;
   std::string returnPath;
+  // The server's unique id (UIDL) of a downloaded message; empty when it gave none.
+  std::string serverUniqueId;
 
   // Every attachment name followed by " * ", the last one too.
   std::string attachmentFilenames() const;
@@ -109,6 +111,10 @@ class Message {
   void replaceRawMessage(std::string text);
   // The text to store, with the store flags written in as header lines.
   std::string rawMessage() const;
+  // The text to store for mail as it came from the server: the same store
+  // lines close its header block, and nothing else changes, the body least
+  // of all. A receive date that came with the mail gives way to the store's.
+  std::string arrivedMessage() const;
   void removeReceiveDate();
 
   // The file name's case carries the read state: lower case when read.
@@ -128,6 +134,7 @@ class Message {
   using SharedText = std::shared_ptr<const std::string>;
 
   void clearForParse(bool headerOnly);
+  void writeStoreHeaders(std::string& text) const;
   void parseHeaderLines();
   void createStrippedBody();
   void logAction(std::string_view text, std::string_view procedure) const;

@@ -42,6 +42,19 @@ void writeTags(std::string& text, std::string_view tags) {
   text.replace(at, lineEnd == std::string::npos ? std::string::npos : lineEnd - at, line);
 }
 
+// Drops every header line that starts with the name, with its line end.
+void removeHeaderLines(std::string& header, std::string_view name) {
+  for (std::size_t lineStart = 0; lineStart < header.size();) {
+    const std::size_t lineEnd = header.find(kLineEnd, lineStart);
+    const std::size_t next = lineEnd == std::string::npos ? header.size() : lineEnd + kLineEnd.size();
+    if (header.compare(lineStart, name.size(), name) == 0) {
+      header.erase(lineStart, next - lineStart);
+    } else {
+      lineStart = next;
+    }
+  }
+}
+
 }  // namespace
 
 void Message::setTags(std::string_view tags) {
@@ -71,6 +84,22 @@ std::string Message::rawMessage() const {
   std::string text;
   text.reserve(raw_->size() + tags_.size() + kStoreLinesRoom);
   text = *raw_;
+  writeStoreHeaders(text);
+  return text;
+}
+
+std::string Message::arrivedMessage() const {
+  const std::size_t blankLine = raw_->find(kBlankLine);
+  if (blankLine == std::string::npos) return *raw_;
+  const std::size_t bodyStart = blankLine + kBlankLine.size();
+  std::string text = raw_->substr(0, bodyStart);
+  removeHeaderLines(text, kReceiveDateName);
+  writeStoreHeaders(text);
+  text.append(*raw_, bodyStart);
+  return text;
+}
+
+void Message::writeStoreHeaders(std::string& text) const {
   writeFlag(text, read, "X-Message-Read: 1");
   writeFlag(text, replied, "X-Message-Replied: 1");
   if (text.find(kReceiveDateName) == std::string::npos) {
@@ -79,7 +108,6 @@ std::string Message::rawMessage() const {
   }
   writeFlag(text, highPriority, "X-Message-HighPriority: 1");
   writeTags(text, tags_);
-  return text;
 }
 
 void Message::removeReceiveDate() {

@@ -1,13 +1,16 @@
 #include "core/store/received_mail.h"
 
+#include <optional>
+
+#include "core/message/attachment_files.h"
+#include "core/message/message_file.h"
 #include "core/files/atomic_file.h"
 #include "core/files/file_info.h"
 #include "core/files/path_text.h"
-#include "core/log/log_places.h"
-#include "core/message/attachment_files.h"
-#include "core/message/message_file.h"
+#include "core/store/fetched_ids.h"
 #include "core/store/folder_lists.h"
 #include "core/store/tag_files.h"
+#include "core/log/log_places.h"
 
 namespace vonel::store {
 
@@ -56,16 +59,27 @@ void saveRequestedAttachments(AppContext& context, const message::Message& messa
 
 }  // namespace
 
+std::string_view fileBaseName(std::string_view subject) {
+  return subject.size() > kLongestName ? subject.substr(0, kShortenedName) : subject;
+}
+
 StoredMessage saveReceivedMessage(AppContext& context, message::Message& message) {
   StoredMessage stored;
   stored.folder = madeTargetFolder(context, message);
-  const std::string_view subject = message.subject;
-  const std::string_view name = subject.size() > kLongestName ? subject.substr(0, kShortenedName) : subject;
-  stored.file = message::getUnusedFilename(message.read, stored.folder, name, ".eml", context.clock);
+  stored.file = message::getUnusedFilename(message.read, stored.folder, fileBaseName(message.subject), ".eml", context.clock);
   files::ensureFolder(stored.folder);
   message.setFilename(stored.file.string());
-  files::writeTextFile(stored.file, message.rawMessage());
+  std::optional<FetchedIds> fetched;
+  if (!message.serverUniqueId.empty()) {
+    fetched.emplace(context.folders.dataFolderPath, message.fromAccount);
+    fetched->beginStoring(message.serverUniqueId, stored.file);
+  }
+  files::writeTextFile(stored.file, message.arrivedMessage());
   context.log.addAction(files::textFromPath(stored.file) + " saved", log_places::kFGetMailMessageReceived, kModule);
+  // The message is kept even when its id can't be: at worst it comes again.
+  if (fetched) {
+    guardedStep(context.log, log_places::kFGetMailMessageReceived, kModule, [&] { fetched->finishStoring(); });
+  }
   saveRequestedAttachments(context, message);
   return stored;
 }

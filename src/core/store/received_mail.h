@@ -3,6 +3,7 @@
 // names (the inbox by default), its attachments saved when a rule asks, and
 // the news of it left for the mail window.
 #include <filesystem>
+#include <string_view>
 
 #include "core/message/message.h"
 #include "core/context/app_context.h"
@@ -22,10 +23,16 @@ struct StoredMessage {
   std::filesystem::path folder;
 };
 
+// The start of a stored message's file name: the subject, cut to its first
+// 35 characters when it is longer than 50.
+std::string_view fileBaseName(std::string_view subject);
+
 // Writes the message whole (through a temporary file) into its folder, made
-// when missing. A store root that can't be made is replaced for this run by
-// "Messages" in the program's folder, after telling the user once. Throws
-// AppError when the message could not be written.
+// when missing, as it came from the server with the store's header lines
+// added. A store root that can't be made is replaced for this run by
+// "Messages" in the program's folder, after telling the user once. A message
+// with the server's unique id has that id recorded for its account once its
+// file is on disk. Throws AppError when the message could not be written.
 StoredMessage saveReceivedMessage(AppContext& context, message::Message& message);
 
 // Tells the open mail window, or else the folder's tag files, that the message arrived.

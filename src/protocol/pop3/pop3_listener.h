@@ -15,6 +15,9 @@ class Pop3Listener {
   // False when the message could not be kept: it then stays on the server.
   virtual bool onMessageReceived(message::Message&) { return true; }
   virtual void onSpecificMessage(message::Message&) {}
+  // A header failed and its message is about to be deleted on the server,
+  // once its trace is kept. False when it could not be: the message stays.
+  virtual bool onScreenedDelete(message::Message&) { return true; }
   virtual void onProgress(const std::string&) {}
   virtual void onNumberMessagesFound(const std::string& /*title*/, long /*count*/) {}
   virtual void onPopError(const std::string& /*title*/, const std::string& /*text*/) {}

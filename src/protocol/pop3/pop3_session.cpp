@@ -79,6 +79,8 @@ void Pop3Session::startSession() {
   pending_.clear();
   scanned_ = 0;
   closeTempFile(true);
+  uniqueIds_.clear();
+  storedBefore_.clear();
 }
 
 void Pop3Session::startTransfer(int account, bool deleteSpam, bool force) {

@@ -1,7 +1,8 @@
 #pragma once
 // The POP3 client: one session on one account at a time, driven wholly by the
 // data that arrives. It walks the mailbox with "TOP n 1", has each header
-// judged, and then deletes, lists or downloads the message. It knows no
+// judged, and then deletes, lists or downloads the message; a download
+// passes over what an earlier one stored, known by UIDL. It knows no
 // sockets and no windows: bytes come in, commands go out through the Link,
 // and what it learns goes to its owner as events.
 #include <array>
@@ -10,14 +11,18 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "core/rules/message_check.h"
 #include "core/context/app_context.h"
 #include "core/settings/accounts.h"
 #include "protocol/link.h"
+#include "protocol/pop3/multi_line_decoder.h"
 #include "protocol/pop3/pop3_listener.h"
 #include "protocol/socket_error.h"
+#include "core/log/log_places.h"
 
 namespace vonel::pop3 {
 
@@ -35,6 +40,8 @@ enum class Pop3State {
   AwaitSpamDeleReply = 8,   // a failing header's message deleted during the walk
   AwaitDeleteAllReply = 9,  // one DELE of the run that empties the mailbox
   AwaitQuitReply = 10,
+  AwaitUidlLines = 11,
+  AwaitStoredDeleReply = 12,  // a message stored by an earlier, cut-off run, deleted on retrieve
 };
 
 class Pop3Session {
@@ -68,7 +75,8 @@ class Pop3Session {
     // still erases the file.
     bool downloading = false;
     std::filesystem::path tempFileName;
-    std::string packetTail;  // the last three bytes of the download so far
+    MultiLineDecoder download;  // the RETR reply's data, on its way to the file
+    std::size_t bytesWritten = 0;  // of the download, to the file
   };
 
   // Starting and ending (pop3_session.cpp).
@@ -99,12 +107,21 @@ class Pop3Session {
   void onRetrComplete();
   void closeTempFile(bool erase);
 
+  // Mail that an earlier download stored, known by UIDL (pop3_session_fetched.cpp).
+  void onUidlLines(const std::string& packet);
+  void matchStoredIds(const std::unordered_set<std::string>& listed);
+  bool skipStoredMessages();
+  bool deleteOnRetrieve() const;
+
   void send(const std::string& command);
   void sendCommand(Pop3State awaited, const std::string& command);
   void sendQuit();
   void logAction(std::string_view text);
   const std::string& title() const { return accounts_[static_cast<std::size_t>(account_)].title; }
   std::string ofTotal(long n) const;
+
+  // The module that the session's error lines name.
+  static constexpr std::string_view kLogModule = log_places::kPop3Module;
 
   AppContext& ctx_;
   protocol::Link& link_;
@@ -127,6 +144,10 @@ class Pop3Session {
   Pop3State state_ = Pop3State::AwaitGreeting;
   std::string lastPacket_;
   Pop3Reply reply_;
+  // From UIDL in a download: each message's unique id, and the numbers of
+  // those already in the store.
+  std::unordered_map<long, std::string> uniqueIds_;
+  std::unordered_set<long> storedBefore_;
 
   std::string pending_;              // received bytes not yet handed to onPacket
   std::size_t scanned_ = 0;          // how much of pending_ is known to hold no line end

@@ -1,11 +1,11 @@
 // A message downloaded with RETR: written to a temporary file as it comes,
-// read back whole once the terminator is in, judged and handed to the owner.
+// as the server holds it, read back whole once the terminator is in, judged
+// and handed to the owner.
 #include <cerrno>
 
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
 #include "core/text/strings.h"
-#include "protocol/pop3/pop3_reply_text.h"
 #include "protocol/pop3/pop3_session.h"
 
 namespace vonel::pop3 {
@@ -21,7 +21,8 @@ Pop3Failure tempFileFailure(const std::filesystem::path& file) {
 
 void Pop3Session::onRetrLines(const std::string& packet) {
   if (!reply_.downloading) {
-    reply_.packetTail.clear();
+    reply_.download.reset();
+    reply_.bytesWritten = 0;
     logAction("Opening temporary output file for inbound message");
     const text::DateTime now = ctx_.clock.now();
     const int secondsSinceMidnight = now.hour * 3600 + now.minute * 60 + now.second;
@@ -37,42 +38,42 @@ void Pop3Session::onRetrLines(const std::string& packet) {
     reply_.downloading = true;
     logAction("Using file handle #1 for this message");
   }
-  tempFile_.write(packet.data(), static_cast<std::streamsize>(packet.size()));
+  std::string data;
+  const bool complete = reply_.download.decode(packet, data);
+  tempFile_.write(data.data(), static_cast<std::streamsize>(data.size()));
+  reply_.bytesWritten += data.size();
   if (!tempFile_) {
     const Pop3Failure failure = tempFileFailure(reply_.tempFileName);
     endWithError(failure.kind, "Unable to write temporary mail file");
     return;
   }
-
-  // The terminator may be split between packets, even over several short
-  // ones: the tail is the last three bytes received, whatever they are.
-  std::string formed = reply_.packetTail + packet;
-  const bool complete = formed.find(kTerminator) != std::string::npos;
-  reply_.packetTail = formed.substr(formed.size() > 3 ? formed.size() - 3 : 0);
   if (complete) onRetrComplete();
 }
 
 void Pop3Session::onRetrComplete() {
   tempFile_.close();
-  // The last bytes reach the disk only now; a message cut short here must not count as received.
-  if (!tempFile_) {
-    const Pop3Failure failure = tempFileFailure(reply_.tempFileName);
-    endWithError(failure.kind, "Unable to write temporary mail file");
+  const bool closed = !tempFile_.fail();
+  const Pop3Failure writeFailure = tempFileFailure(reply_.tempFileName);
+  std::string text = files::loadTextFile(reply_.tempFileName);
+  // A full disk shows itself at the latest when the buffered rest is written
+  // out: what came back short is no message, and stays on the server.
+  if (!closed || text.size() != reply_.bytesWritten) {
+    files::eraseFile(reply_.tempFileName);
+    reply_.downloading = false;
+    endWithError(writeFailure.kind, "Unable to write temporary mail file");
     return;
   }
-  std::string text = withoutFirstLine(files::loadTextFile(reply_.tempFileName));
   files::eraseFile(reply_.tempFileName);
   reply_.downloading = false;
 
-  const std::size_t end = text.find(kTerminator);
-  if (end != std::string::npos) text.resize(end);  // the CR before the terminator stays
-
   message::Message message(&ctx_.log, &ctx_.clock);
   message.createFromText(std::move(text), false);
-  message.removeReceiveDate();
   message.receiveDate = text::formatStoreDate(ctx_.clock.now());
   message.fromAccount = static_cast<std::int16_t>(account_);
   message.read = false;
+  if (const auto id = uniqueIds_.find(reply_.currentMessage); id != uniqueIds_.end()) {
+    message.serverUniqueId = id->second;
+  }
   ++handledCount_;
   message.messageNumThisAcc = handledCount_;
   reply_.replyBuffer.clear();
@@ -100,7 +101,7 @@ void Pop3Session::onRetrComplete() {
   if (reply_.currentMessage > reply_.messageCount) reply_.messageCount = reply_.currentMessage;
   events_.onProgressBar(reply_.currentMessage, reply_.messageCount);
   // Sent without waiting: its "+OK" comes in ahead of the next reply.
-  if (kept && !message.ignored && ctx_.settings.get("DELETEONRETRIEVE", Value(0)).numberOr(0) == 1) {
+  if (kept && !message.ignored && deleteOnRetrieve()) {
     send("DELE " + std::to_string(n));
   }
   ++reply_.currentMessage;

@@ -32,7 +32,7 @@ void Pop3Session::onTopLines(const std::string& packet) {
   reply_.replyBuffer.clear();
 
   if (message.deleted || message.blockedSender || message.blockedRecip) {
-    if (deleteSpam_) {
+    if (deleteSpam_ && events_.onScreenedDelete(message)) {
       events_.onProgress("Deleting message " + ofTotal(n));
       sendCommand(Pop3State::AwaitSpamDeleReply, "DELE " + std::to_string(n));
       ++reply_.currentMessage;
@@ -61,6 +61,7 @@ void Pop3Session::onTopLines(const std::string& packet) {
 // With "stop at last" on, the walk quits after the counted messages;
 // otherwise it asks on until the server refuses a number.
 void Pop3Session::requestNextHeader(bool logLastMessage) {
+  if (skipStoredMessages()) return;
   if (accounts_[static_cast<std::size_t>(account_)].stopAtLast && reply_.currentMessage > reply_.messageCount) {
     if (logLastMessage) logAction("Got last message. Sending QUIT");
     sendQuit();

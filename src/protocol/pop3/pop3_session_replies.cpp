@@ -18,14 +18,17 @@ constexpr std::size_t kLongestLine = 1 << 20;
 
 bool isMultiLineState(Pop3State state) {
   return state == Pop3State::AwaitListLines || state == Pop3State::AwaitTopLines ||
-         state == Pop3State::AwaitRetrLines;
+         state == Pop3State::AwaitRetrLines || state == Pop3State::AwaitUidlLines;
 }
 
-// Lines inside a list, header or message start with anything. A STAT reply
-// and each DELE reply of the delete-all run are read whatever their status,
-// so a refused DELE doesn't stop the run from deleting the rest.
+// Lines inside a list, header or message start with anything, and a server
+// without UIDL refuses it. A STAT reply and each DELE reply of the
+// delete-all run are read whatever their status, so a refused DELE doesn't
+// stop the run from deleting the rest; nor does a refused DELE of a message
+// stored before stop a download.
 bool readsAnyStatus(Pop3State state) {
-  return isMultiLineState(state) || state == Pop3State::AwaitStat || state == Pop3State::AwaitDeleteAllReply;
+  return isMultiLineState(state) || state == Pop3State::AwaitStat || state == Pop3State::AwaitDeleteAllReply ||
+         state == Pop3State::AwaitStoredDeleReply;
 }
 
 }  // namespace
@@ -100,7 +103,7 @@ void Pop3Session::onPacket(const std::string& packet) {
     ctx_.log.addAction(error.description(),
                        "DataArrival (" + std::to_string(error.number()) +
                            ") & STATE: " + std::to_string(static_cast<int>(state_)),
-                       kModule);
+                       kLogModule);
   }
 }
 
@@ -126,6 +129,9 @@ void Pop3Session::dispatch(const std::string& packet) {
     case Pop3State::AwaitStat:
       onStat(packet);
       break;
+    case Pop3State::AwaitUidlLines:
+      onUidlLines(packet);
+      break;
     case Pop3State::AwaitTopLines:
       onTopLines(packet);
       break;
@@ -135,6 +141,9 @@ void Pop3Session::dispatch(const std::string& packet) {
     case Pop3State::AwaitSpamDeleReply:
       requestNextHeader(true);
       events_.onDeletedSpam(1);
+      break;
+    case Pop3State::AwaitStoredDeleReply:
+      requestNextHeader(true);
       break;
     case Pop3State::AwaitDeleteAllReply:
       onDeleteAllReply();
@@ -206,6 +215,7 @@ void Pop3Session::onStat(const std::string& packet) {
     case Mode::Download:
       if (reply_.messageCount < 1) {
         logAction("No mail. Sending QUIT command");
+        if (mode_ == Mode::Download) matchStoredIds({});
         events_.onNoMail(accountTitle);
         sendQuit();
         return;
@@ -213,8 +223,13 @@ void Pop3Session::onStat(const std::string& packet) {
       events_.onProgressBar(0, reply_.messageCount);
       events_.onProgress(std::to_string(reply_.messageCount) + " message(s) on " + accountTitle + "   (" +
                        text::plainText(text::roundHalfEven(totalBytes / 1024, 2)) + " kb)");
-      state_ = Pop3State::AwaitTopLines;
       ++reply_.currentMessage;
+      if (mode_ == Mode::Download) {
+        logAction("Sending UIDL command");
+        sendCommand(Pop3State::AwaitUidlLines, "UIDL");
+        return;
+      }
+      state_ = Pop3State::AwaitTopLines;
       send("TOP 1 1");
       return;
     case Mode::OneMessage:

@@ -189,6 +189,22 @@ TEST(RawMessage, RemoveReceiveDateCutsByTheSerialisedText) {
   EXPECT_EQ(m.rawMessage(), mail({"Subject: s", "X-Message-Tags: a", "X-Receive-Date: 2026-01-02 03:04:05"}));
 }
 
+TEST(ArrivedMessage, OnlyTheHeaderBlockGetsTheStoreLines) {
+  // What rawMessage takes out of a body, or keeps from a message stored
+  // elsewhere, stays as it came; only the header's own store lines give way.
+  const std::string body = "quote: X-Message-Replied: 1\r\nX-Message-Read: 1\r\nX-Receive-Date: then\r\n.\r\n";
+  auto m = parsed(mail({"Subject: s", "X-Receive-Date: 2020-01-01 00:00:00", "X-Message-Read: 1"}, body), false);
+  m.read = false;
+  EXPECT_EQ(m.arrivedMessage(), mail({"Subject: s", "X-Receive-Date: 2026-01-02 03:04:05", "X-Message-Tags: "}, body));
+  m.highPriority = true;
+  m.setTags("t");
+  EXPECT_EQ(m.arrivedMessage(), mail({"Subject: s", "X-Receive-Date: 2026-01-02 03:04:05",
+                                      "X-Message-HighPriority: 1", "X-Message-Tags: t"},
+                                     body));
+  m.replaceRawMessage("Subject: no blank line");
+  EXPECT_EQ(m.arrivedMessage(), "Subject: no blank line");
+}
+
 TEST(StrippedBody, PlainBodyFlattenedAndHtmlPartStripped) {
   const auto plain = parsed(mail({"Subject: s"}, "caf&eacute;\r\nline=20two\r\n"), false);
   EXPECT_EQ(plain.strippedBody, "caf\xE9 line two");

@@ -7,7 +7,9 @@
 #include <map>
 
 #include "../../core/test_home.h"
+#include "core/files/atomic_file.h"
 #include "core/files/file_info.h"
+#include "core/files/file_text.h"
 #include "core/text/strings.h"
 
 namespace vonel::pop3 {
@@ -56,6 +58,7 @@ class ScriptedServer : public protocol::Link {
         command == "QUIT") {
       return "+OK\r\n";
     }
+    if (command == "UIDL") return "-ERR unknown command\r\n";
     return "";  // silence
   }
 };
@@ -66,6 +69,7 @@ struct Events : Pop3Listener {
   std::vector<message::Message> downloads;
   std::function<void()> whenFinished;
   bool keep = true;  // whether a download was stored
+  bool traceKept = true;  // whether a header about to be deleted left its trace
 
   void onHeaderReceived(message::Message& m) override {
     log.push_back("HeaderReceived");
@@ -79,6 +83,10 @@ struct Events : Pop3Listener {
   void onSpecificMessage(message::Message& m) override {
     log.push_back("SpecificMessage");
     downloads.push_back(m);
+  }
+  bool onScreenedDelete(message::Message& m) override {
+    log.push_back("ScreenedDelete " + m.subject);
+    return traceKept;
   }
   void onProgress(const std::string& t) override { progress.push_back(t); }
   void onNumberMessagesFound(const std::string& t, long n) override {
@@ -150,6 +158,7 @@ class Pop3SessionTest : public ::testing::TestWithParam<std::size_t> {
     ctx.settings.loadSettingsFromText(
         "TITLE0,Home\r\nSERVER0,pop.test\r\nUNAME0,jo\r\nPWD0,secret\r\nPOPPORT0,1110\r\n", "test");
     ctx.folders.readMessageFolder();
+    ctx.folders.readDataFolder();
   }
 
   void mailbox(const std::vector<std::string>& subjects, std::size_t listed = std::string::npos) {
@@ -177,6 +186,10 @@ class Pop3SessionTest : public ::testing::TestWithParam<std::size_t> {
         if (server.closed) break;
       }
     }
+  }
+
+  bool progressed(const std::string& text) const {
+    return std::find(events.progress.begin(), events.progress.end(), text) != events.progress.end();
   }
 
   std::string commands() const {
@@ -221,9 +234,18 @@ TEST_P(Pop3SessionTest, FailingHeadersAreDeletedOnTheServerWithoutARow) {
   run();
   EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|TOP 2 1|DELE 2|TOP 3 1|QUIT|");
   EXPECT_EQ(events.headers.size(), 2u);
-  EXPECT_NE(std::find(events.log.begin(), events.log.end(), "DeletedSpam 1"), events.log.end());
-  EXPECT_NE(std::find(events.progress.begin(), events.progress.end(), "Deleting message 2 of 3"),
-            events.progress.end());
+  // The trace is asked for before the DELE goes out.
+  EXPECT_EQ(std::vector<std::string>(events.log.begin() + 3, events.log.begin() + 5),
+            (std::vector<std::string>{"ScreenedDelete spam offer", "DeletedSpam 1"}));
+  EXPECT_TRUE(progressed("Deleting message 2 of 3"));
+
+  // Without its trace a message stays on the server.
+  server.commands.clear();
+  events.traceKept = false;
+  session.getHeaders(0, true);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|TOP 2 1|TOP 3 1|QUIT|");
+  EXPECT_TRUE(progressed("Skipping message 2 of 3 (subject)"));
 }
 
 TEST_P(Pop3SessionTest, WithoutDeleteAFailingHeaderIsListedAndSkipped) {
@@ -253,7 +275,7 @@ TEST_P(Pop3SessionTest, IgnoredHeadersAreListedAndFiledDownloadsNamed) {
   server.replies["RETR 2"] = retrReply("filed one", "x\r\n");
   session.getMessages(0, false);
   run();
-  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|TOP 2 1|RETR 2|QUIT|");
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|UIDL|TOP 1 1|TOP 2 1|RETR 2|QUIT|");
   EXPECT_EQ(events.headers.size(), 1u);
   EXPECT_NE(std::find(events.progress.begin(), events.progress.end(), "Ignoring message 1 of 2"),
             events.progress.end());
@@ -289,18 +311,19 @@ TEST_P(Pop3SessionTest, AWrongPasswordEndsInPopErrorThenFinished) {
   EXPECT_EQ(events.failures[0].detail, "-ERR [AUTH] Authentication failed.\r\n");
 }
 
-TEST_P(Pop3SessionTest, ADownloadGoesThroughAFileAndIsJudgedAgain) {
+TEST_P(Pop3SessionTest, ADownloadIsKeptAsTheServerHoldsIt) {
   mailbox({"hello"});
-  server.replies["RETR 1"] = retrReply("hello", "line one\r\n..dotted\r\n");
+  // On the wire every line that starts with a dot has one more.
+  server.replies["RETR 1"] =
+      retrReply("hello", "line one\r\n..\r\n...\r\n..x\r\n...\r.\r\n..\r\r\nlast\r\n");
   session.getMessages(0, false);
   run();
-  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|RETR 1|QUIT|");
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|UIDL|TOP 1 1|RETR 1|QUIT|");
   ASSERT_EQ(events.downloads.size(), 1u);
   const auto& m = events.downloads[0];
   EXPECT_EQ(m.subject, "hello");
-  // Dot-stuffing stays; the cut before the terminator keeps the last CR.
-  EXPECT_EQ(m.messageBody(), "line one\r\n..dotted\r");
-  EXPECT_EQ(m.rawMessage().find("+OK message follows"), std::string::npos);
+  EXPECT_EQ(m.messageText(), "From: a@example.org\r\nSubject: hello\r\n\r\nline one\r\n.\r\n..\r\n.x\r\n..\r.\r\n.\r\r\nlast\r\n");
+  EXPECT_TRUE(m.serverUniqueId.empty());  // the server knows no UIDL
   EXPECT_EQ(m.receiveDate, "2026-11-23 10:00:05");
   EXPECT_EQ(m.messageNumThisAcc, 2);  // the header and the download both count
   EXPECT_NE(std::find(events.progress.begin(), events.progress.end(), "Downloaded Message 1 of 1 to Inbox"),
@@ -317,7 +340,7 @@ TEST_P(Pop3SessionTest, DeleteOnRetrieveIsPipelinedAheadOfTheNextTop) {
   server.replies["TOP 2 1"] = "+OK top follows\r\nSubject: second\r\n\r\n.\r\n";
   session.getMessages(0, false);
   run();
-  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|RETR 1|DELE 1|TOP 2 1|RETR 2|DELE 2|QUIT|");
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|UIDL|TOP 1 1|RETR 1|DELE 1|TOP 2 1|RETR 2|DELE 2|QUIT|");
   ASSERT_EQ(events.downloads.size(), 2u);
   EXPECT_EQ(events.downloads[1].subject, "second");
 
@@ -326,7 +349,68 @@ TEST_P(Pop3SessionTest, DeleteOnRetrieveIsPipelinedAheadOfTheNextTop) {
   events.keep = false;
   session.getMessages(0, false);
   run();
-  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|TOP 1 1|RETR 1|TOP 2 1|RETR 2|QUIT|");
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|UIDL|TOP 1 1|RETR 1|TOP 2 1|RETR 2|QUIT|");
+}
+
+TEST_P(Pop3SessionTest, ADownloadPassesOverWhatAnEarlierOneStored) {
+  mailbox({"one", "two", "three"});
+  // Lines that are no "number id" are passed over.
+  server.replies["UIDL"] = "+OK\r\n1 id-one\r\nx id-two\r\n2 id-two\r\n3 id-three more\r\n4 \x01\r\nlist end\r\n.\r\n";
+  server.replies["RETR 1"] = retrReply("one", "1\r\n");
+  server.replies["RETR 3"] = retrReply("three", "3\r\n");
+  const auto fetched = ctx.folders.dataFolderPath / "Fetched0.txt";
+  files::writeTextFile(fetched, "id-two\r\ngone-from-server\r\n");
+  session.getMessages(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|UIDL|TOP 1 1|RETR 1|TOP 3 1|RETR 3|QUIT|");
+  ASSERT_EQ(events.downloads.size(), 2u);
+  EXPECT_EQ(events.downloads[0].serverUniqueId, "id-one");
+  EXPECT_EQ(events.downloads[1].serverUniqueId, "id-three");
+  EXPECT_TRUE(progressed("Skipping message 2 of 3 (downloaded before)"));
+  // The listing prunes the ids the server no longer holds; storing adds, not the session.
+  EXPECT_EQ(files::loadTextFile(fetched), "id-two\r\n");
+
+  // When all is stored there is nothing to ask for.
+  files::writeTextFile(fetched, "id-one\r\nid-two\r\nid-three\r\n");
+  server.commands.clear();
+  session.getMessages(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|UIDL|QUIT|");
+
+  // An empty mailbox holds none of them any more.
+  mailbox({});
+  server.commands.clear();
+  session.getMessages(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|QUIT|");
+  EXPECT_EQ(files::loadTextFile(fetched), "");
+}
+
+TEST_P(Pop3SessionTest, DeletingOnRetrieveDeletesWhatACutOffRunStored) {
+  ctx.settings.set("DELETEONRETRIEVE", Value(1));
+  mailbox({"one", "two", "three"});
+  server.replies["UIDL"] = "+OK\r\n1 id-one\r\n2 id-two\r\n3 id-three\r\n.\r\n";
+  server.replies["RETR 1"] = retrReply("one", "1\r\n");
+  server.replies["RETR 3"] = retrReply("three", "3\r\n");
+  files::writeTextFile(ctx.folders.dataFolderPath / "Fetched0.txt", "id-two\r\n");
+  session.getMessages(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|UIDL|TOP 1 1|RETR 1|DELE 1|DELE 2|TOP 3 1|RETR 3|DELE 3|QUIT|");
+  EXPECT_EQ(events.downloads.size(), 2u);
+  EXPECT_TRUE(progressed("Deleting message 2 of 3 (downloaded before)"));
+
+  // A refused DELE of such a message doesn't end the pass.
+  server.commands.clear();
+  server.replies["DELE 2"] = "-ERR no such message\r\n";
+  server.replies["TOP 3 1"] = topReply(3, "three");
+  mailbox({"one", "two", "three"});
+  files::writeTextFile(ctx.folders.dataFolderPath / "Fetched0.txt", "id-one\r\nid-two\r\n");
+  events.log.clear();
+  session.getMessages(0, false);
+  run();
+  EXPECT_EQ(commands(), "USER jo|PASS secret|LIST|STAT|UIDL|DELE 1|DELE 2|TOP 3 1|RETR 3|DELE 3|QUIT|");
+  EXPECT_EQ(std::count_if(events.log.begin(), events.log.end(), [](auto& e) { return e.starts_with("POPError"); }),
+            0);
 }
 
 TEST_P(Pop3SessionTest, AConnectionLostInTheMiddleOfAMessageKeepsNothingOfIt) {
@@ -349,7 +433,7 @@ TEST_P(Pop3SessionTest, AConnectionLostInTheMiddleOfAMessageKeepsNothingOfIt) {
   session.getMessages(0, false);
   run();
   ASSERT_EQ(events.downloads.size(), 1u);
-  EXPECT_EQ(events.downloads[0].messageBody(), "whole body\r");
+  EXPECT_EQ(events.downloads[0].messageBody(), "whole body\r\n");
   std::size_t leftovers = 0;
   for (const auto& entry : std::filesystem::directory_iterator(ctx.folders.messageFolderPath)) {
     leftovers += entry.path().extension() == ".tmp";
