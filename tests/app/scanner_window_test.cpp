@@ -11,20 +11,33 @@
 
 using namespace vonel;
 
+namespace {
+
+// The scanner window and its controller on a home of its own with the given settings.
+struct Scanner {
+  explicit Scanner(std::string_view settings) {
+    files::writeTextFile(home / "Vonel.ini", settings);
+  }
+  QTemporaryDir dir;
+  const std::filesystem::path home = dir.path().toStdString();
+  FixedClock clock{text::DateTime{2026, 11, 23, 8, 0, 0}};
+  ScriptedPrompt prompt;
+  AppContext context{clock, prompt, AppInfo{"Vonel", "1", "os", "/", home}};
+  ScannerWindow window;
+  TerminalPasswordPrompt passwords;
+  MailController controller{context, window, passwords};
+};
+
+}  // namespace
+
 class ScannerWindowTest : public QObject {
   Q_OBJECT
 
  private slots:
   void startsWithTheListAndTheUpdateStatus() {
-    QTemporaryDir dir;
-    const std::filesystem::path home = dir.path().toStdString();
-    files::writeTextFile(home / "Vonel.ini", "REPLYADDRESS0,me@example.org\r\nTITLE0,Home\r\nMAINWIDTH,9000\r\n");
-    FixedClock clock{text::DateTime{2026, 11, 23, 8, 0, 0}};
-    ScriptedPrompt prompt;
-    AppContext context(clock, prompt, AppInfo{"Vonel", "1", "os", "/", home});
-    ScannerWindow window;
-    TerminalPasswordPrompt passwords;
-    MailController controller(context, window, passwords);
+    Scanner scanner("REPLYADDRESS0,me@example.org\r\nTITLE0,Home\r\nMAINWIDTH,9000\r\n");
+    auto& window = scanner.window;
+    auto& controller = scanner.controller;
     QCOMPARE(controller.startup(), StartupResult::Started);
 
     QVERIFY(window.isVisible());
@@ -41,15 +54,9 @@ class ScannerWindowTest : public QObject {
 
   // A failed account's row and the status bar say why, also once the pass is over.
   void aFailureShowsInTheServersRowAndTheStatusBar() {
-    QTemporaryDir dir;
-    const std::filesystem::path home = dir.path().toStdString();
-    files::writeTextFile(home / "Vonel.ini", "REPLYADDRESS0,me@example.org\r\nTITLE0,Home\r\nTITLE1,Work\r\n");
-    FixedClock clock{text::DateTime{2026, 11, 23, 8, 0, 0}};
-    ScriptedPrompt prompt;
-    AppContext context(clock, prompt, AppInfo{"Vonel", "1", "os", "/", home});
-    ScannerWindow window;
-    TerminalPasswordPrompt passwords;
-    MailController controller(context, window, passwords);
+    Scanner scanner("REPLYADDRESS0,me@example.org\r\nTITLE0,Home\r\nTITLE1,Work\r\n");
+    auto& window = scanner.window;
+    auto& controller = scanner.controller;
     controller.startup();
     pop3::Pop3Listener& events = controller;
     const auto* list = window.findChild<QTreeWidget*>("ListServerMail");
