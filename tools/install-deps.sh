@@ -9,6 +9,8 @@ packages=(
   clang libclang-rt-dev
   dovecot-pop3d python3-aiosmtpd
   xvfb xauth
+  qt6-svg-dev libqt6svg6
+  trayer desktop-file-utils xdg-utils appstream dbus-x11
 )
 missing=()
 for package in "${packages[@]}"; do
