@@ -40,10 +40,11 @@ int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
   vonel::SystemClock clock;
   vonel::DialogPrompt prompt;
   vonel::AppContext context(clock, prompt, vonel::platformAppInfo(home), vonel::platformLocaleFacts());
-  vonel::ScannerWindow window;
+  vonel::ScannerWindow window(context);
   prompt.setParent(&window);
   vonel::PasswordDialog passwords(&window);
   vonel::MailController controller(context, window, passwords);
+  window.attach(controller);
   window.onExit = [&controller] { return controller.exitProgram(); };
   controller.startup();
   return application.exec();

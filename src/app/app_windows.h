@@ -42,8 +42,10 @@ class AppWindows {
   virtual void showTrayIcon(std::string_view tip) = 0;
   virtual void removeTrayIcon() = 0;
   virtual void setStatusText(std::string_view text) = 0;
-  // A judged header of the present pass, as row `number` of the server list.
-  virtual void addServerMessage(const message::Message& message, long number, const std::string& accountTitle) = 0;
+  // A judged header of the present pass, as row `number` of the server list;
+  // `server` is where its account was polled.
+  virtual void addServerMessage(const message::Message& message, long number, const std::string& accountTitle,
+                                const std::string& server) = 0;
   virtual void setupMenus() = 0;
   virtual void switchToMailer() = 0;
 
@@ -58,7 +60,10 @@ class AppWindows {
   // Status panel 2: the auto scan's count-down.
   virtual void setTimerStatus(std::string_view) {}
   virtual void addServerToLists(const std::string& /*title*/) {}
-  virtual void setServerStatus(const std::string& /*title*/, std::string_view /*text*/) {}
+  // False when the list has no row for that server.
+  virtual bool setServerStatus(const std::string& /*title*/, std::string_view /*text*/) { return true; }
+  // The status bar's picture: the error picture, or none.
+  virtual void showStatusError(bool) {}
   // The tray balloon of a failure.
   virtual void showTrayError(std::string_view) {}
   // The box of a server that could not be reached. A run without windows

@@ -22,7 +22,8 @@ class HeadlessWindows final : public AppWindows {
     trayPicture = picture;
     trayTip = tip;
   }
-  void addServerMessage(const message::Message& message, long number, const std::string& title) override {
+  void addServerMessage(const message::Message& message, long number, const std::string& title,
+                        const std::string&) override {
     if (onServerMessage) onServerMessage(message, number, title);
   }
   void setupMenus() override {}

@@ -159,6 +159,11 @@ void MailController::readSettings() {
   soundOn_ = ctx_.settings.get("AUDIO", Value(0)).numberOr(0) == 1;
 }
 
+void MailController::setSound(bool on) {
+  soundOn_ = on;
+  ctx_.settings.set("AUDIO", Value(on ? 1 : 0));
+}
+
 void MailController::applyWindowSize() {
   auto& settings = ctx_.settings;
   if (settings.get("MainWindowState", Value(0)).numberOr(0) == static_cast<int>(WindowState::Maximised)) {

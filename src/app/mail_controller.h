@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "app/app_windows.h"
 #include "app/auto_scan_timer.h"
@@ -27,6 +28,9 @@
 namespace vonel {
 
 enum class StartupResult { Started, NoAccount };
+
+// What a block or unblock of the scanner's list acts on.
+enum class BlockTarget { Sender, Recipient, SenderDomain, RecipientDomain };
 
 // Why a single message is being fetched from the server.
 enum class FetchPurpose { None, ViewSource, Read, Download };
@@ -77,6 +81,20 @@ class MailController : public QObject, public pop3::Pop3Listener {
   // Fetches message `number` of the account for one purpose.
   void fetchSpecificMessage(FetchPurpose purpose, int account, int number);
 
+  // The scanner's list: the headers of the last scan, by their keys.
+  const message::Message* scannedMessage(const std::string& key) const;
+  // SERVER<n>: where a row's message waits.
+  std::string accountServer(int account) const;
+  bool blocked(BlockTarget target, const std::string& key) const;
+  // Each on every message named, then the list judged again.
+  void blockOrUnblock(BlockTarget target, bool block, const std::vector<std::string>& keys);
+  bool recipientIgnored(const std::string& key) const;
+  void ignoreOrNot(bool undo, const std::string& key);
+  // Judges the last scan's headers again by the present rules, without the network.
+  void rescanCachedMail();
+  rules::RuleEngine& serverFilters() { return serverFilters_; }
+  rules::RuleEngine& localFilters() { return localFilters_; }
+
   AutoScanTimer& autoScan() { return autoScan_; }
   // The upload of the outbox and the Bayes filter, made at start.
   OutboxUpload* outbox() { return outbox_.get(); }
@@ -87,6 +105,8 @@ class MailController : public QObject, public pop3::Pop3Listener {
   const PassRequest& pass() const { return pass_; }
   const PassTally& tally() const { return tally_; }
   bool soundOn() const { return soundOn_; }
+  // The chime after a pass, kept in AUDIO.
+  void setSound(bool on);
   bool trayFlashing() const { return tray_.isFlashing(); }
   bool delayedStartPending() const { return delayedStartTimer_.isActive(); }
 
@@ -131,6 +151,12 @@ class MailController : public QObject, public pop3::Pop3Listener {
   void runRuleProgram(const message::Message& message, const std::filesystem::path& file);
   // The toolbar's way: a running pass is stopped, else `command` runs.
   void startOrStop(void (MailController::*command)());
+
+  // Counts a judged header and lists it unless it is suppressed or going away.
+  void countAndList(const message::Message& message);
+  // The server the account was polled on in the last pass.
+  std::string serverOf(int account) const;
+  void showServerStatus(const std::string& title, std::string_view text);
 
   void showStage(std::string_view text);
   void logAction(std::string_view text);

@@ -119,23 +119,39 @@ void MailController::onHeaderReceived(message::Message& received) {
     while (tally_.messages.contains(message->messageId)) message->messageId += "1";
     tally_.messages.add(message, message->messageId);
   }
+  countAndList(*message);
+}
+
+void MailController::countAndList(const message::Message& message) {
   ++tally_.listed;
-  if (message->fromAccount >= 0 && message->fromAccount < kAccountCount) ++tally_.byAccount[message->fromAccount];
-  if (!message->deleted && !message->ignored && message->bayes < ctx_.saveToSpamThreshold) tray_.countGoodMessage();
-  if (store::suppressMessage(*message, ctx_.settings) || goingAway) return;
-  if (!message->deleted && !message->ignored) tally_.passedMail = true;
-  windows_.addServerMessage(*message, tally_.listed, accountTitle(ctx_.settings, message->fromAccount));
+  if (message.fromAccount >= 0 && message.fromAccount < kAccountCount) ++tally_.byAccount[message.fromAccount];
+  if (!message.deleted && !message.ignored && message.bayes < ctx_.saveToSpamThreshold) tray_.countGoodMessage();
+  if (store::suppressMessage(message, ctx_.settings) || (message.deleted && pass_.deleteSpam)) return;
+  if (!message.deleted && !message.ignored) tally_.passedMail = true;
+  windows_.addServerMessage(message, tally_.listed, accountTitle(ctx_.settings, message.fromAccount),
+                            serverOf(message.fromAccount));
+}
+
+std::string MailController::serverOf(int account) const {
+  return account >= 0 && account < kAccountCount ? tally_.serverNames[static_cast<std::size_t>(account)]
+                                                 : std::string();
 }
 
 void MailController::onDoingServer(const std::string& title) { windows_.addServerToLists(title); }
 
 void MailController::onNumberMessagesFound(const std::string& title, long count) {
-  windows_.setServerStatus(title, count == 0   ? std::string("No messages")
-                                  : count == 1 ? std::string("1 message")
-                                               : std::to_string(count) + " messages");
+  showServerStatus(title, count == 0   ? std::string("No messages")
+                          : count == 1 ? std::string("1 message")
+                                       : std::to_string(count) + " messages");
 }
 
-void MailController::onNoMail(const std::string& title) { windows_.setServerStatus(title, "No messages"); }
+void MailController::showServerStatus(const std::string& title, std::string_view text) {
+  if (!windows_.setServerStatus(title, text)) {
+    logAction("Was trying to display " + std::string(text) + " for server " + title);
+  }
+}
+
+void MailController::onNoMail(const std::string& title) { showServerStatus(title, "No messages"); }
 
 void MailController::onProgress(const std::string& text) { windows_.setStatusText(text); }
 
@@ -147,11 +163,12 @@ void MailController::onDeletedSpam(int count) {
 void MailController::onPopError(const std::string& title, const std::string& text) {
   const std::string shown = withoutLineEnds(text);
   windows_.setStatusText(shown);
-  windows_.setServerStatus(title, shown);
+  windows_.showStatusError(true);
+  showServerStatus(title, shown);
 }
 
 void MailController::onCancelled(const std::string& title) {
-  windows_.setServerStatus(title, "Communications cancelled");
+  showServerStatus(title, "Communications cancelled");
   currentAccount_.reset();
   onAccountFinished();
 }
@@ -171,6 +188,7 @@ void MailController::onNoConnection() {
   tray_.showError();
   windows_.showTrayError("No internet connection");
   windows_.setStatusText("No Internet Connection");
+  windows_.showStatusError(true);
 }
 
 void MailController::onFailure(const pop3::Pop3Failure& failure) {
@@ -187,12 +205,13 @@ void MailController::onFailure(const pop3::Pop3Failure& failure) {
 void MailController::showFailure(int account) {
   if (!tally_.failures.failed(account)) return;
   const std::string cause = tally_.failures.cause(account);
-  windows_.setServerStatus(accountTitle(ctx_.settings, account), cause);
+  showServerStatus(accountTitle(ctx_.settings, account), cause);
   windows_.setStatusText(accountName(ctx_.settings, account) + ": " + cause);
 }
 
 void MailController::onFinished(const std::string&, long) {
   windows_.setStatusText("");
+  windows_.showStatusError(false);
   // Again with the account's final counts.
   if (currentAccount_) showFailure(*currentAccount_);
   onAccountFinished();

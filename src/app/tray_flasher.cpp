@@ -23,11 +23,15 @@ std::string TrayFlasher::startTip() const {
 
 void TrayFlasher::start() {
   timer_.start();
-  goodMessages_ = 0;
+  restartCount();
 }
 
 void TrayFlasher::stop() {
   timer_.stop();
+  showLargeS();
+}
+
+void TrayFlasher::showLargeS() {
   large_ = true;
   show(TrayPicture::LargeS);
 }

@@ -21,8 +21,11 @@ class TrayFlasher final : public QObject {
   std::string startTip() const;
   // Flashes for a new pass, counting its good messages from zero.
   void start();
-  // Back to the large picture.
+  // Stops flashing, back to the large picture.
   void stop();
+  void showLargeS();
+  // For a list judged again: its good messages are counted afresh.
+  void restartCount() { goodMessages_ = 0; }
   void showError();
   void countGoodMessage() { ++goodMessages_; }
   bool isFlashing() const { return timer_.isActive(); }

@@ -8,25 +8,31 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QHeaderView>
+#include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPainter>
+#include <QPlainTextEdit>
 #include <QScreen>
+#include <QShortcut>
 #include <QSplashScreen>
+#include <QSplitter>
 #include <QStatusBar>
 #include <QSystemTrayIcon>
-#include <QTreeWidget>
+#include <QTreeView>
+#include <QVBoxLayout>
+#include <algorithm>
 
+#include "app/mail_controller.h"
 #include "app/qtext.h"
-#include "core/rules/status_word.h"
-#include "core/text/numbers.h"
+#include "ui/source_window.h"
 
 namespace vonel {
 namespace {
 
-constexpr int kTwipsPerInch = 1440;
-// Where a server's row keeps the account title it is found by.
-constexpr int kServerTitleRole = Qt::UserRole + 1;
+constexpr double kTwipsPerInch = 1440.0;
+const QString kNoSelection = QStringLiteral("Click an email in the list above to view the headers in this box.");
 
 QPixmap splashPicture() {
   QPixmap picture(360, 160);
@@ -58,24 +64,156 @@ QIcon trayPicture(TrayPicture kind) {
   return QIcon(picture);
 }
 
+BlockTarget blockTarget(ServerMailCommand command) {
+  switch (command) {
+    case ServerMailCommand::BlockRecipient: return BlockTarget::Recipient;
+    case ServerMailCommand::BlockSenderDomain: return BlockTarget::SenderDomain;
+    case ServerMailCommand::BlockRecipientDomain: return BlockTarget::RecipientDomain;
+    default: return BlockTarget::Sender;
+  }
+}
+
 }  // namespace
 
-ScannerWindow::ScannerWindow() : list_(new QTreeWidget(this)) {
+ScannerWindow::ScannerWindow(AppContext& context)
+    : ctx_(context),
+      list_(new QTreeView(this)),
+      headers_(new QPlainTextEdit(this)),
+      messageNumber_(new QLabel(this)),
+      statusPicture_(new QLabel(this)),
+      statusText_(new QLabel(this)),
+      timerText_(new QLabel(this)),
+      listMenu_(new ServerMailMenu(this)) {
   setObjectName("frmMain");
   setWindowTitle("Vonel");
-  list_->setObjectName("ListServerMail");
-  list_->setRootIsDecorated(false);
-  list_->setHeaderLabels({"#", "Account", "Status", "Score", "From", "Subject"});
-  setCentralWidget(list_);
-
-  auto* fileMenu = menuBar()->addMenu("&File");
-  auto* exit = fileMenu->addAction("E&xit");
-  exit->setObjectName("mnuExit");
-  connect(exit, &QAction::triggered, this, &ScannerWindow::onExitTriggered);
-  statusBar()->setObjectName("StatusBar1");
+  setCentralWidget(buildListAndHeaders());
+  buildMenus();
+  buildKeys();
+  buildStatusBar();
+  connect(listMenu_, &ServerMailMenu::chosen, this, &ScannerWindow::onListCommand);
+  refreshAvailability();
 }
 
 ScannerWindow::~ScannerWindow() = default;
+
+void ScannerWindow::attach(MailController& controller) { controller_ = &controller; }
+
+QWidget* ScannerWindow::buildListAndHeaders() {
+  auto* page = new QWidget(this);
+  auto* layout = new QVBoxLayout(page);
+  auto* note = new QLabel(
+      "This preview window shows the mail waiting to be downloaded. Click Send/Receive to retrieve messages.", page);
+  note->setObjectName("lblNote");
+  note->setWordWrap(true);
+  layout->addWidget(note);
+
+  list_->setObjectName("ListServerMail");
+  list_->setAccessibleName("Messages waiting on the servers");
+  list_->setModel(&model_);
+  list_->setRootIsDecorated(false);
+  list_->setUniformRowHeights(true);
+  list_->setAllColumnsShowFocus(true);
+  list_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+  list_->setSelectionBehavior(QAbstractItemView::SelectRows);
+  list_->setColumnHidden(static_cast<int>(ServerMailColumn::Number), true);
+  list_->setContextMenuPolicy(Qt::CustomContextMenu);
+  const std::array<int, 8> widths{70, 55, 200, 260, 110, 160, 40, 130};
+  for (std::size_t column = 0; column < widths.size(); ++column) {
+    list_->header()->resizeSection(static_cast<int>(column), widths[column]);
+  }
+  connect(list_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+          &ScannerWindow::onCurrentRowChanged);
+  connect(list_, &QWidget::customContextMenuRequested, this, &ScannerWindow::onContextMenu);
+
+  auto* lower = new QWidget(this);
+  auto* lowerLayout = new QVBoxLayout(lower);
+  lowerLayout->setContentsMargins(0, 0, 0, 0);
+  auto* caption = new QHBoxLayout;
+  auto* headersLabel = new QLabel("&Headers:", lower);
+  headersLabel->setObjectName("lblHeaders");
+  headersLabel->setBuddy(headers_);
+  messageNumber_->setObjectName("lblMessageNumber");
+  messageNumber_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  caption->addWidget(headersLabel);
+  caption->addStretch();
+  caption->addWidget(messageNumber_);
+  lowerLayout->addLayout(caption);
+  headers_->setObjectName("txtHeaders");
+  headers_->setReadOnly(true);
+  headers_->setLineWrapMode(QPlainTextEdit::NoWrap);
+  headers_->setPlainText(kNoSelection);
+  lowerLayout->addWidget(headers_);
+
+  auto* splitter = new QSplitter(Qt::Vertical, page);
+  splitter->addWidget(list_);
+  splitter->addWidget(lower);
+  splitter->setStretchFactor(0, 3);
+  splitter->setStretchFactor(1, 1);
+  layout->addWidget(splitter);
+  return page;
+}
+
+void ScannerWindow::buildMenus() {
+  auto* fileMenu = menuBar()->addMenu("&File");
+  fileMenu->setObjectName("mnuFile");
+  auto* scan = fileMenu->addAction("&Scan");
+  scan->setObjectName("mnuScan");
+  connect(scan, &QAction::triggered, this, [this] {
+    if (controller_) controller_->scanAll();
+  });
+  auto* silent = fileMenu->addAction("S&ilent");
+  silent->setObjectName("mnuSilent");
+  silent->setCheckable(true);
+  connect(silent, &QAction::toggled, this, [this](bool quiet) {
+    if (controller_) controller_->setSound(!quiet);
+  });
+  fileMenu->addSeparator();
+  auto* exit = fileMenu->addAction("E&xit");
+  exit->setObjectName("mnuExit");
+  connect(exit, &QAction::triggered, this, &ScannerWindow::onExitTriggered);
+}
+
+// The keys work wherever the focus is in the window.
+void ScannerWindow::buildKeys() {
+  const auto key = [this](QKeySequence sequence, auto command) {
+    auto* shortcut = new QShortcut(sequence, this);
+    connect(shortcut, &QShortcut::activated, this, [this, command] {
+      if (controller_) (controller_->*command)();
+    });
+  };
+  key(QKeySequence(Qt::Key_F5), &MailController::scan);
+  key(QKeySequence(Qt::CTRL | Qt::Key_F5), &MailController::scanAndDelete);
+  key(QKeySequence(Qt::Key_F2), &MailController::downloadOnly);
+  key(QKeySequence(Qt::CTRL | Qt::Key_F2), &MailController::downloadAndDelete);
+  key(QKeySequence(Qt::Key_F3), &MailController::sendOutboxIfIdle);
+  auto* mailer = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Space), this);
+  connect(mailer, &QShortcut::activated, this, &ScannerWindow::switchToMailer);
+}
+
+void ScannerWindow::buildStatusBar() {
+  statusBar()->setObjectName("SB1");
+  auto* progress = new QWidget(this);
+  progress->setObjectName("SB1_1");
+  auto* layout = new QHBoxLayout(progress);
+  layout->setContentsMargins(0, 0, 0, 0);
+  statusPicture_->setObjectName("SB1_1_picture");
+  statusText_->setObjectName("SB1_1_text");
+  statusText_->setAccessibleName("Progress");
+  layout->addWidget(statusPicture_);
+  layout->addWidget(statusText_, 1);
+  timerText_->setObjectName("SB1_2");
+  timerText_->setAccessibleName("Next scan");
+  statusBar()->addWidget(progress, 1);
+  statusBar()->addPermanentWidget(timerText_);
+}
+
+void ScannerWindow::refreshAvailability() {
+  listMenu_->setAvailable(ServerMailCommand::MarkJunk, bool(host_.markJunk));
+  listMenu_->setAvailable(ServerMailCommand::CreateFilter, bool(host_.createRuleFrom));
+  listMenu_->setAvailable(ServerMailCommand::EditFilter, bool(host_.editRule));
+  listMenu_->setAvailable(ServerMailCommand::ReadMessage, bool(host_.readMessage));
+  listMenu_->setAvailable(ServerMailCommand::Bounce, bool(host_.bounce));
+}
 
 void ScannerWindow::onExitTriggered() {
   if (onExit && onExit()) QApplication::quit();
@@ -106,7 +244,11 @@ void ScannerWindow::setBusy(bool busy) {
   else QApplication::restoreOverrideCursor();
 }
 
-void ScannerWindow::setupListView() { list_->clear(); }
+void ScannerWindow::setupListView() {
+  model_.clear();
+  showHeaders(nullptr, {});
+  QApplication::processEvents();
+}
 
 void ScannerWindow::showTicketButton(bool) {}
 
@@ -124,7 +266,13 @@ void ScannerWindow::removeTrayIcon() {
   if (tray_) tray_->hide();
 }
 
-void ScannerWindow::setStatusText(std::string_view text) { statusBar()->showMessage(toQString(text)); }
+void ScannerWindow::setStatusText(std::string_view text) { statusText_->setText(toQString(text)); }
+
+void ScannerWindow::showStatusError(bool error) {
+  statusPicture_->setPixmap(error ? trayPicture(TrayPicture::Error).pixmap(16, 16) : QPixmap());
+}
+
+void ScannerWindow::setTimerStatus(std::string_view text) { timerText_->setText(toQString(text)); }
 
 void ScannerWindow::showTrayError(std::string_view text) {
   if (tray_) tray_->showMessage("Vonel", toQString(text), QSystemTrayIcon::Warning);
@@ -148,51 +296,160 @@ void ScannerWindow::playSound(const std::filesystem::path& wave) {
 #endif
 }
 
-// A server's row spans the list: its title, and what the pass found there.
-void ScannerWindow::addServerToLists(const std::string& title) {
-  auto* row = new QTreeWidgetItem(list_);
-  row->setData(0, kServerTitleRole, toQString(title));
-  row->setText(0, toQString(title));
-  row->setFirstColumnSpanned(true);
-}
+void ScannerWindow::addServerToLists(const std::string& title) { model_.addServer(toQString(title)); }
 
-void ScannerWindow::setServerStatus(const std::string& title, std::string_view text) {
-  if (QTreeWidgetItem* row = serverRow(title)) row->setText(0, toQString(title) + ": " + toQString(text));
-}
-
-QTreeWidgetItem* ScannerWindow::serverRow(const std::string& title) const {
-  const QString key = toQString(title);
-  for (int i = list_->topLevelItemCount() - 1; i >= 0; --i) {
-    QTreeWidgetItem* row = list_->topLevelItem(i);
-    if (row->data(0, kServerTitleRole).toString() == key) return row;
-  }
-  return nullptr;
+bool ScannerWindow::setServerStatus(const std::string& title, std::string_view text) {
+  return model_.setServerStatus(toQString(title), toQString(text));
 }
 
 void ScannerWindow::showConnectionError(std::string_view text) {
   QMessageBox::warning(this, "Vonel", toQString(text));
 }
 
-void ScannerWindow::addServerMessage(const message::Message& m, long number, const std::string& accountTitle) {
-  auto* row = new QTreeWidgetItem(list_);
-  row->setText(0, QString::number(number));
-  row->setText(1, toQString(accountTitle));
-  row->setText(2, toQString(rules::statusWord(m)));
-  row->setText(3, toQString(text::plainText(m.bayes)));
-  row->setText(4, toQString(m.from));
-  row->setText(5, m.ignored ? QStringLiteral("N/A") : toQString(m.subject));
-  // Colours are kept as blue-green-red numbers.
-  const QColor colour(m.colour & 0xFF, (m.colour >> 8) & 0xFF, (m.colour >> 16) & 0xFF);
-  for (int column = 0; column < 6; ++column) row->setForeground(column, colour);
+void ScannerWindow::addServerMessage(const message::Message& m, long number, const std::string&,
+                                     const std::string& server) {
+  model_.add(messageRow(m, number, server));
 }
 
-void ScannerWindow::setupMenus() {}
+std::string ScannerWindow::currentKey() const {
+  const QModelIndex current = list_->currentIndex();
+  if (!current.isValid()) return {};
+  const ServerMailRow& row = model_.row(current.row());
+  // A row without a server isn't a message.
+  if (row.kind != ServerMailRowKind::Message || row.cell(ServerMailColumn::Server).isEmpty()) return {};
+  return fromQString(row.key);
+}
 
-void ScannerWindow::switchToMailer() {}
+const message::Message* ScannerWindow::currentMessage() const {
+  return controller_ ? controller_->scannedMessage(currentKey()) : nullptr;
+}
+
+std::vector<std::string> ScannerWindow::selectedKeys() const {
+  QModelIndexList rows = list_->selectionModel()->selectedRows();
+  std::sort(rows.begin(), rows.end(), [](const QModelIndex& a, const QModelIndex& b) { return a.row() < b.row(); });
+  std::vector<std::string> keys;
+  for (const QModelIndex& index : rows) {
+    const ServerMailRow& row = model_.row(index.row());
+    if (row.kind == ServerMailRowKind::Message && !row.key.isEmpty()) keys.push_back(fromQString(row.key));
+  }
+  return keys;
+}
+
+void ScannerWindow::onCurrentRowChanged() {
+  const std::string key = currentKey();
+  showHeaders(currentMessage(), toQString(key));
+}
+
+void ScannerWindow::showHeaders(const message::Message* message, const QString& key) {
+  if (!message) {
+    headers_->setPlainText(kNoSelection);
+    messageNumber_->clear();
+    return;
+  }
+  headers_->setPlainText(toQString(message->headers));
+  messageNumber_->setText("Msg: " + key + " on " + toQString(controller_->accountServer(message->fromAccount)));
+}
+
+void ScannerWindow::onContextMenu(const QPoint& position) {
+  const QModelIndex index = list_->indexAt(position);
+  if (!index.isValid() || !controller_) return;
+  // A click on a selected row keeps the selection, so a command can act on all of it.
+  auto* selection = list_->selectionModel();
+  const auto keep = selection->isRowSelected(index.row(), {}) ? QItemSelectionModel::NoUpdate
+                                                              : QItemSelectionModel::ClearAndSelect;
+  selection->setCurrentIndex(index, keep | QItemSelectionModel::Rows);
+  const std::string key = currentKey();
+  const message::Message* message = controller_->scannedMessage(key);
+  if (!message) return;
+  ServerMailMenuState state;
+  state.messageNumber = QString::number(message->messageNumThisAcc);
+  state.server = toQString(controller_->accountServer(message->fromAccount));
+  state.filterReason = toQString(message->filterReason);
+  state.readOnServerDisabled = ctx_.settings.get("DisableReadOnServer", Value(false)).flag();
+  state.senderBlocked = controller_->blocked(BlockTarget::Sender, key);
+  state.recipientBlocked = controller_->blocked(BlockTarget::Recipient, key);
+  state.senderDomainBlocked = controller_->blocked(BlockTarget::SenderDomain, key);
+  state.recipientDomainBlocked = controller_->blocked(BlockTarget::RecipientDomain, key);
+  state.recipientIgnored = controller_->recipientIgnored(key);
+  listMenu_->prepare(state);
+  listMenu_->popup(list_->viewport()->mapToGlobal(position));
+}
+
+void ScannerWindow::onListCommand(ServerMailCommand command, bool undo) {
+  if (!controller_) return;
+  const std::string key = currentKey();
+  const message::Message* message = controller_->scannedMessage(key);
+  switch (command) {
+    case ServerMailCommand::BlockSender:
+    case ServerMailCommand::BlockRecipient:
+    case ServerMailCommand::BlockSenderDomain:
+    case ServerMailCommand::BlockRecipientDomain:
+      controller_->blockOrUnblock(blockTarget(command), !undo, selectedKeys());
+      break;
+    case ServerMailCommand::IgnoreRecipient:
+      controller_->ignoreOrNot(undo, key);
+      break;
+    case ServerMailCommand::MarkJunk:
+      if (host_.markJunk) host_.markJunk(selectedKeys(), true);
+      break;
+    case ServerMailCommand::CreateFilter:
+      if (host_.createRuleFrom && message) host_.createRuleFrom(*message);
+      break;
+    case ServerMailCommand::EditFilter:
+      if (host_.editRule && message) host_.editRule(message->filterReason);
+      break;
+    case ServerMailCommand::ReadMessage:
+    case ServerMailCommand::ViewSource:
+    case ServerMailCommand::Download:
+      if (message) {
+        const FetchPurpose purpose = command == ServerMailCommand::ReadMessage ? FetchPurpose::Read
+                                     : command == ServerMailCommand::ViewSource ? FetchPurpose::ViewSource
+                                                                                : FetchPurpose::Download;
+        controller_->fetchSpecificMessage(purpose, message->fromAccount, message->messageNumThisAcc);
+      }
+      break;
+    case ServerMailCommand::Bounce:
+      if (host_.bounce && message) host_.bounce(*message);
+      break;
+  }
+}
+
+void ScannerWindow::readListSettings() {
+  QFont font = list_->font();
+  font.setPointSizeF(ctx_.settings.get("FontSize", Value(8)).numberOr(8));
+  list_->setFont(font);
+  if (auto* silent = findChild<QAction*>("mnuSilent")) {
+    const QSignalBlocker quiet(silent);
+    silent->setChecked(ctx_.settings.get("AUDIO", Value(0)).numberOr(0) != 1);
+  }
+}
+
+void ScannerWindow::setupMenus() { readListSettings(); }
+
+void ScannerWindow::showMessage(const message::Message& message) {
+  if (host_.readMessage) host_.readMessage(message);
+}
+
+void ScannerWindow::openFile(const std::filesystem::path& file) { showSourceWindow(file, this); }
+
+void ScannerWindow::showSettings() {
+  if (host_.openSettings) host_.openSettings();
+}
+
+void ScannerWindow::storeWindowState() {
+  ctx_.settings.set("MainWindowState", Value(static_cast<int>(geometryTwips().state)));
+}
+
+void ScannerWindow::switchToMailer() {
+  if (!host_.openMailer) return;
+  storeWindowState();
+  host_.openMailer();
+  hide();
+}
 
 int ScannerWindow::twipsPerPixel() const {
   const int dpi = logicalDpiX() > 0 ? logicalDpiX() : 96;
-  return kTwipsPerInch / dpi;
+  return static_cast<int>(kTwipsPerInch / dpi);
 }
 
 WindowGeometry ScannerWindow::screenTwips() const {
@@ -237,7 +494,9 @@ void ScannerWindow::pumpEvents() { QApplication::processEvents(); }
 
 void ScannerWindow::closeEvent(QCloseEvent* event) {
   if (event->spontaneous()) {
+    storeWindowState();
     hide();
+    QApplication::processEvents();
     event->ignore();
     return;
   }

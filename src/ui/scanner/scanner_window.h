@@ -1,25 +1,44 @@
 #pragma once
-// The scanner window: the list of messages waiting on the servers, the status
-// bar and the tray icon. The controller reaches it through AppWindows.
+// The scanner window: the list of messages waiting on the servers with the
+// verdict on each, the selected message's headers, the toolbar, the status
+// bar and the tray icon. The controller reaches it through AppWindows; the
+// window's commands go to the controller.
 #include <QMainWindow>
 #include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "app/app_windows.h"
+#include "core/context/app_context.h"
+#include "ui/scanner/server_mail_menu.h"
+#include "ui/scanner/server_mail_model.h"
+#include "ui/window_host.h"
 
+class QLabel;
+class QPlainTextEdit;
 class QSplashScreen;
 class QSystemTrayIcon;
-class QTreeWidget;
-class QTreeWidgetItem;
+class QTreeView;
 
 namespace vonel {
+
+class MailController;
 
 class ScannerWindow final : public QMainWindow, public AppWindows {
   Q_OBJECT
 
  public:
-  ScannerWindow();
+  explicit ScannerWindow(AppContext& context);
   ~ScannerWindow() override;
+
+  // The window's commands go to this controller from now on.
+  void attach(MailController& controller);
+  WindowHost& host() { return host_; }
+  // Enables the controls whose window or feature has arrived in the host.
+  void refreshAvailability();
+  // The model that the mailer's list of server mail shows too.
+  ServerMailModel& serverMail() { return model_; }
 
   // Called by the Exit command; returns true when the program is to end.
   std::function<bool()> onExit;
@@ -34,7 +53,10 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
   void showTrayIcon(std::string_view tip) override;
   void removeTrayIcon() override;
   void setStatusText(std::string_view text) override;
-  void addServerMessage(const message::Message& message, long number, const std::string& accountTitle) override;
+  void showStatusError(bool error) override;
+  void setTimerStatus(std::string_view text) override;
+  void addServerMessage(const message::Message& message, long number, const std::string& accountTitle,
+                        const std::string& server) override;
   void setupMenus() override;
   void switchToMailer() override;
   WindowGeometry screenTwips() const override;
@@ -47,22 +69,50 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
   void pumpEvents() override;
   void showTrayError(std::string_view text) override;
   void addServerToLists(const std::string& title) override;
-  void setServerStatus(const std::string& title, std::string_view text) override;
+  bool setServerStatus(const std::string& title, std::string_view text) override;
   void showConnectionError(std::string_view text) override;
   void showTrayPicture(TrayPicture picture, std::string_view tip) override;
+  void showMessage(const message::Message& message) override;
+  void openFile(const std::filesystem::path& file) override;
+  void showSettings() override;
   // The end-of-pass chime, where the system can play sound; otherwise nothing.
   void playSound(const std::filesystem::path& wave) override;
+
+  // The keys of the selected message rows, in list order.
+  std::vector<std::string> selectedKeys() const;
 
  protected:
   // Closing the window only hides it; the program goes on in the tray.
   void closeEvent(QCloseEvent* event) override;
 
  private:
+  void buildMenus();
+  void buildKeys();
+  void buildStatusBar();
+  QWidget* buildListAndHeaders();
   void onExitTriggered();
-  QTreeWidgetItem* serverRow(const std::string& title) const;
+  void onCurrentRowChanged();
+  void onContextMenu(const QPoint& position);
+  void onListCommand(ServerMailCommand command, bool undo);
+  // The message of the current row; none for a server's or a notice row.
+  const message::Message* currentMessage() const;
+  std::string currentKey() const;
+  void showHeaders(const message::Message* message, const QString& key);
+  void storeWindowState();
+  void readListSettings();
   int twipsPerPixel() const;
 
-  QTreeWidget* list_;
+  AppContext& ctx_;
+  MailController* controller_ = nullptr;
+  WindowHost host_;
+  ServerMailModel model_;
+  QTreeView* list_;
+  QPlainTextEdit* headers_;
+  QLabel* messageNumber_;
+  QLabel* statusPicture_;
+  QLabel* statusText_;
+  QLabel* timerText_;
+  ServerMailMenu* listMenu_;
   std::unique_ptr<QSplashScreen> splash_;
   QSystemTrayIcon* tray_ = nullptr;
   QObject* chime_ = nullptr;  // made at the first sound
