@@ -6,6 +6,7 @@
 #include "app/mail_controller.h"
 #include "app/headless_run.h"
 #include "app/platform.h"
+#include "app/termination_signal.h"
 #include "ui/dialog_prompt.h"
 #include "ui/password_dialog.h"
 #include "ui/scanner/scanner_window.h"
@@ -46,6 +47,14 @@ int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
   vonel::MailController controller(context, window, passwords);
   window.attach(controller);
   window.onExit = [&controller] { return controller.exitProgram(); };
+  // The end of the session or a stop from the system leaves without a question.
+  const auto leaveQuietly = [&controller] {
+    controller.exitProgram(vonel::ExitQuestions::Skip);
+    QApplication::quit();
+  };
+  vonel::TerminationSignal termination;
+  QObject::connect(&termination, &vonel::TerminationSignal::received, leaveQuietly);
+  QObject::connect(&application, &QGuiApplication::commitDataRequest, leaveQuietly);
   controller.startup();
   return application.exec();
 }

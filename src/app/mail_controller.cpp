@@ -190,7 +190,7 @@ void MailController::onDelayedStart() {
 
 bool MailController::outboxHoldsMail() const { return !send::listOutboxFiles(ctx_.folders.outboxFolderPath).empty(); }
 
-bool MailController::exitProgram() {
+bool MailController::exitProgram(ExitQuestions questions) {
   auto& log = ctx_.log;
   const std::string version = log.info().version;
   bool keepRunning = false;
@@ -207,7 +207,7 @@ bool MailController::exitProgram() {
       passRunning_ = false;
       waitWhileEventsRun(kShutdownWaitMs);
     }
-    if (outboxHoldsMail() &&
+    if (questions == ExitQuestions::Ask && outboxHoldsMail() &&
         ctx_.prompt.ask("You still have mail in your outbox. Are you sure you want to quit?", Buttons::YesNo,
                         "Vonel") == Answer::No) {
       keepRunning = true;

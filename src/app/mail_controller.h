@@ -29,6 +29,10 @@ namespace vonel {
 
 enum class StartupResult { Started, NoAccount };
 
+// Whether leaving may ask the user: not when the session ends or the system
+// asks the program to stop, as nobody is there to answer.
+enum class ExitQuestions { Ask, Skip };
+
 // What a block or unblock of the scanner's list acts on.
 enum class BlockTarget { Sender, Recipient, SenderDomain, RecipientDomain };
 
@@ -44,7 +48,7 @@ class MailController : public QObject, public pop3::Pop3Listener {
 
   StartupResult startup();
   // False when the user chose to keep the program running.
-  bool exitProgram();
+  bool exitProgram(ExitQuestions questions = ExitQuestions::Ask);
 
   // The one entry point of a pass over the servers; ignored while a pass runs
   // and before start-up.

@@ -23,6 +23,7 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <cmath>
 
 #include "app/mail_controller.h"
 #include "app/qtext.h"
@@ -263,6 +264,7 @@ void ScannerWindow::showTrayIcon(std::string_view tip) {
 }
 
 void ScannerWindow::removeTrayIcon() {
+  leaving_ = true;
   if (tray_) tray_->hide();
 }
 
@@ -447,29 +449,31 @@ void ScannerWindow::switchToMailer() {
   hide();
 }
 
-int ScannerWindow::twipsPerPixel() const {
-  const int dpi = logicalDpiX() > 0 ? logicalDpiX() : 96;
-  return static_cast<int>(kTwipsPerInch / dpi);
-}
+double ScannerWindow::logicalDpi() const { return logicalDpiX() > 0 ? logicalDpiX() : 96.0; }
+
+// Twips are 1/1440 inch: pixels x 1440 / the screen's logical dots per inch.
+int ScannerWindow::toTwips(int pixels) const { return static_cast<int>(std::lround(pixels * kTwipsPerInch / logicalDpi())); }
+
+int ScannerWindow::toPixels(int twips) const { return static_cast<int>(std::lround(twips * logicalDpi() / kTwipsPerInch)); }
 
 WindowGeometry ScannerWindow::screenTwips() const {
   const QScreen* screen = this->screen() ? this->screen() : QGuiApplication::primaryScreen();
   if (!screen) return {};
   const QSize size = screen->availableGeometry().size();
-  return {size.width() * twipsPerPixel(), size.height() * twipsPerPixel()};
+  return {toTwips(size.width()), toTwips(size.height())};
 }
 
 WindowGeometry ScannerWindow::geometryTwips() const {
   const WindowState state = isMaximized()   ? WindowState::Maximised
                             : isMinimized() ? WindowState::Minimised
                                             : WindowState::Normal;
-  return {width() * twipsPerPixel(), height() * twipsPerPixel(), state};
+  return {toTwips(width()), toTwips(height()), state};
 }
 
 void ScannerWindow::maximise() { setWindowState(windowState() | Qt::WindowMaximized); }
 
 void ScannerWindow::resizeTwips(int widthTwips, int heightTwips) {
-  resize(widthTwips / twipsPerPixel(), heightTwips / twipsPerPixel());
+  resize(toPixels(widthTwips), toPixels(heightTwips));
 }
 
 void ScannerWindow::showMain() {
@@ -478,7 +482,12 @@ void ScannerWindow::showMain() {
   activateWindow();
 }
 
-void ScannerWindow::hideMain() { hide(); }
+// Without a tray a hidden window could never be reached again: it is
+// minimised instead, but for the last hide of a program that is leaving.
+void ScannerWindow::hideMain() {
+  if (tray_ || leaving_) hide();
+  else showMinimized();
+}
 
 void ScannerWindow::closeOtherWindows(const std::function<void(const std::string&)>& onClose) {
   const auto windows = QApplication::topLevelWidgets();
@@ -495,7 +504,7 @@ void ScannerWindow::pumpEvents() { QApplication::processEvents(); }
 void ScannerWindow::closeEvent(QCloseEvent* event) {
   if (event->spontaneous()) {
     storeWindowState();
-    hide();
+    hideMain();
     QApplication::processEvents();
     event->ignore();
     return;

@@ -100,7 +100,9 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
   void showHeaders(const message::Message* message, const QString& key);
   void storeWindowState();
   void readListSettings();
-  int twipsPerPixel() const;
+  double logicalDpi() const;
+  int toTwips(int pixels) const;
+  int toPixels(int twips) const;
 
   AppContext& ctx_;
   MailController* controller_ = nullptr;
@@ -116,6 +118,7 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
   std::unique_ptr<QSplashScreen> splash_;
   QSystemTrayIcon* tray_ = nullptr;
   QObject* chime_ = nullptr;  // made at the first sound
+  bool leaving_ = false;       // the program is shutting down
 };
 
 }  // namespace vonel
