@@ -16,19 +16,7 @@ account0_settings >"$home/Vonel.ini"
 seconds() { python3 -c 'import sys,time; print(f"{time.time():.6f}")'; }
 filled=0
 for count in "${counts[@]}"; do
-  python3 - "$maildir/new" "$filled" "$count" <<'PY'
-import os, random, sys
-folder, start, end = sys.argv[1], int(sys.argv[2]), int(sys.argv[3])
-random.seed(start)
-for i in range(start + 1, end + 1):
-    received = "".join(f"Received: from relay{k}.example.net (relay{k}.example.net [10.0.{k}.{i % 250}])\r\n\tby mx.example.org with ESMTP id {i}{k}\r\n" for k in range(random.randint(2, 6)))
-    body = "Lorem ipsum dolor sit amet.\r\n" * random.randint(5, 200)
-    text = (received + f"From: Sender {i} <sender{i}@example.com>\r\nTo: jo@example.org\r\nSubject: Report number {i}\r\n"
-            f"Date: Mon, 23 Nov 2026 10:{i % 60:02d}:00 +0000\r\nMessage-ID: <{i}.bench@example.com>\r\n"
-            "MIME-Version: 1.0\r\nContent-Type: text/plain; charset=us-ascii\r\n\r\n" + body)
-    with open(os.path.join(folder, f"{i:06d}.bench"), "w", newline="") as f:
-        f.write(text)
-PY
+  "$source_dir/tools/fill-maildir.py" "$maildir/new" "$filled" "$count"
   chmod -R a+rwX "$maildir"
   filled=$count
   # Warm the server's index so that its first listing doesn't count.
