@@ -19,6 +19,8 @@ class SplashWindowTest : public QObject {
 
     const auto* picture = splash.findChild<QLabel*>("Picture1");
     QVERIFY(picture && !picture->pixmap().isNull());
+    const QImage drawn = picture->pixmap().toImage();
+    QCOMPARE(qAlpha(drawn.pixel(drawn.rect().center())), 255);  // the SVG was found and drawn
     // Drawn at the screen's own density, not scaled up from a smaller picture.
     QCOMPARE(picture->pixmap().devicePixelRatio(), splash.devicePixelRatioF());
     QVERIFY(!picture->accessibleName().isEmpty());
