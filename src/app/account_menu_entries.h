@@ -1,0 +1,21 @@
+#pragma once
+// The accounts the toolbar's drop-down menus offer: those in use, each with
+// the name a user knows it by.
+#include <string>
+#include <vector>
+
+#include "core/settings/settings_store.h"
+
+namespace vonel {
+
+struct AccountMenuEntry {
+  int index = 0;     // the account's number in the settings keys (TITLE<index>)
+  std::string name;  // Windows-1252 bytes
+};
+
+// TITLE<n>; without a title "Account " + (n+1) + " " + UNAME<n>, numbered as
+// accountTitle numbers accounts, and by number alone when there is no user
+// name either.
+std::vector<AccountMenuEntry> accountMenuEntries(const SettingsStore& settings);
+
+}  // namespace vonel
