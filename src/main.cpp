@@ -7,6 +7,7 @@
 #include "app/headless_run.h"
 #include "app/platform.h"
 #include "ui/dialog_prompt.h"
+#include "ui/guarded_application.h"
 #include "ui/password_dialog.h"
 #include "ui/scanner/scanner_window.h"
 
@@ -33,13 +34,15 @@ bool displayAvailable() {
 }
 
 int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
-  QApplication application(argc, argv);
+  vonel::GuardedApplication application(argc, argv);
   application.setApplicationName("Vonel");
   application.setQuitOnLastWindowClosed(false);
   const auto home = vonel::resolveHome(line.home);
   vonel::SystemClock clock;
   vonel::DialogPrompt prompt;
   vonel::AppContext context(clock, prompt, vonel::platformAppInfo(home), vonel::platformLocaleFacts());
+  prompt.setContext(&context);
+  application.setContext(&context);
   vonel::ScannerWindow window;
   prompt.setParent(&window);
   vonel::PasswordDialog passwords(&window);
