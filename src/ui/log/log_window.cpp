@@ -6,7 +6,6 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QKeyEvent>
-#include <QListView>
 #include <QMenuBar>
 #include <QScrollBar>
 #include <QTime>
@@ -15,17 +14,16 @@
 #include "app/qtext.h"
 #include "core/context/app_context.h"
 #include "ui/log/log_lines_model.h"
+#include "ui/log/log_view.h"
 
 namespace vonel {
 
 LogWindow::LogWindow(AppContext& context, QWidget* parent)
-    : QMainWindow(parent), context_(context), model_(new LogLinesModel(this)), view_(new QListView(this)) {
+    : QMainWindow(parent), context_(context), model_(new LogLinesModel(this)), view_(new LogView(this)) {
   setObjectName("frmLog");
 
   view_->setObjectName("txtLog");
   view_->setAccessibleName("Log");
-  view_->setUniformItemSizes(true);
-  view_->setLayoutMode(QListView::SinglePass);
   view_->setSelectionMode(QAbstractItemView::ExtendedSelection);
   view_->setEditTriggers(QAbstractItemView::NoEditTriggers);
   view_->setTextElideMode(Qt::ElideNone);
@@ -60,7 +58,7 @@ void LogWindow::refresh() {
   if (rows == 0) return;
   const QModelIndex last = model_->index(rows - 1);
   view_->selectionModel()->setCurrentIndex(last, QItemSelectionModel::NoUpdate);
-  view_->scrollTo(last, QAbstractItemView::PositionAtBottom);
+  view_->keepInSight(last, QAbstractItemView::PositionAtBottom);
 }
 
 bool LogWindow::eventFilter(QObject* watched, QEvent* event) {
@@ -89,9 +87,9 @@ void LogWindow::onRowsAboutToBeInserted() {
 
 void LogWindow::onRowsInserted() {
   if (atEndBeforeInsert_) {
-    view_->scrollTo(model_->index(model_->rowCount() - 1), QAbstractItemView::PositionAtBottom);
+    view_->keepInSight(model_->index(model_->rowCount() - 1), QAbstractItemView::PositionAtBottom);
   } else if (topBeforeInsert_.isValid()) {
-    view_->scrollTo(topBeforeInsert_, QAbstractItemView::PositionAtTop);
+    view_->keepInSight(topBeforeInsert_, QAbstractItemView::PositionAtTop);
   }
 }
 

@@ -4,12 +4,11 @@
 #include <QMainWindow>
 #include <QPersistentModelIndex>
 
-class QListView;
-
 namespace vonel {
 
 class AppContext;
 class LogLinesModel;
+class LogView;
 
 class LogWindow final : public QMainWindow {
   Q_OBJECT
@@ -29,7 +28,7 @@ class LogWindow final : public QMainWindow {
 
   AppContext& context_;
   LogLinesModel* model_;
-  QListView* view_;
+  LogView* view_;
   // Lines read late arrive above the shown ones; the view keeps its place.
   QPersistentModelIndex topBeforeInsert_;
   bool atEndBeforeInsert_ = false;
