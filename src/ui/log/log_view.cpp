@@ -1,5 +1,7 @@
 #include "ui/log/log_view.h"
 
+#include <QFontDatabase>
+
 namespace vonel {
 namespace {
 
@@ -12,6 +14,14 @@ LogView::LogView(QWidget* parent) : QListView(parent) {
   setUniformItemSizes(true);
   setLayoutMode(Batched);
   setBatchSize(kLinesPerBatch);
+  setSelectionMode(ExtendedSelection);
+  setEditTriggers(NoEditTriggers);
+  setTextElideMode(Qt::ElideNone);
+  setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+}
+
+QSize LogView::characterCell() const {
+  return {fontMetrics().horizontalAdvance(QLatin1Char('M')), fontMetrics().height()};
 }
 
 void LogView::keepInSight(const QModelIndex& index, ScrollHint hint) {

@@ -14,6 +14,9 @@ class LogView final : public QListView {
  public:
   explicit LogView(QWidget* parent = nullptr);
 
+  // One character of its fixed-width font.
+  QSize characterCell() const;
+
   // Scrolls the row into sight now, or as soon as it is laid out.
   void keepInSight(const QModelIndex& index, ScrollHint hint);
 

@@ -3,8 +3,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
-#include <QFontDatabase>
-#include <QFontMetrics>
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QScrollBar>
@@ -24,13 +22,7 @@ LogWindow::LogWindow(AppContext& context, QWidget* parent)
 
   view_->setObjectName("txtLog");
   view_->setAccessibleName("Log");
-  view_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-  view_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  view_->setTextElideMode(Qt::ElideNone);
-  const QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-  view_->setFont(font);
-  const QFontMetrics metrics(font);
-  model_->setCharacterCell(QSize(metrics.horizontalAdvance(QLatin1Char('M')), metrics.height()));
+  model_->setCharacterCell(view_->characterCell());
   view_->setModel(model_);
   setCentralWidget(view_);
 
@@ -95,7 +87,6 @@ void LogWindow::onRowsInserted() {
 
 LogWindow* showLogWindow(AppContext& context, QWidget* parent) {
   auto* window = new LogWindow(context, parent);
-  window->setWindowFlag(Qt::Window);
   window->setAttribute(Qt::WA_DeleteOnClose);
   window->show();
   return window;
