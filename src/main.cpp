@@ -8,6 +8,7 @@
 #include "app/platform.h"
 #include "app/termination_signal.h"
 #include "ui/dialog_prompt.h"
+#include "ui/guarded_application.h"
 #include "ui/password_dialog.h"
 #include "ui/scanner/scanner_window.h"
 
@@ -34,13 +35,15 @@ bool displayAvailable() {
 }
 
 int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
-  QApplication application(argc, argv);
+  vonel::GuardedApplication application(argc, argv);
   application.setApplicationName("Vonel");
   application.setQuitOnLastWindowClosed(false);
   const auto home = vonel::resolveHome(line.home);
   vonel::SystemClock clock;
   vonel::DialogPrompt prompt;
   vonel::AppContext context(clock, prompt, vonel::platformAppInfo(home), vonel::platformLocaleFacts());
+  prompt.setContext(&context);
+  application.setContext(&context);
   vonel::ScannerWindow window(context);
   prompt.setParent(&window);
   vonel::PasswordDialog passwords(&window);

@@ -3,6 +3,7 @@
 #include <QMessageBox>
 
 #include "app/qtext.h"
+#include "ui/errors/error_report_window.h"
 
 namespace vonel {
 
@@ -29,6 +30,10 @@ Answer DialogPrompt::ask(std::string_view text, Buttons buttons, std::string_vie
 }
 
 void DialogPrompt::showError(std::string_view text, std::string_view details) {
+  if (context_ != nullptr) {
+    showErrorReportWindow(*context_, text, details, parent_);
+    return;
+  }
   QMessageBox box(QMessageBox::Warning, QStringLiteral("Vonel"), QStringLiteral("An error has ocurred:"),
                   QMessageBox::Ok, parent_);
   box.setInformativeText(toQString(text));
