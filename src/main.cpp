@@ -6,6 +6,8 @@
 #include "app/mail_controller.h"
 #include "app/headless_run.h"
 #include "app/platform.h"
+#include "app/runner_commands.h"
+#include "app/single_instance.h"
 #include "ui/dialog_prompt.h"
 #include "ui/password_dialog.h"
 #include "ui/scanner/scanner_window.h"
@@ -40,12 +42,19 @@ int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
   vonel::SystemClock clock;
   vonel::DialogPrompt prompt;
   vonel::AppContext context(clock, prompt, vonel::platformAppInfo(home), vonel::platformLocaleFacts());
+  const QString command = vonel::passedCommand(line);
+  vonel::SingleInstance instance(home);
+  if (instance.passToRunningCopy(command, context.log)) return 0;
+  instance.listen();
   vonel::ScannerWindow window;
   prompt.setParent(&window);
   vonel::PasswordDialog passwords(&window);
   vonel::MailController controller(context, window, passwords);
   window.onExit = [&controller] { return controller.exitProgram(); };
-  controller.startup();
+  vonel::RunnerCommands runnerCommands(context, window);
+  QObject::connect(&instance, &vonel::SingleInstance::commandArrived,
+                   [&runnerCommands](const QString& text) { runnerCommands.onCommandArrived(text); });
+  if (controller.startup() == vonel::StartupResult::Started && !command.isEmpty()) runnerCommands.showMail(command);
   return application.exec();
 }
 
