@@ -15,6 +15,8 @@ cleanup() {
 }
 trap cleanup EXIT
 export QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
+export XDG_RUNTIME_DIR=$work/run
+mkdir -m 700 "$XDG_RUNTIME_DIR"
 printf 'REPLYADDRESS0,me@example.org\r\n' >"$work/Vonel.ini"
 "$vonel" --home "$work" >/dev/null 2>&1 &
 first=$!

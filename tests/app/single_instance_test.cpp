@@ -139,7 +139,15 @@ QByteArray answerTo(const QString& server, const QByteArray& bytes) {
 class SingleInstanceTest : public QObject {
   Q_OBJECT
 
+  // The sockets of this test's copies, killed ones' too, go with this folder.
+  QTemporaryDir runtime_;
+
  private slots:
+  void initTestCase() {
+    QVERIFY(runtime_.isValid());
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime_.path()));
+  }
+
   // Whatever connects gets a place in the slot only with a whole, proper frame.
   void onlyAWholeFrameReachesTheSlot() {
     QTemporaryDir home;

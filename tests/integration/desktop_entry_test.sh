@@ -7,6 +7,9 @@ vonel=$1
 source=$2
 tmp=$(mktemp -d)
 export QT_QPA_PLATFORM=offscreen
+# The copies' sockets, a killed one's too, go with the temporary folder.
+export XDG_RUNTIME_DIR=$tmp/run
+mkdir -m 700 "$XDG_RUNTIME_DIR"
 first=""
 cleanup() {
   if [ -n "$first" ]; then kill "$first" 2>/dev/null || true; wait "$first" 2>/dev/null || true; fi
