@@ -7,6 +7,8 @@
 #include "app/headless_run.h"
 #include "app/platform.h"
 #include "app/termination_signal.h"
+#include "app/runner_commands.h"
+#include "app/single_instance.h"
 #include "ui/dialog_prompt.h"
 #include "ui/guarded_application.h"
 #include "ui/password_dialog.h"
@@ -42,6 +44,10 @@ int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
   vonel::SystemClock clock;
   vonel::DialogPrompt prompt;
   vonel::AppContext context(clock, prompt, vonel::platformAppInfo(home), vonel::platformLocaleFacts());
+  const QString command = vonel::passedCommand(line);
+  vonel::SingleInstance instance(home);
+  if (instance.passToRunningCopy(command, context.log)) return 0;
+  instance.listen();
   prompt.setContext(&context);
   application.setContext(&context);
   vonel::ScannerWindow window(context);
@@ -58,7 +64,10 @@ int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
   vonel::TerminationSignal termination;
   QObject::connect(&termination, &vonel::TerminationSignal::received, leaveQuietly);
   QObject::connect(&application, &QGuiApplication::commitDataRequest, leaveQuietly);
-  controller.startup();
+  vonel::RunnerCommands runnerCommands(context, window);
+  QObject::connect(&instance, &vonel::SingleInstance::commandArrived,
+                   [&runnerCommands](const QString& text) { runnerCommands.onCommandArrived(text); });
+  if (controller.startup() == vonel::StartupResult::Started && !command.isEmpty()) runnerCommands.showMail(command);
   return application.exec();
 }
 

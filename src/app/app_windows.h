@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/message/mailto_link.h"
 #include "core/message/message.h"
 #include "core/store/received_mail.h"
 
@@ -87,6 +88,15 @@ class AppWindows {
   // Closes every other window, last opened first, naming each to `onClose`.
   virtual void closeOtherWindows(const std::function<void(const std::string&)>& onClose) = 0;
   virtual void pumpEvents() = 0;
+
+  // What a second start asks of the running copy (and a start of its own
+  // command line): the mail window, the main window, a composer filled from
+  // a mail link, a saved message file in its own window.
+  virtual bool mailerLoaded() const { return false; }
+  virtual void showMailer() {}
+  virtual bool mainVisible() const { return true; }
+  virtual void openComposer(const message::ComposeRequest&) {}
+  virtual void showMessageFile(const std::filesystem::path&) {}
 };
 
 }  // namespace vonel

@@ -1,5 +1,8 @@
 #include "app/command_line.h"
 
+#include <QFileInfo>
+#include <QUrl>
+
 #include "core/settings/accounts.h"
 
 namespace vonel {
@@ -89,5 +92,17 @@ QString commandLineHelp() {
 }
 
 QString versionText() { return QStringLiteral("vonel " VONEL_VERSION); }
+
+QString passedCommand(const CommandLine& line) {
+  QStringList parts;
+  for (const QString& argument : line.passOn) {
+    QString part = argument;
+    if (argument.startsWith("file:", Qt::CaseInsensitive)) part = QUrl(argument).toLocalFile();
+    const QFileInfo file(part);
+    if (file.isRelative() && file.isFile()) part = file.absoluteFilePath();
+    parts << part;
+  }
+  return parts.join(' ');
+}
 
 }  // namespace vonel

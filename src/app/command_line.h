@@ -31,4 +31,10 @@ QString commandLineHelp();
 // "vonel 1.2.3"
 QString versionText();
 
+// The command a start hands to the running copy, and to its own command
+// handler: the plain arguments joined by blanks; a file: URL becomes its path
+// and a relative path that names a file becomes absolute, as the running copy
+// works in another folder. Empty without plain arguments.
+QString passedCommand(const CommandLine& line);
+
 }  // namespace vonel
