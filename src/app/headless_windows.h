@@ -5,7 +5,7 @@
 
 namespace vonel {
 
-class HeadlessWindows final : public AppWindows {
+class HeadlessWindows : public AppWindows {
  public:
   void showSplash() override {}
   void splashStatus(std::string_view) override {}

@@ -6,6 +6,7 @@
 #include <QtTest>
 #include <memory>
 
+#include "app/headless_windows.h"
 #include "app/runner_commands.h"
 #include "app/single_instance.h"
 #include "core/context/app_context.h"
@@ -34,29 +35,9 @@ std::unique_ptr<QTemporaryDir> makeHome() {
 }
 
 // Windows that remember what they were asked to do.
-class RecordingWindows final : public AppWindows {
+class RecordingWindows final : public HeadlessWindows {
  public:
-  void showSplash() override {}
-  void splashStatus(std::string_view) override {}
-  void hideSplash() override {}
-  bool runAccountWizard() override { return false; }
-  void setBusy(bool) override {}
-  void setupListView() override {}
-  void showTicketButton(bool) override {}
-  void showTrayIcon(std::string_view) override {}
-  void removeTrayIcon() override {}
-  void setStatusText(std::string_view) override {}
-  void addServerMessage(const message::Message&, long, const std::string&) override {}
-  void setupMenus() override {}
-  void switchToMailer() override {}
-  WindowGeometry screenTwips() const override { return {}; }
-  WindowGeometry geometryTwips() const override { return {}; }
-  void maximise() override {}
-  void resizeTwips(int, int) override {}
   void showMain() override { mainShown = true; }
-  void hideMain() override {}
-  void closeOtherWindows(const std::function<void(const std::string&)>&) override {}
-  void pumpEvents() override {}
 
   bool mailerLoaded() const override { return mailer; }
   void showMailer() override { mailerShown = true; }
