@@ -69,6 +69,7 @@ class MailController : public QObject, public pop3::Pop3Listener {
   void downloadOnly();
   void downloadAndDelete();
   void downloadFrom(int account);
+  void downloadAndDeleteFrom(int account);
   void downloadAndSend();
   void downloadDeleteAndSend();
   void downloadDeleteAndSendFrom(int account);

@@ -40,6 +40,10 @@ void MailController::downloadFrom(int account) {
   startPass({.kind = PassKind::Download, .deleteSpam = false, .account = account});
 }
 
+void MailController::downloadAndDeleteFrom(int account) {
+  startPass({.kind = PassKind::Download, .deleteSpam = true, .account = account});
+}
+
 // The upload starts whether or not a pass could, and runs beside it.
 void MailController::downloadAndSend() {
   downloadOnly();
@@ -52,7 +56,7 @@ void MailController::downloadDeleteAndSend() {
 }
 
 void MailController::downloadDeleteAndSendFrom(int account) {
-  startPass({.kind = PassKind::Download, .deleteSpam = true, .account = account});
+  downloadAndDeleteFrom(account);
   sendOutbox();
 }
 

@@ -2,17 +2,21 @@
 // The windows and commands that other parts of the program bring: each is a
 // hook that stays empty until its window exists, and the controls that lead
 // to an empty hook are disabled.
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "core/message/mailto_link.h"
 #include "core/message/message.h"
 
 namespace vonel {
 
 struct WindowHost {
   std::function<void()> openMailer;
-  std::function<void()> openComposer;
+  std::function<void(const message::ComposeRequest&)> openComposer;
+  // A saved message file, shown as a message.
+  std::function<void(const std::filesystem::path&)> openMessageFile;
   std::function<void()> openSettings;
   std::function<void()> openBayesWindow;
   std::function<void()> openContacts;

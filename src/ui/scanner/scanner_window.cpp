@@ -12,21 +12,26 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QPainter>
 #include <QPlainTextEdit>
 #include <QScreen>
 #include <QShortcut>
-#include <QSplashScreen>
 #include <QSplitter>
 #include <QStatusBar>
-#include <QSystemTrayIcon>
+#include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <cmath>
 
+#include "app/account_menu_entries.h"
 #include "app/mail_controller.h"
 #include "app/qtext.h"
+#include "ui/errors/error_report_window.h"
+#include "ui/log/log_window.h"
+#include "ui/pictures.h"
+#include "ui/scanner/scanner_toolbar.h"
+#include "ui/scanner/splash_window.h"
+#include "ui/scanner/tray_icon.h"
 #include "ui/source_window.h"
 
 namespace vonel {
@@ -34,36 +39,6 @@ namespace {
 
 constexpr double kTwipsPerInch = 1440.0;
 const QString kNoSelection = QStringLiteral("Click an email in the list above to view the headers in this box.");
-
-QPixmap splashPicture() {
-  QPixmap picture(360, 160);
-  picture.fill(QColor(32, 64, 112));
-  QPainter painter(&picture);
-  painter.setPen(Qt::white);
-  QFont font = painter.font();
-  font.setPointSize(28);
-  font.setBold(true);
-  painter.setFont(font);
-  painter.drawText(picture.rect().adjusted(0, 0, 0, -40), Qt::AlignCenter, QStringLiteral("Vonel"));
-  return picture;
-}
-
-QIcon trayPicture(TrayPicture kind) {
-  QPixmap picture(32, 32);
-  picture.fill(Qt::transparent);
-  QPainter painter(&picture);
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setBrush(kind == TrayPicture::Error ? QColor(176, 32, 32) : QColor(32, 64, 112));
-  painter.setPen(Qt::NoPen);
-  painter.drawEllipse(picture.rect());
-  QFont font = painter.font();
-  font.setBold(true);
-  font.setPixelSize(kind == TrayPicture::SmallS ? 12 : 22);
-  painter.setFont(font);
-  painter.setPen(Qt::white);
-  painter.drawText(picture.rect(), Qt::AlignCenter, kind == TrayPicture::Error ? QStringLiteral("!") : QStringLiteral("S"));
-  return QIcon(picture);
-}
 
 BlockTarget blockTarget(ServerMailCommand command) {
   switch (command) {
@@ -84,9 +59,14 @@ ScannerWindow::ScannerWindow(AppContext& context)
       statusPicture_(new QLabel(this)),
       statusText_(new QLabel(this)),
       timerText_(new QLabel(this)),
-      listMenu_(new ServerMailMenu(this)) {
+      listMenu_(new ServerMailMenu(this)),
+      toolbar_(new ScannerToolbar(this)) {
   setObjectName("frmMain");
   setWindowTitle("Vonel");
+  setWindowIcon(pictures::icon("vonel"));
+  addToolBar(toolbar_);
+  connect(toolbar_, &ScannerToolbar::buttonClicked, this, &ScannerWindow::onToolbarButton);
+  connect(toolbar_, &ScannerToolbar::menuEntryChosen, this, &ScannerWindow::onToolbarMenuEntry);
   setCentralWidget(buildListAndHeaders());
   buildMenus();
   buildKeys();
@@ -172,6 +152,30 @@ void ScannerWindow::buildMenus() {
   auto* exit = fileMenu->addAction("E&xit");
   exit->setObjectName("mnuExit");
   connect(exit, &QAction::triggered, this, &ScannerWindow::onExitTriggered);
+  menuBar()->addMenu(buildHelpMenu());
+  toolbar_->button("help")->setMenu(helpMenu_);
+}
+
+QMenu* ScannerWindow::buildHelpMenu() {
+  helpMenu_ = new QMenu("&Help", this);
+  helpMenu_->setObjectName("mnuHelp");
+  auto* log = helpMenu_->addAction("View &Log");
+  log->setObjectName("mnuViewLog");
+  connect(log, &QAction::triggered, this, [this] { showLogWindow(ctx_, this); });
+  auto* report = helpMenu_->addAction("&Report a Problem...");
+  report->setObjectName("mnuReportProblem");
+  connect(report, &QAction::triggered, this,
+          [this] { showErrorReportWindow(ctx_, "A problem reported by the user.", {}, this); });
+  helpMenu_->addSeparator();
+  auto* about = helpMenu_->addAction("&About Vonel");
+  about->setObjectName("mnuAbout");
+  connect(about, &QAction::triggered, this, [this] {
+    QMessageBox::about(this, "About Vonel",
+                       "Vonel " + toQString(ctx_.log.info().version) +
+                           "\n\nReads the headers waiting on your mail servers, judges them by your rules and "
+                           "a filter trained on your own mail, and deletes junk before it is downloaded.");
+  });
+  return helpMenu_;
 }
 
 // The keys work wherever the focus is in the window.
@@ -209,11 +213,18 @@ void ScannerWindow::buildStatusBar() {
 }
 
 void ScannerWindow::refreshAvailability() {
+  toolbar_->setWindowAvailable("newmail", bool(host_.openComposer));
+  toolbar_->setWindowAvailable("mailer", bool(host_.openMailer));
+  toolbar_->setWindowAvailable("filters", bool(host_.openBayesWindow));
+  toolbar_->setWindowAvailable("settings", bool(host_.openSettings));
+  toolbar_->setWindowAvailable("contacts", bool(host_.openContacts));
+  toolbar_->setWindowAvailable("cms", bool(host_.openTickets));
   listMenu_->setAvailable(ServerMailCommand::MarkJunk, bool(host_.markJunk));
   listMenu_->setAvailable(ServerMailCommand::CreateFilter, bool(host_.createRuleFrom));
   listMenu_->setAvailable(ServerMailCommand::EditFilter, bool(host_.editRule));
   listMenu_->setAvailable(ServerMailCommand::ReadMessage, bool(host_.readMessage));
   listMenu_->setAvailable(ServerMailCommand::Bounce, bool(host_.bounce));
+  if (auto* reinforce = toolbar_->findChild<QAction*>("reinforce")) reinforce->setEnabled(bool(host_.reinforce));
 }
 
 void ScannerWindow::onExitTriggered() {
@@ -221,12 +232,12 @@ void ScannerWindow::onExitTriggered() {
 }
 
 void ScannerWindow::showSplash() {
-  if (!splash_) splash_ = std::make_unique<QSplashScreen>(splashPicture());
+  if (!splash_) splash_ = std::make_unique<SplashWindow>();
   splash_->show();
 }
 
 void ScannerWindow::splashStatus(std::string_view stage) {
-  if (splash_) splash_->showMessage(toQString(stage), Qt::AlignBottom | Qt::AlignHCenter, Qt::white);
+  if (splash_) splash_->showStatus(toQString(stage));
 }
 
 void ScannerWindow::hideSplash() {
@@ -251,16 +262,23 @@ void ScannerWindow::setupListView() {
   QApplication::processEvents();
 }
 
-void ScannerWindow::showTicketButton(bool) {}
+void ScannerWindow::showTicketButton(bool show) { toolbar_->showTicketButton(show); }
+
+void ScannerWindow::showPassRunning(bool running) { toolbar_->showPassRunning(running); }
+
+void ScannerWindow::buildTray() {
+  tray_ = new TrayIcon(this);
+  connect(tray_, &TrayIcon::showRequested, this, &ScannerWindow::showMain);
+  connect(tray_, &TrayIcon::scanRequested, this, [this] {
+    if (controller_) controller_->scanAll();
+  });
+  connect(tray_, &TrayIcon::exitRequested, this, &ScannerWindow::onExitTriggered);
+}
 
 void ScannerWindow::showTrayIcon(std::string_view tip) {
-  if (!QSystemTrayIcon::isSystemTrayAvailable()) return;
-  if (!tray_) {
-    tray_ = new QSystemTrayIcon(trayPicture(TrayPicture::LargeS), this);
-    connect(tray_, &QSystemTrayIcon::activated, this, [this] { showMain(); });
-  }
-  tray_->setToolTip(toQString(tip));
-  tray_->show();
+  if (!TrayIcon::available()) return;
+  if (!tray_) buildTray();
+  tray_->show(toQString(tip));
 }
 
 void ScannerWindow::removeTrayIcon() {
@@ -271,19 +289,17 @@ void ScannerWindow::removeTrayIcon() {
 void ScannerWindow::setStatusText(std::string_view text) { statusText_->setText(toQString(text)); }
 
 void ScannerWindow::showStatusError(bool error) {
-  statusPicture_->setPixmap(error ? trayPicture(TrayPicture::Error).pixmap(16, 16) : QPixmap());
+  statusPicture_->setPixmap(error ? pictures::rendered("tray_error", {16, 16}, devicePixelRatioF()) : QPixmap());
 }
 
 void ScannerWindow::setTimerStatus(std::string_view text) { timerText_->setText(toQString(text)); }
 
 void ScannerWindow::showTrayError(std::string_view text) {
-  if (tray_) tray_->showMessage("Vonel", toQString(text), QSystemTrayIcon::Warning);
+  if (tray_) tray_->showBalloon(toQString(text), QSystemTrayIcon::Warning);
 }
 
 void ScannerWindow::showTrayPicture(TrayPicture picture, std::string_view tip) {
-  if (!tray_) return;
-  tray_->setIcon(trayPicture(picture));
-  tray_->setToolTip(toQString(tip));
+  if (tray_) tray_->showPicture(picture, toQString(tip));
 }
 
 void ScannerWindow::playSound(const std::filesystem::path& wave) {
@@ -426,7 +442,10 @@ void ScannerWindow::readListSettings() {
   }
 }
 
-void ScannerWindow::setupMenus() { readListSettings(); }
+void ScannerWindow::setupMenus() {
+  toolbar_->setupAccountMenus(accountMenuEntries(ctx_.settings));
+  readListSettings();
+}
 
 void ScannerWindow::showMessage(const message::Message& message) {
   if (host_.readMessage) host_.readMessage(message);
@@ -484,6 +503,16 @@ void ScannerWindow::showMain() {
 
 // Without a tray a hidden window could never be reached again: it is
 // minimised instead, but for the last hide of a program that is leaving.
+bool ScannerWindow::mainVisible() const { return isVisible() && !isMinimized(); }
+
+void ScannerWindow::openComposer(const message::ComposeRequest& request) {
+  if (host_.openComposer) host_.openComposer(request);
+}
+
+void ScannerWindow::showMessageFile(const std::filesystem::path& file) {
+  if (host_.openMessageFile) host_.openMessageFile(file);
+}
+
 void ScannerWindow::hideMain() {
   if (tray_ || leaving_) hide();
   else showMinimized();
@@ -501,11 +530,15 @@ void ScannerWindow::closeOtherWindows(const std::function<void(const std::string
 
 void ScannerWindow::pumpEvents() { QApplication::processEvents(); }
 
+void ScannerWindow::closeToTray() {
+  storeWindowState();
+  hideMain();
+  QApplication::processEvents();
+}
+
 void ScannerWindow::closeEvent(QCloseEvent* event) {
   if (event->spontaneous()) {
-    storeWindowState();
-    hideMain();
-    QApplication::processEvents();
+    closeToTray();
     event->ignore();
     return;
   }

@@ -16,14 +16,16 @@
 #include "ui/window_host.h"
 
 class QLabel;
+class QMenu;
 class QPlainTextEdit;
-class QSplashScreen;
-class QSystemTrayIcon;
 class QTreeView;
 
 namespace vonel {
 
 class MailController;
+class ScannerToolbar;
+class SplashWindow;
+class TrayIcon;
 
 class ScannerWindow final : public QMainWindow, public AppWindows {
   Q_OBJECT
@@ -75,6 +77,10 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
   void showMessage(const message::Message& message) override;
   void openFile(const std::filesystem::path& file) override;
   void showSettings() override;
+  void showPassRunning(bool running) override;
+  bool mainVisible() const override;
+  void openComposer(const message::ComposeRequest& request) override;
+  void showMessageFile(const std::filesystem::path& file) override;
   // The end-of-pass chime, where the system can play sound; otherwise nothing.
   void playSound(const std::filesystem::path& wave) override;
 
@@ -87,6 +93,12 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
 
  private:
   void buildMenus();
+  QMenu* buildHelpMenu();
+  void buildTray();
+  void onToolbarButton(const QString& key);
+  void onToolbarMenuEntry(const QString& buttonKey, const QString& entryKey);
+  void askToReinforce();
+  void closeToTray();
   void buildKeys();
   void buildStatusBar();
   QWidget* buildListAndHeaders();
@@ -115,8 +127,10 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
   QLabel* statusText_;
   QLabel* timerText_;
   ServerMailMenu* listMenu_;
-  std::unique_ptr<QSplashScreen> splash_;
-  QSystemTrayIcon* tray_ = nullptr;
+  ScannerToolbar* toolbar_;
+  QMenu* helpMenu_ = nullptr;
+  std::unique_ptr<SplashWindow> splash_;
+  TrayIcon* tray_ = nullptr;  // none where the desktop has no tray
   QObject* chime_ = nullptr;  // made at the first sound
   bool leaving_ = false;       // the program is shutting down
 };
