@@ -107,13 +107,17 @@ class ScannerWindowTest : public QObject {
     return "REPLYADDRESS0,me@example.org\r\nTITLE0,Home\r\nMAILTIMEOUT,10\r\n" + server_.accountSettings(0);
   }
 
-  // One message for every verdict the list can show.
+  int fills_ = 0;
+
+  // One message for every verdict the list can show. The server knows a
+  // message by its file name, so each fill takes new names.
   void fillMailbox() {
-    server_.deliver("1", mail("Ann <ann@example.org>", "me@example.org", "Lunch plans"));
-    server_.deliver("2", mail("Deals <deals@shop.example>", "me@example.org", "Cheap offer"));
-    server_.deliver("3", mail("Unsure <unsure@maybe.example>", "me@example.org", "Maybe spam"));
-    server_.deliver("4", mail("Pest <pest@blocked.example>", "me@example.org", "Buy now"));
-    server_.deliver("5", mail("List <list@lists.example>", "old@example.org", "List digest"));
+    const std::string round = std::to_string(++fills_) + ".";
+    server_.deliver(round + "1", mail("Ann <ann@example.org>", "me@example.org", "Lunch plans"));
+    server_.deliver(round + "2", mail("Deals <deals@shop.example>", "me@example.org", "Cheap offer"));
+    server_.deliver(round + "3", mail("Unsure <unsure@maybe.example>", "me@example.org", "Maybe spam"));
+    server_.deliver(round + "4", mail("Pest <pest@blocked.example>", "me@example.org", "Buy now"));
+    server_.deliver(round + "5", mail("List <list@lists.example>", "old@example.org", "List digest"));
   }
 
   // Rules and lists that give each message of the mailbox its verdict.
@@ -311,6 +315,57 @@ class ScannerWindowTest : public QObject {
       QVERIFY2(next != std::string::npos, line);
       at = next;
     }
+  }
+
+  // Erasing an account's server mail asks first; No leaves the mailbox whole.
+  void deleteAllFromTheToolbarAsksFirst() {
+    Scanner scanner(settings());
+    scanner.controller.startup();
+    auto* entry = scanner.window.findChild<QAction*>("DELALL0");
+    QVERIFY(entry);
+    const int before = server_.messageCount();
+
+    scanner.prompt.queue(Answer::No);
+    entry->trigger();
+    QCOMPARE(scanner.prompt.lastQuestion,
+             std::string("You're about to erase all mail, good and bad, from server\r\n'Home' (127.0.0.1)\r\n"
+                         "Are you absolutely certain you want to do this?"));
+    QVERIFY(!scanner.controller.passRunning());
+    QCOMPARE(server_.messageCount(), before);
+
+    QSignalSpy ended(&scanner.controller, &MailController::passEnded);
+    scanner.prompt.queue(Answer::Yes);
+    entry->trigger();
+    QTRY_VERIFY_WITH_TIMEOUT(ended.count() == 1, 20000);
+    QCOMPARE(server_.messageCount(), 0);
+    fillMailbox();
+    QVERIFY(scanner.controller.exitProgram());
+  }
+
+  void theAccountMenusNameEveryAccount() {
+    Scanner scanner("REPLYADDRESS0,me@example.org\r\nTITLE0,Home\r\nREPLYADDRESS3,x@example.org\r\n");
+    scanner.controller.startup();
+    QCOMPARE(scanner.window.findChild<QAction*>("DELALL0")->text(), QString("Delete ALL from: Home"));
+    // An account with neither title nor user name is still named, by its number.
+    QCOMPARE(scanner.window.findChild<QAction*>("DLM3")->text(), QString("Download Mail from Account 4"));
+    QVERIFY(scanner.controller.exitProgram());
+  }
+
+  void reinforcingAsksFirst() {
+    Scanner scanner("REPLYADDRESS0,me@example.org\r\n");
+    int taught = 0;
+    scanner.window.host().reinforce = [&taught] { ++taught; };
+    scanner.window.refreshAvailability();
+    scanner.controller.startup();
+    auto* entry = scanner.window.findChild<QAction*>("reinforce");
+    scanner.prompt.queue(Answer::No);
+    entry->trigger();
+    QCOMPARE(taught, 0);
+    QVERIFY(scanner.prompt.lastQuestion.starts_with("This will allocate all orange messages to 'spam'"));
+    scanner.prompt.queue(Answer::Yes);
+    entry->trigger();
+    QCOMPARE(taught, 1);
+    QVERIFY(scanner.controller.exitProgram());
   }
 
   // Last: it stops the server, and blocks must work without it.
