@@ -8,6 +8,7 @@
 #include <QTreeView>
 #include <cstdio>
 
+#include "app/headless_windows.h"
 #include "app/mail_controller.h"
 #include "app/platform.h"
 #include "app/terminal_password.h"
@@ -44,6 +45,27 @@ class StallProbe {
 
 double milliseconds(const QElapsedTimer& timer) { return timer.nsecsElapsed() / 1e6; }
 
+void waitForPass(MailController& controller) {
+  QEventLoop loop;
+  QObject::connect(&controller, &MailController::passEnded, &loop, &QEventLoop::quit);
+  loop.exec();
+}
+
+// The same scan with no window at all, as `vonel --scan` runs it.
+double headlessScan(AppContext& context) {
+  HeadlessWindows windows;
+  TerminalPasswordPrompt passwords;
+  MailController controller(context, windows, passwords);
+  controller.startup();
+  QElapsedTimer clock;
+  clock.start();
+  controller.scan();
+  waitForPass(controller);
+  const double elapsed = milliseconds(clock);
+  controller.exitProgram(ExitQuestions::Skip);
+  return elapsed;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -52,11 +74,15 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: bench_scanner_window HOME\n");
     return 2;
   }
-  QElapsedTimer clock;
-  clock.start();
   const auto home = resolveHome(QString::fromLocal8Bit(argv[1]));
   SystemClock systemClock;
   ScriptedPrompt prompt;
+  {
+    AppContext context(systemClock, prompt, platformAppInfo(home), platformLocaleFacts());
+    std::printf("scan without a window: %.1f ms\n", headlessScan(context));
+  }
+  QElapsedTimer clock;
+  clock.start();
   AppContext context(systemClock, prompt, platformAppInfo(home), platformLocaleFacts());
   ScannerWindow window(context);
   TerminalPasswordPrompt passwords;
@@ -69,12 +95,10 @@ int main(int argc, char** argv) {
   // With an argument "hidden" the same scan runs with the window out of sight.
   if (argc > 2 && QString(argv[2]) == "hidden") window.hide();
   StallProbe probe;
-  QEventLoop waitForPass;
-  QObject::connect(&controller, &MailController::passEnded, &waitForPass, &QEventLoop::quit);
   probe.start();
   clock.restart();
   controller.scan();
-  waitForPass.exec();
+  waitForPass(controller);
   window.serverMail().flush();
   const double scan = milliseconds(clock);
   std::printf("scan listed in the window: %d rows in %.1f ms; longest event-loop stall %lld ms\n",

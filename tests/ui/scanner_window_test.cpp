@@ -38,7 +38,7 @@ struct Scanner {
     model().flush();
     return model().row(row).cell(column);
   }
-  QString statusText() const { return window.findChild<QLabel*>("SB1_1_text")->text(); }
+  QString statusText() const { return window.statusText(); }
   // Runs a scan of every account and waits for its end.
   void scan() {
     QSignalSpy ended(&controller, &MailController::passEnded);

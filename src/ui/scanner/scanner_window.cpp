@@ -17,6 +17,7 @@
 #include <QShortcut>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QTimer>
 #include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -206,6 +207,14 @@ void ScannerWindow::buildStatusBar() {
   statusText_->setAccessibleName("Progress");
   layout->addWidget(statusPicture_);
   layout->addWidget(statusText_, 1);
+  statusPace_ = new QTimer(this);
+  statusPace_->setSingleShot(true);
+  statusPace_->setInterval(100);
+  connect(statusPace_, &QTimer::timeout, this, [this] {
+    if (statusText_->text() == statusLatest_) return;
+    statusText_->setText(statusLatest_);
+    statusPace_->start();
+  });
   timerText_->setObjectName("SB1_2");
   timerText_->setAccessibleName("Next scan");
   statusBar()->addWidget(progress, 1);
@@ -286,7 +295,12 @@ void ScannerWindow::removeTrayIcon() {
   if (tray_) tray_->hide();
 }
 
-void ScannerWindow::setStatusText(std::string_view text) { statusText_->setText(toQString(text)); }
+void ScannerWindow::setStatusText(std::string_view text) {
+  statusLatest_ = toQString(text);
+  if (statusPace_->isActive()) return;
+  statusText_->setText(statusLatest_);
+  statusPace_->start();
+}
 
 void ScannerWindow::showStatusError(bool error) {
   statusPicture_->setPixmap(error ? pictures::rendered("tray_error", {16, 16}, devicePixelRatioF()) : QPixmap());

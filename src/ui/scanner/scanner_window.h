@@ -17,6 +17,7 @@
 
 class QLabel;
 class QMenu;
+class QTimer;
 class QPlainTextEdit;
 class QTreeView;
 
@@ -84,6 +85,9 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
   // The end-of-pass chime, where the system can play sound; otherwise nothing.
   void playSound(const std::filesystem::path& wave) override;
 
+  // The progress text as last set; the panel catches up within a moment.
+  const QString& statusText() const { return statusLatest_; }
+
   // The keys of the selected message rows, in list order.
   std::vector<std::string> selectedKeys() const;
 
@@ -126,6 +130,10 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
   QLabel* statusPicture_;
   QLabel* statusText_;
   QLabel* timerText_;
+  // A scan reports every header; the panel shows the newest text at most
+  // twenty times a second instead of repainting for each.
+  QString statusLatest_;
+  QTimer* statusPace_;
   ServerMailMenu* listMenu_;
   ScannerToolbar* toolbar_;
   QMenu* helpMenu_ = nullptr;

@@ -9,7 +9,7 @@
 namespace vonel {
 namespace {
 
-constexpr int kFlushDelayMs = 40;
+constexpr int kFlushDelayMs = 100;
 // Past this many waiting rows they go in at once, so a long scan shows progress.
 constexpr std::size_t kLargestBatch = 2000;
 
