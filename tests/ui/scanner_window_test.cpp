@@ -4,6 +4,8 @@
 #include <QSignalSpy>
 #include <QStatusBar>
 #include <QTemporaryDir>
+#include <QSystemTrayIcon>
+#include <QToolButton>
 #include <QTreeView>
 #include <QtTest>
 
@@ -339,6 +341,38 @@ class ScannerWindowTest : public QObject {
     QTRY_VERIFY_WITH_TIMEOUT(ended.count() == 1, 20000);
     QCOMPARE(server_.messageCount(), 0);
     fillMailbox();
+    QVERIFY(scanner.controller.exitProgram());
+  }
+
+  void functionKeysStartPasses() {
+    Scanner scanner(settings());
+    scanner.controller.startup();
+    QSignalSpy ended(&scanner.controller, &MailController::passEnded);
+    scanner.window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&scanner.window));
+    QTest::keyClick(&scanner.window, Qt::Key_F5);
+    QVERIFY(scanner.controller.passRunning());
+    QCOMPARE(scanner.controller.pass().kind, PassKind::Scan);
+    QVERIFY(!scanner.controller.pass().deleteSpam);
+    QTRY_VERIFY_WITH_TIMEOUT(ended.count() == 1, 20000);
+    QTest::keyClick(&scanner.window, Qt::Key_F2, Qt::ControlModifier);
+    QCOMPARE(scanner.controller.pass().kind, PassKind::Download);
+    QVERIFY(scanner.controller.pass().deleteSpam);
+    // The toolbar's send-and-receive button stops a running pass.
+    scanner.window.findChild<QToolButton*>("upanddown")->click();
+    QTRY_VERIFY_WITH_TIMEOUT(ended.count() == 2, 20000);
+    QVERIFY(!scanner.controller.passRunning());
+    QVERIFY(scanner.controller.exitProgram());
+  }
+
+  // Without a tray the window must stay reachable: closing minimises it.
+  void withoutATrayClosingMinimises() {
+    Scanner scanner("REPLYADDRESS0,me@example.org\r\n");
+    scanner.controller.startup();
+    QVERIFY(!QSystemTrayIcon::isSystemTrayAvailable());
+    scanner.window.findChild<QToolButton*>("close")->click();
+    QVERIFY(scanner.window.isVisible());
+    QVERIFY(scanner.window.isMinimized());
     QVERIFY(scanner.controller.exitProgram());
   }
 
