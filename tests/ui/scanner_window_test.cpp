@@ -369,7 +369,7 @@ class ScannerWindowTest : public QObject {
   void withoutATrayClosingMinimises() {
     Scanner scanner("REPLYADDRESS0,me@example.org\r\n");
     scanner.controller.startup();
-    QVERIFY(!QSystemTrayIcon::isSystemTrayAvailable());
+    if (QSystemTrayIcon::isSystemTrayAvailable()) QSKIP("this desktop has a tray");
     scanner.window.findChild<QToolButton*>("close")->click();
     QVERIFY(scanner.window.isVisible());
     QVERIFY(scanner.window.isMinimized());
