@@ -21,7 +21,9 @@ ScannerToolbar::ScannerToolbar(QWidget* parent) : QToolBar(QStringLiteral("Toolb
   setObjectName("Toolbar1");
   setAccessibleName("Toolbar");
   setIconSize(QSize(kIconSize, kIconSize));
-  setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+  // Pictures alone keep every button in view at the window's first size; the
+  // one a user presses most also says what it is.
+  setToolButtonStyle(Qt::ToolButtonIconOnly);
   connect(this, &QToolBar::toolButtonStyleChanged, this, &ScannerToolbar::onToolButtonStyleChanged);
   connect(this, &QToolBar::iconSizeChanged, this, [this](const QSize& size) {
     for (auto& [key, entry] : buttons_) entry.button->setIconSize(size);
@@ -56,6 +58,7 @@ ScannerToolbar::ScannerToolbar(QWidget* parent) : QToolBar(QStringLiteral("Toolb
   addMenu("settings");
   addFixedEntry("settings", "checkupdate", "Check for Update");
 
+  onToolButtonStyleChanged(toolButtonStyle());
   // There is no reminder component on this system.
   buttons_.at("brd").place->setVisible(false);
   showTicketButton(false);
@@ -79,7 +82,7 @@ void ScannerToolbar::addButton(const QString& key, const QString& picture, const
 }
 
 void ScannerToolbar::setDescription(QToolButton* button, const QString& description) {
-  button->setToolTip(description);
+  button->setToolTip(button->text() + "\n" + description);
   button->setAccessibleDescription(description);
 }
 
@@ -174,6 +177,7 @@ QToolButton* ScannerToolbar::button(const QString& key) const {
 
 void ScannerToolbar::onToolButtonStyleChanged(Qt::ToolButtonStyle style) {
   for (auto& [key, entry] : buttons_) entry.button->setToolButtonStyle(style);
+  if (style == Qt::ToolButtonIconOnly) buttons_.at("upanddown").button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
 }
 
 bool ScannerToolbar::eventFilter(QObject* watched, QEvent* event) {
