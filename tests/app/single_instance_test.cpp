@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 #include <memory>
+#include <tuple>
 
 #include "app/headless_windows.h"
 #include "app/runner_commands.h"
@@ -51,6 +52,18 @@ class RecordingWindows final : public HeadlessWindows {
   bool mainShown = false;
   std::vector<message::ComposeRequest> composed;
   std::vector<std::filesystem::path> shownFiles;
+};
+
+// The running copy's side of a hand-over, in a home of its own.
+struct Receiver {
+  QTemporaryDir home;
+  FixedClock clock{text::DateTime{2026, 11, 23, 8, 0, 0}};
+  ScriptedPrompt prompt;
+  AppContext context{clock, prompt, AppInfo{"Vonel", "9.9", "os", "/", pathOf(home)}};
+  RecordingWindows windows;
+  RunnerCommands commands{context, windows};
+
+  std::tuple<QTemporaryDir&, RecordingWindows&, RunnerCommands&> parts() { return {home, windows, commands}; }
 };
 
 // The real program, started in a home.
@@ -160,12 +173,8 @@ class SingleInstanceTest : public QObject {
   }
 
   void theWindowShownIsTheMailerOrTheMainWindow() {
-    QTemporaryDir home;
-    FixedClock clock{text::DateTime{2026, 11, 23, 8, 0, 0}};
-    ScriptedPrompt prompt;
-    AppContext context(clock, prompt, AppInfo{"Vonel", "9.9", "os", "/", pathOf(home)});
-    RecordingWindows windows;
-    RunnerCommands commands(context, windows);
+    Receiver receiver;
+    auto [home, windows, commands] = receiver.parts();
 
     commands.onCommandArrived("SHOW");
     QVERIFY(!windows.mainShown);
@@ -186,12 +195,8 @@ class SingleInstanceTest : public QObject {
   }
 
   void mailLinksComposeAndMessageFilesOpen() {
-    QTemporaryDir home;
-    FixedClock clock{text::DateTime{2026, 11, 23, 8, 0, 0}};
-    ScriptedPrompt prompt;
-    AppContext context(clock, prompt, AppInfo{"Vonel", "9.9", "os", "/", pathOf(home)});
-    RecordingWindows windows;
-    RunnerCommands commands(context, windows);
+    Receiver receiver;
+    auto [home, windows, commands] = receiver.parts();
     const QString saved = home.filePath("Saved Mail/Lunch Plan.EML");
     QDir(home.path()).mkpath("Saved Mail");
     files::writeTextFile(saved.toStdString(), "Subject: lunch\r\n\r\nnoon\r\n");
@@ -208,7 +213,7 @@ class SingleInstanceTest : public QObject {
     QCOMPARE(windows.composed[1].subject, "Hi  Bcc: eve");
     QCOMPARE(windows.shownFiles.size(), 1u);
     QCOMPARE(windows.shownFiles[0], std::filesystem::path(saved.toStdString()));
-    context.log.writeActionsToLog();
+    receiver.context.log.writeActionsToLog();
     for (const QString& line : {"Opening " + saved, "Loading message " + saved, "Displaying " + saved,
                                 "Opening " + home.filePath("gone.eml")}) {
       QCOMPARE(countLine(home, line), 1);
