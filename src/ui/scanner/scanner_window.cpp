@@ -181,17 +181,17 @@ QMenu* ScannerWindow::buildHelpMenu() {
 
 // The keys work wherever the focus is in the window.
 void ScannerWindow::buildKeys() {
-  const auto key = [this](QKeySequence sequence, auto command) {
+  const auto key = [this](QKeySequence sequence, std::function<void(MailController&)> command) {
     auto* shortcut = new QShortcut(sequence, this);
-    connect(shortcut, &QShortcut::activated, this, [this, command] {
-      if (controller_) (controller_->*command)();
+    connect(shortcut, &QShortcut::activated, this, [this, command = std::move(command)] {
+      if (controller_) command(*controller_);
     });
   };
-  key(QKeySequence(Qt::Key_F5), &MailController::scan);
-  key(QKeySequence(Qt::CTRL | Qt::Key_F5), &MailController::scanAndDelete);
-  key(QKeySequence(Qt::Key_F2), &MailController::downloadOnly);
-  key(QKeySequence(Qt::CTRL | Qt::Key_F2), &MailController::downloadAndDelete);
-  key(QKeySequence(Qt::Key_F3), &MailController::sendOutboxIfIdle);
+  key(QKeySequence(Qt::Key_F5), [](MailController& c) { c.scan(); });
+  key(QKeySequence(Qt::CTRL | Qt::Key_F5), [](MailController& c) { c.scanAndDelete(); });
+  key(QKeySequence(Qt::Key_F2), [](MailController& c) { c.downloadOnly(); });
+  key(QKeySequence(Qt::CTRL | Qt::Key_F2), [](MailController& c) { c.downloadAndDelete(); });
+  key(QKeySequence(Qt::Key_F3), [](MailController& c) { c.sendOutboxIfIdle(); });
   auto* mailer = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Space), this);
   connect(mailer, &QShortcut::activated, this, &ScannerWindow::switchToMailer);
 }
