@@ -1,6 +1,7 @@
 #include "ui/scanner/server_mail_model.h"
 
 #include <QFont>
+#include <algorithm>
 
 #include "app/qtext.h"
 #include "core/rules/status_word.h"
@@ -111,24 +112,22 @@ void ServerMailModel::addNotice(const QString& text) {
   add(std::move(row));
 }
 
-ServerMailRow* ServerMailModel::findServerRow(const QString& title) {
-  for (auto* rows : {&waiting_, &rows_}) {
-    for (auto it = rows->rbegin(); it != rows->rend(); ++it) {
-      if (it->kind == ServerMailRowKind::Server && it->key == title) return &*it;
-    }
-  }
-  return nullptr;
-}
-
 bool ServerMailModel::setServerStatus(const QString& title, const QString& status) {
-  ServerMailRow* row = findServerRow(title);
-  if (!row) return false;
-  row->cell(ServerMailColumn::From) = title + " - " + status;
-  const auto position = row - rows_.data();
-  if (position >= 0 && static_cast<std::size_t>(position) < rows_.size()) {
-    const QModelIndex cell = index(static_cast<int>(position), static_cast<int>(ServerMailColumn::From));
-    emit dataChanged(cell, cell);
+  const auto isServer = [&title](const ServerMailRow& row) {
+    return row.kind == ServerMailRowKind::Server && row.key == title;
+  };
+  // The newest row of that title; the waiting rows are newer than the shown ones.
+  const auto waiting = std::find_if(waiting_.rbegin(), waiting_.rend(), isServer);
+  if (waiting != waiting_.rend()) {
+    waiting->cell(ServerMailColumn::From) = title + " - " + status;
+    return true;
   }
+  const auto shown = std::find_if(rows_.rbegin(), rows_.rend(), isServer);
+  if (shown == rows_.rend()) return false;
+  shown->cell(ServerMailColumn::From) = title + " - " + status;
+  const int position = static_cast<int>(std::distance(rows_.begin(), shown.base()) - 1);
+  const QModelIndex cell = index(position, static_cast<int>(ServerMailColumn::From));
+  emit dataChanged(cell, cell);
   return true;
 }
 

@@ -61,7 +61,8 @@ class ServerMailModel final : public QAbstractTableModel {
   void add(ServerMailRow row);
   void addServer(const QString& title);
   void addNotice(const QString& text);
-  // False when no server row has that title.
+  // False when no server row has that title. A row still waiting counts:
+  // a status may arrive before its row shows.
   bool setServerStatus(const QString& title, const QString& status);
   // Lets the waiting rows in now.
   void flush();
@@ -72,9 +73,6 @@ class ServerMailModel final : public QAbstractTableModel {
   int rowOfKey(const QString& key) const;
 
  private:
-  // The waiting rows count too: a status may arrive before its row shows.
-  ServerMailRow* findServerRow(const QString& title);
-
   std::vector<ServerMailRow> rows_;
   std::vector<ServerMailRow> waiting_;
   QHash<QString, int> messageRows_;
