@@ -111,7 +111,8 @@ AccountWizard::AccountWizard(AppContext& context, QWidget* parent)
   layout->addWidget(rule);
   layout->addLayout(buttons);
 
-  setMinimumWidth(fontMetrics().averageCharWidth() * 70);
+  // Wide enough that the page headings stay on one line.
+  setMinimumSize(fontMetrics().averageCharWidth() * 90, fontMetrics().height() * 16);
   showPage(0);
 }
 
