@@ -36,6 +36,9 @@ class AppWindows {
   virtual void hideSplash() = 0;
   // Runs the account wizard to its end; true when it wrote the settings file.
   virtual bool runAccountWizard() = 0;
+  // A run without windows has nobody to ask, and nothing to start without a
+  // settings file.
+  virtual bool canRunAccountWizard() const { return true; }
   virtual void setBusy(bool busy) = 0;
 
   virtual void setupListView() = 0;

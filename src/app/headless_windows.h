@@ -11,6 +11,7 @@ class HeadlessWindows : public AppWindows {
   void splashStatus(std::string_view) override {}
   void hideSplash() override {}
   bool runAccountWizard() override { return false; }
+  bool canRunAccountWizard() const override { return false; }
   void setBusy(bool) override {}
   void setupListView() override {}
   void showTicketButton(bool) override {}

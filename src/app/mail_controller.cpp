@@ -13,6 +13,9 @@ namespace {
 constexpr int kShutdownWaitMs = 3000;
 constexpr int kDelayedStartMs = 1500;
 constexpr int kUpdateCheckMs = 30000;
+constexpr std::string_view kNoAccountYet =
+    "Before using this program you will have to set up a mail account. Click the spanner icon on the main menu for "
+    "the settings page.";
 
 }  // namespace
 
@@ -52,10 +55,12 @@ StartupResult MailController::startup() {
 
   if (!files::fileExists(ctx_.settingsFile())) {
     windows_.hideSplash();
-    if (!windows_.runAccountWizard() && !files::fileExists(ctx_.settingsFile())) {
+    if (!windows_.canRunAccountWizard()) {
       logAction("No settings file and no account wizard: nothing to start");
       return StartupResult::NoAccount;
     }
+    // Without an account the program still starts; the settings dialog can add one.
+    if (!windows_.runAccountWizard()) ctx_.prompt.ask(kNoAccountYet, Buttons::Ok, "Vonel");
     windows_.showSplash();
   }
 
