@@ -31,6 +31,7 @@
 #include "ui/log/log_window.h"
 #include "ui/pictures.h"
 #include "ui/scanner/scanner_toolbar.h"
+#include "ui/settings/account_wizard.h"
 #include "ui/scanner/splash_window.h"
 #include "ui/scanner/tray_icon.h"
 #include "ui/source_window.h"
@@ -253,12 +254,7 @@ void ScannerWindow::hideSplash() {
   if (splash_) splash_->hide();
 }
 
-bool ScannerWindow::runAccountWizard() {
-  QMessageBox::information(nullptr, "Vonel",
-                           "No mail account is set up yet. Vonel starts with empty settings; "
-                           "accounts can be added to Vonel.ini in its home folder.");
-  return true;
-}
+bool ScannerWindow::runAccountWizard() { return vonel::runAccountWizard(ctx_, this); }
 
 void ScannerWindow::setBusy(bool busy) {
   if (busy) QApplication::setOverrideCursor(Qt::WaitCursor);
