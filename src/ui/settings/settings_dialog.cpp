@@ -128,14 +128,14 @@ QWidget* SettingsDialog::makeAccountsTab() {
   stopAtLast_ = addCheckBox(incoming, "chkStopAtLast", "Stop at the &last message seen");
 
   auto* outgoing = new QFormLayout;
-  smtp_ = addLineEdit(outgoing, "txtSMTP", "SM&TP server:");
+  smtp_ = addLineEdit(outgoing, "txtSMTP", "SMTP ser&ver:");
   smtpPort_ = addLineEdit(outgoing, "txtSMTPPort", "SMTP p&ort:");
   smtpAuth_ = addCheckBox(outgoing, "chkSMTPAuth", "Server needs a user &name and password");
-  smtpUser_ = addLineEdit(outgoing, "txtSMTPUser", "SMTP u&ser:");
+  smtpUser_ = addLineEdit(outgoing, "txtSMTPUser", "SMTP us&er:");
   smtpPassword_ = addLineEdit(outgoing, "txtSMTPPasswd", "SMTP passwor&d:");
   smtpPassword_->setEchoMode(QLineEdit::Password);
-  replyAddress_ = addLineEdit(outgoing, "txtReplyAddress", "Reply &address:");
-  displayName_ = addLineEdit(outgoing, "txtDisplayName", "Displa&y name:");
+  replyAddress_ = addLineEdit(outgoing, "txtReplyAddress", "Repl&y address:");
+  displayName_ = addLineEdit(outgoing, "txtDisplayName", "Display name:");
 
   auto* exclusive = new QFormLayout;
   exclusive_[0] = addLineEdit(exclusive, "txtExclusive_0", "E&xclusive address 1:");
@@ -174,15 +174,15 @@ QWidget* SettingsDialog::makeScanningTab() {
   });
 
   auto* server = new QFormLayout;
-  autoDelete_ = addCheckBox(server, "chkAutoDelete", "Delete spam on the server &automatically");
-  deleteOnRetrieve_ = addCheckBox(server, "chkDeleteOnRetrieve", "Delete from the server &after download");
+  autoDelete_ = addCheckBox(server, "chkAutoDelete", "Delete spam on the server au&tomatically");
+  deleteOnRetrieve_ = addCheckBox(server, "chkDeleteOnRetrieve", "Delete from the server after do&wnload");
   disableReadFromServer_ = addCheckBox(server, "chkDisableReadFromServer", "Don't &open messages on the server");
   audio_ = addCheckBox(server, "chkAudio", "&Play a sound at the end of a pass");
-  timeout_ = addLineEdit(server, "txtTimeout", "Server &timeout (seconds):");
+  timeout_ = addLineEdit(server, "txtTimeout", "Server t&imeout (seconds):");
   maxSize_ = addLineEdit(server, "txtMaxSize", "&Largest message (bytes, 0: any):");
 
   auto* bounce = new QFormLayout;
-  bounceSubject_ = addLineEdit(bounce, "txtBounceSubject", "Bounce &subject:");
+  bounceSubject_ = addLineEdit(bounce, "txtBounceSubject", "Bounce s&ubject:");
   bouncePrefix_ = addLineEdit(bounce, "txtBouncePrefix", "Bounce se&nder:");
 
   auto* layout = new QVBoxLayout;
@@ -202,14 +202,14 @@ QWidget* SettingsDialog::makeMessagesTab() {
   auto* fonts = new QFormLayout;
   fontSize_ = fontSizeBox("cmbFontSize");
   fontSize_->setAccessibleName("Scanner list font size");
-  fonts->addRow("&Scanner list font size:", fontSize_);
-  fontName_ = addLineEdit(fonts, "txtFontname", "Message &font:");
+  fonts->addRow("S&canner list font size:", fontSize_);
+  fontName_ = addLineEdit(fonts, "txtFontname", "Message f&ont:");
   messageFontSize_ = fontSizeBox("cmbMsgFontSize");
   messageFontSize_->setAccessibleName("Message font size");
   fonts->addRow("Message font si&ze:", messageFontSize_);
 
   auto* signature = new QFormLayout;
-  signature_ = addLineEdit(signature, "txtSignature", "Signature &file:");
+  signature_ = addLineEdit(signature, "txtSignature", "Signature f&ile:");
 
   auto* layout = new QVBoxLayout;
   layout->addWidget(group("Message ages", ages));
@@ -224,19 +224,21 @@ QWidget* SettingsDialog::makeGeneralTab() {
   languages_->setObjectName("lstLanguages");
   languages_->setAccessibleName("Language");
   languages_->addItem("English");
+  // A few rows are enough; the list scrolls when more languages come.
+  languages_->setMaximumHeight(languages_->fontMetrics().height() * 6);
   auto* language = new QFormLayout;
   language->addRow("&Language:", languages_);
 
-  scannerFirst_ = new QRadioButton("&Scanner window");
+  scannerFirst_ = new QRadioButton("S&canner window");
   scannerFirst_->setObjectName("optWindow_0");
-  mailerFirst_ = new QRadioButton("&Mail window");
+  mailerFirst_ = new QRadioButton("Ma&il window");
   mailerFirst_->setObjectName("optWindow_1");
   auto* windows = new QVBoxLayout;
   windows->addWidget(scannerFirst_);
   windows->addWidget(mailerFirst_);
 
   auto* start = new QFormLayout;
-  startMinimised_ = addCheckBox(start, "chkStartMinimised", "Start &minimised");
+  startMinimised_ = addCheckBox(start, "chkStartMinimised", "Start mi&nimised");
   autoUpdateCheck_ = addCheckBox(start, "chkAutoUpdateCheck", "Check for &updates automatically");
 
   auto* layout = new QVBoxLayout;
@@ -249,10 +251,10 @@ QWidget* SettingsDialog::makeGeneralTab() {
 
 QWidget* SettingsDialog::makeFoldersTab() {
   auto* folders = new QFormLayout;
-  messageStore_ = addLineEdit(folders, "txtMessageStore", "&Message store:");
+  messageStore_ = addLineEdit(folders, "txtMessageStore", "Message s&tore:");
   dataFolder_ = addLineEdit(folders, "txtDataFolder", "&Data folder:");
-  filterFolder_ = addLineEdit(folders, "txtFilterFolder", "&Filter folder:");
-  spamArchive_ = addLineEdit(folders, "txtSpamArchive", "&Spam archive:");
+  filterFolder_ = addLineEdit(folders, "txtFilterFolder", "Fi&lter folder:");
+  spamArchive_ = addLineEdit(folders, "txtSpamArchive", "S&pam archive:");
   auto* layout = new QVBoxLayout;
   layout->addLayout(folders);
   layout->addStretch();
