@@ -246,7 +246,8 @@ class SettingsDialogTest : public QObject {
   }
 
   void theControllerRestsWhileTheDialogIsOpen() {
-    Home home(kSettings);
+    // No server, so the pass after OK ends without going anywhere.
+    Home home("REPLYADDRESS0,me@example.org\r\nSCANONSTART, 1 \r\nDELAY, 300 \r\n");
     CountingWindows windows;
     TerminalPasswordPrompt passwords;
     MailController controller(*home.context, windows, passwords);
@@ -269,6 +270,7 @@ class SettingsDialogTest : public QObject {
     QVERIFY(showSettingsDialog(*home.context, controller, nullptr));
     QCOMPARE(windows.menusSetUp, menus + 1);
     QVERIFY(ended.count() == 1 || ended.wait(5000));
+    QCOMPARE(ended.first().first().toString(), QString("Process complete"));
   }
 
   void screenshotsOfEachTab() {
