@@ -105,6 +105,12 @@ class MailController : public QObject, public pop3::Pop3Listener {
   OutboxUpload* outbox() { return outbox_.get(); }
   bayes::BayesFilter* bayesFilter() { return bayes_.get(); }
 
+  // The settings dialog: it may open only while no pass runs; the auto scan
+  // rests while it is open, and the new settings are taken up when it closes.
+  bool openSettingsAllowed() const;
+  void settingsOpening();
+  void settingsClosed(bool accepted);
+
   bool passRunning() const { return passRunning_; }
   // The running pass, or the last one.
   const PassRequest& pass() const { return pass_; }
