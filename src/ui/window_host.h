@@ -17,7 +17,6 @@ struct WindowHost {
   std::function<void(const message::ComposeRequest&)> openComposer;
   // A saved message file, shown as a message.
   std::function<void(const std::filesystem::path&)> openMessageFile;
-  std::function<void()> openSettings;
   std::function<void()> openBayesWindow;
   std::function<void()> openContacts;
   std::function<void()> openTickets;

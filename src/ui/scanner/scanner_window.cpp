@@ -32,6 +32,7 @@
 #include "ui/pictures.h"
 #include "ui/scanner/scanner_toolbar.h"
 #include "ui/settings/account_wizard.h"
+#include "ui/settings/settings_dialog.h"
 #include "ui/scanner/splash_window.h"
 #include "ui/scanner/tray_icon.h"
 #include "ui/source_window.h"
@@ -226,7 +227,6 @@ void ScannerWindow::refreshAvailability() {
   toolbar_->setWindowAvailable("newmail", bool(host_.openComposer));
   toolbar_->setWindowAvailable("mailer", bool(host_.openMailer));
   toolbar_->setWindowAvailable("filters", bool(host_.openBayesWindow));
-  toolbar_->setWindowAvailable("settings", bool(host_.openSettings));
   toolbar_->setWindowAvailable("contacts", bool(host_.openContacts));
   toolbar_->setWindowAvailable("cms", bool(host_.openTickets));
   listMenu_->setAvailable(ServerMailCommand::MarkJunk, bool(host_.markJunk));
@@ -464,7 +464,7 @@ void ScannerWindow::showMessage(const message::Message& message) {
 void ScannerWindow::openFile(const std::filesystem::path& file) { showSourceWindow(file, this); }
 
 void ScannerWindow::showSettings() {
-  if (host_.openSettings) host_.openSettings();
+  if (controller_) showSettingsDialog(ctx_, *controller_, this);
 }
 
 void ScannerWindow::storeWindowState() {
