@@ -68,10 +68,10 @@ void RuleEditor::buildForm() {
   layout->addWidget(heading_);
   auto* sides = new QHBoxLayout;
   sides->addWidget(buildListSide(), 2);
-  sides->addWidget(buildRuleSide(), 5);
+  sides->addWidget(buildRuleSide(), 3);
   layout->addLayout(sides, 1);
   layout->addWidget(buildButtons());
-  resize(940, 520);
+  resize(1000, 540);
 }
 
 QWidget* RuleEditor::buildListSide() {
@@ -88,9 +88,9 @@ QWidget* RuleEditor::buildListSide() {
   view->setLeaveCheck([this] { return addUpdateFilter().has_value(); });
   connect(list_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, &RuleEditor::onCurrentRowChanged);
   column->addWidget(listLabel);
-  column->addWidget(list_, 1);
-
-  auto* moves = new QHBoxLayout;
+  auto* listAndMoves = new QHBoxLayout;
+  listAndMoves->addWidget(list_, 1);
+  auto* moves = new QVBoxLayout;
   QPushButton* top = makeButton(side, "cmdTop", "Top");
   connect(top, &QPushButton::clicked, this, &RuleEditor::onTop);
   moves->addWidget(top);
@@ -102,7 +102,9 @@ QWidget* RuleEditor::buildListSide() {
     move->setEnabled(false);
     moves->addWidget(move);
   }
-  column->addLayout(moves);
+  moves->addStretch(1);
+  listAndMoves->addLayout(moves);
+  column->addLayout(listAndMoves, 1);
 
   auto* search = new QHBoxLayout;
   auto* searchLabel = new QLabel("&Search:", side);
@@ -160,6 +162,7 @@ QWidget* RuleEditor::buildRuleSide() {
     row.text = new QLineEdit(row.frame);
     row.text->setObjectName(indexed("txtText", i));
     row.text->setAccessibleName("Text " + number);
+    row.text->setMinimumWidth(160);
     line->addWidget(row.field);
     line->addWidget(row.comparison);
     line->addWidget(row.text, 1);
