@@ -18,7 +18,7 @@ std::string rowNumber(std::size_t index) { return std::to_string(index + 1); }
 }  // namespace
 
 std::optional<std::string> RuleForm::problem() const {
-  if (name.empty()) return "Please supply a name for this filter";
+  if (lineValue(name).empty()) return "Please supply a name for this filter";
   for (const ConditionForm& row : conditions) {
     if (row.comparison >= 2 && text::val(row.text) == 0) return "Please specify a number from 1 to 10";
   }
@@ -32,15 +32,15 @@ std::optional<std::string> RuleForm::problem() const {
 
 FilterRule RuleForm::toRule() const {
   FilterRule rule;
-  rule.filterName = text::replaceAll(name, ",", " ");
+  rule.filterName = text::replaceAll(lineValue(name), ",", " ");
   rule.action = actionCode;
   if (actionCode == action::kMoveToFolder) {
     rule.destFolder = mailFolder;
   } else if (actionCode == action::kSaveAttachments) {
-    rule.destFolder = destFolder;
+    rule.destFolder = lineValue(destFolder);
     if (!rule.destFolder.ends_with('\\')) rule.destFolder += '\\';
   } else if (actionCode == action::kRunFile || actionCode == action::kTag) {
-    rule.destFolder = destFolder;
+    rule.destFolder = lineValue(destFolder);
   }
   rule.stopProcessing = stopProcessing;
   int used = 0;
@@ -48,7 +48,7 @@ FilterRule RuleForm::toRule() const {
     if (!row.on) continue;
     ++used;
     rule.setFields(used, row.field);
-    rule.setStrings(used, row.text);
+    rule.setStrings(used, lineValue(row.text));
     const auto position = static_cast<std::size_t>(std::clamp(row.comparison, 0, 2));
     rule.setComparisons(used, std::string(kStoredComparisons[position]));
   }
@@ -75,6 +75,12 @@ std::vector<ActionChoice> offeredActions(bool local) {
   return {{"Delete from server", action::kDelete},
           {"Mark as suspicious", action::kSuspicious},
           {"Allow download of message", action::kAllow}};
+}
+
+std::string lineValue(std::string_view text) {
+  std::string value(text);
+  std::erase_if(value, [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
+  return value;
 }
 
 std::optional<int> comparisonPosition(std::string_view stored) {

@@ -47,6 +47,10 @@ std::vector<ActionChoice> offeredActions(bool local);
 inline constexpr std::array<std::string_view, 2> kComparisonTexts = {"Contains", "Doesn't Contain"};
 inline constexpr std::array<std::string_view, 2> kCategoryTexts = {"Shared", "Private"};
 
+// A text as a line of the rule file can hold it: without CR, LF or NUL,
+// which a paste into a box may bring.
+std::string lineValue(std::string_view text);
+
 // The list position that shows a stored comparison; nothing for one the list
 // doesn't hold ("mtch" of older files), which leaves the list as it was.
 std::optional<int> comparisonPosition(std::string_view stored);

@@ -1,6 +1,7 @@
 #include "ui/rules/rule_list_model.h"
 
 #include "app/qtext.h"
+#include "core/rules/rule_form.h"
 
 namespace vonel {
 
@@ -72,7 +73,9 @@ Qt::ItemFlags RuleListModel::flags(const QModelIndex& index) const {
 
 bool RuleListModel::setData(const QModelIndex& index, const QVariant& value, int role) {
   if (!index.isValid() || role != Qt::EditRole) return false;
-  if (!set_.rename(static_cast<std::size_t>(index.row()), fromQString(value.toString()))) return false;
+  if (!set_.rename(static_cast<std::size_t>(index.row()), rules::lineValue(fromQString(value.toString())))) {
+    return false;
+  }
   emit dataChanged(index, index);
   emit rulesChanged();
   emit ruleRenamed(index.row());

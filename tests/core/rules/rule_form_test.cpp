@@ -54,6 +54,15 @@ TEST(RuleFormToRule, TickedRowsPackFromTheFirstCondition) {
   EXPECT_EQ(rule.action, "100");
 }
 
+TEST(RuleFormToRule, PastedLineBreaksAndNulsAreDropped) {
+  RuleForm form = namedForm(std::string("two\r\nlines\0", 13));
+  form.conditions[0] = {true, "To:", 0, "a\nb"};
+  const FilterRule rule = form.toRule();
+  EXPECT_EQ(rule.filterName, "twolines");
+  EXPECT_EQ(rule.strings(1), "ab");
+  EXPECT_EQ(namedForm("\r\n").problem(), "Please supply a name for this filter");
+}
+
 TEST(RuleFormToRule, DestinationDependsOnTheAction) {
   RuleForm form = namedForm("a");
   form.mailFolder = "\\Lists\\";
