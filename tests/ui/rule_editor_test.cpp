@@ -297,6 +297,8 @@ class RuleEditorTest : public QObject {
     QVERIFY(list->selectionModel()->isRowSelected(0, {}));
     QVERIFY(!list->selectionModel()->isRowSelected(2, {}));
     QCOMPARE(home.engine.rules()[0].ruleCount, std::int16_t{2});
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, QPoint(4, list->viewport()->height() - 2));
+    QVERIFY(list->selectionModel()->isRowSelected(0, {}));
 
     nameBox(editor)->clear();
     click(editor, "cmdSaveAndExit");
@@ -323,6 +325,11 @@ class RuleEditorTest : public QObject {
     QCOMPARE(nameBox(editor)->text(), QString("Lottery winners"));
     click(editor, "cmdNext");
     QCOMPARE(currentRow(editor), 3);
+
+    // The scanner opens the editor on the rule that judged a message.
+    editor.selectRule("Friends");
+    QCOMPARE(currentRow(editor), 2);
+    QCOMPARE(nameBox(editor)->text(), QString("Friends"));
   }
 
   void saveAndExitWritesTheRuleFile() {

@@ -21,8 +21,11 @@ QModelIndex RuleListView::moveCursor(CursorAction action, Qt::KeyboardModifiers 
   return mayLeaveFor(target) ? target : currentIndex();
 }
 
+// A click below the last row would clear the selection while the form still
+// shows the rule, so it is ignored.
 void RuleListView::mousePressEvent(QMouseEvent* event) {
-  if (!mayLeaveFor(indexAt(event->position().toPoint()))) {
+  const QModelIndex target = indexAt(event->position().toPoint());
+  if ((!target.isValid() && currentIndex().isValid()) || !mayLeaveFor(target)) {
     event->accept();
     return;
   }
