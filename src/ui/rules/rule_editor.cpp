@@ -60,12 +60,12 @@ RuleEditor::RuleEditor(AppContext& context, rules::RuleEngine& engine, bool loca
 
 void RuleEditor::buildForm() {
   auto* layout = new QVBoxLayout(this);
-  heading_ = new QLabel(local_ ? "These filters will move inbound messages to selected folders"
+  auto* heading = new QLabel(local_ ? "These filters will move inbound messages to selected folders"
                                : "These filters will delete spam based on header fields",
                         this);
-  heading_->setObjectName("lblHeading");
-  heading_->setWordWrap(true);
-  layout->addWidget(heading_);
+  heading->setObjectName("lblHeading");
+  heading->setWordWrap(true);
+  layout->addWidget(heading);
   auto* sides = new QHBoxLayout;
   sides->addWidget(buildListSide(), 2);
   sides->addWidget(buildRuleSide(), 3);

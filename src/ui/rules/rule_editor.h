@@ -13,7 +13,6 @@
 
 class QCheckBox;
 class QComboBox;
-class QLabel;
 class QLineEdit;
 class QListView;
 class QPushButton;
@@ -84,7 +83,6 @@ class RuleEditor final : public QDialog {
   bool changed_ = false;
   bool selecting_ = false;  // a row chosen by the editor itself, not by the user
 
-  QLabel* heading_ = nullptr;
   QListView* list_ = nullptr;
   QLineEdit* name_ = nullptr;
   std::array<ConditionRow, rules::FilterRule::kMaxConditions> rows_{};
