@@ -15,6 +15,7 @@ class DovecotServer {
   bool start();
   void stop();
   int port() const { return port_; }
+  bool running() const { return running_; }
   const std::string& user() const { return user_; }
   const std::string& password() const { return password_; }
   std::filesystem::path maildir() const;

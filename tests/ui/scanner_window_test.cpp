@@ -1,5 +1,9 @@
 #include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QPlainTextEdit>
 #include <QSignalSpy>
 #include <QStatusBar>
@@ -429,6 +433,46 @@ class ScannerWindowTest : public QObject {
     scanner.controller.blockOrUnblock(BlockTarget::Sender, true, {"no such key"});
     scanner.model().flush();
     QCOMPARE(scanner.model().rowCount(), 6);
+    QVERIFY(scanner.controller.exitProgram());
+  }
+
+  // A rule made in the editor judges the listed headers at once, with no server to ask.
+  void aNewDeleteRuleFailsTheRowsWithoutTheServer() {
+    // The server may have been stopped, and comes back on another port.
+    QVERIFY(server_.running() || server_.start());
+    for (const char* name : {"9.1", "9.2"}) {
+      server_.deliver(name, mail("Ann <ann@example.org>", "me@example.org", "Lunch plans"));
+    }
+    Scanner scanner(settings());
+    scanner.controller.startup();
+    scanner.controller.serverFilters().setRules({});
+    scanner.scan();
+    server_.stop();
+    QCOMPARE(scanner.cell(scanner.rowOfSubject("Lunch plans"), ServerMailColumn::Status), QString("PASS"));
+
+    QTimer::singleShot(0, [] {
+      QWidget* editor = QApplication::activeModalWidget();
+      if (!editor) return;
+      auto* name = editor->findChild<QLineEdit*>("txtFilterName");
+      name->clear();
+      QTest::keyClicks(name, "No lunch");
+      auto* on = editor->findChild<QCheckBox*>("chkOn_0");
+      if (!on->isChecked()) QTest::mouseClick(on, Qt::LeftButton, {}, QPoint(4, on->height() / 2));
+      auto* field = editor->findChild<QComboBox*>("cmbField_0");
+      field->setCurrentIndex(field->findText("Subject:"));
+      QTest::keyClicks(editor->findChild<QLineEdit*>("txtText_0"), "Lunch");
+      auto* action = editor->findChild<QComboBox*>("cmbWhenMatched");
+      for (int i = 0; i < action->count(); ++i) {
+        if (action->itemData(i).toString() == "100") action->setCurrentIndex(i);
+      }
+      editor->findChild<QPushButton*>("cmdSaveAndExit")->click();
+    });
+    scanner.window.findChild<QAction*>("serverfilters")->trigger();
+
+    const int row = scanner.rowOfSubject("Lunch plans");
+    QCOMPARE(scanner.cell(row, ServerMailColumn::Status), QString("FAIL"));
+    QCOMPARE(scanner.cell(row, ServerMailColumn::FilteredBy), QString("No lunch"));
+    QVERIFY(files::loadTextFile(scanner.home / "Rules.txt").find("Filtername, No lunch") != std::string::npos);
     QVERIFY(scanner.controller.exitProgram());
   }
 };

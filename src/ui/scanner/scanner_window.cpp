@@ -31,6 +31,7 @@
 #include "ui/log/log_window.h"
 #include "ui/pictures.h"
 #include "ui/scanner/scanner_toolbar.h"
+#include "ui/rules/rule_editor.h"
 #include "ui/settings/account_wizard.h"
 #include "ui/settings/settings_dialog.h"
 #include "ui/scanner/splash_window.h"
@@ -80,7 +81,22 @@ ScannerWindow::ScannerWindow(AppContext& context)
 
 ScannerWindow::~ScannerWindow() = default;
 
-void ScannerWindow::attach(MailController& controller) { controller_ = &controller; }
+void ScannerWindow::attach(MailController& controller) {
+  controller_ = &controller;
+  // The rules change only while no pass judges with them; the list is judged
+  // again afterwards, saved or not, as the editor keeps its rules in memory.
+  const auto editRules = [this](bool local, const std::string& ruleName) {
+    if (controller_->passRunning()) return;
+    auto& engine = local ? controller_->localFilters() : controller_->serverFilters();
+    if (ruleName.empty()) runRuleEditor(ctx_, engine, local, this);
+    else runRuleEditorOn(ctx_, engine, local, ruleName, this);
+    controller_->rescanCachedMail();
+  };
+  host_.openLocalRules = [editRules] { editRules(true, {}); };
+  host_.openServerRules = [editRules] { editRules(false, {}); };
+  host_.editRule = [editRules](const std::string& name) { editRules(false, name); };
+  refreshAvailability();
+}
 
 QWidget* ScannerWindow::buildListAndHeaders() {
   auto* page = new QWidget(this);
@@ -226,7 +242,11 @@ void ScannerWindow::buildStatusBar() {
 void ScannerWindow::refreshAvailability() {
   toolbar_->setWindowAvailable("newmail", bool(host_.openComposer));
   toolbar_->setWindowAvailable("mailer", bool(host_.openMailer));
-  toolbar_->setWindowAvailable("filters", bool(host_.openBayesWindow));
+  toolbar_->setWindowAvailable("filters", host_.openBayesWindow || host_.openServerRules);
+  for (const auto& [entry, hook] : {std::pair{"localfilters", bool(host_.openLocalRules)},
+                                    std::pair{"serverfilters", bool(host_.openServerRules)}}) {
+    if (auto* action = toolbar_->findChild<QAction*>(entry)) action->setEnabled(hook);
+  }
   toolbar_->setWindowAvailable("contacts", bool(host_.openContacts));
   toolbar_->setWindowAvailable("cms", bool(host_.openTickets));
   listMenu_->setAvailable(ServerMailCommand::MarkJunk, bool(host_.markJunk));
@@ -330,9 +350,7 @@ bool ScannerWindow::setServerStatus(const std::string& title, std::string_view t
   return model_.setServerStatus(toQString(title), toQString(text));
 }
 
-void ScannerWindow::showConnectionError(std::string_view text) {
-  QMessageBox::warning(this, "Vonel", toQString(text));
-}
+void ScannerWindow::showConnectionError(std::string_view text) { ctx_.prompt.ask(text, Buttons::Ok, "Vonel"); }
 
 void ScannerWindow::addServerMessage(const message::Message& m, long number, const std::string&,
                                      const std::string& server) {

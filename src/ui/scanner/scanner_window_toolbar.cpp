@@ -34,7 +34,8 @@ void ScannerWindow::onToolbarButton(const QString& key) {
   else if (key == "stop") controller_->stopPass();
   else if (key == "newmail") openComposer({});
   else if (key == "mailer") switchToMailer();
-  else if (key == "filters") run(host_.openBayesWindow);
+  else if (key == "filters" && host_.openBayesWindow) host_.openBayesWindow();
+  else if (key == "filters") toolbar_->button("filters")->showMenu();
   else if (key == "settings") showSettings();
   else if (key == "contacts") run(host_.openContacts);
   else if (key == "cms") run(host_.openTickets);
