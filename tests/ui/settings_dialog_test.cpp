@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
@@ -99,7 +100,7 @@ class SettingsDialogTest : public QObject {
     QVERIFY(!box<QCheckBox>(dialog, "chkStopAtLast")->isChecked());  // never written
     QCOMPARE(edit(dialog, "txtSeconds")->text(), QString("300"));
     QCOMPARE(edit(dialog, "txtMessageStore")->text(), QString::fromStdString(home.root() + "/Messages"));
-    QCOMPARE(edit(dialog, "txtSignature")->text(), QString::fromStdString(home.root() + "/Messages/sig.txt"));
+    QVERIFY(box<QPlainTextEdit>(dialog, "txtSignature")->toPlainText().isEmpty());
     QCOMPARE(box<QListWidget>(dialog, "lstLanguages")->currentItem()->text(), QString("English"));
     QVERIFY(box<QRadioButton>(dialog, "optWindow_0")->isChecked());
 
@@ -230,6 +231,23 @@ class SettingsDialogTest : public QObject {
     QCOMPARE(home.settingsFile(), kSettings);
     QVERIFY(!home.context->settings.isSettingPresent("AUDIO"));
     QVERIFY(!std::filesystem::exists(home.home / "Paths.ini"));
+  }
+
+  // The default signature lives in "sig.txt" of the store root, with the program's line ends.
+  void theSignatureIsKeptInTheStoreRoot() {
+    Home home(kSettings);
+    const auto file = home.home / "Messages" / "sig.txt";
+    {
+      SettingsDialog dialog(*home.context);
+      QVERIFY(pressOk(dialog));
+      QVERIFY(!std::filesystem::exists(file));
+    }
+    SettingsDialog dialog(*home.context);
+    box<QPlainTextEdit>(dialog, "txtSignature")->setPlainText("Jo\nExample Ltd");
+    QVERIFY(pressOk(dialog));
+    QCOMPARE(files::loadTextFile(file), std::string("Jo\r\nExample Ltd"));
+    SettingsDialog again(*home.context);
+    QCOMPARE(box<QPlainTextEdit>(again, "txtSignature")->toPlainText(), QString("Jo\nExample Ltd"));
   }
 
   void startMinimisedIsTheOneBoxKeptAsText() {

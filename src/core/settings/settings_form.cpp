@@ -1,5 +1,8 @@
 #include "core/settings/settings_form.h"
 
+#include "core/files/atomic_file.h"
+#include "core/files/file_text.h"
+
 #include <algorithm>
 
 #include "core/files/file_info.h"
@@ -54,6 +57,17 @@ bool folderUsable(const std::filesystem::path& folder) {
   return !folder.empty() && (files::folderExists(folder) || files::ensureFolder(folder));
 }
 
+std::string defaultSignature(const std::filesystem::path& storeRoot) {
+  const auto file = storeRoot / "sig.txt";
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) return {};
+  try {
+    return files::loadTextFile(file);
+  } catch (...) {
+    return {};
+  }
+}
+
 SettingsForm readSettingsForm(const SettingsStore& settings, const DataFolders& folders) {
   auto text = [&](std::string_view key, std::string_view fallback) {
     return settings.get(key, Value(fallback)).text();
@@ -71,7 +85,7 @@ SettingsForm readSettingsForm(const SettingsStore& settings, const DataFolders& 
   form.dataFolder = folderText(folders.dataFolderPath);
   form.filterFolder = folderText(folders.filterFolderPath);
   form.spamFolder = text("SpamFolder", folderText(root / "SpamBayes"));
-  form.signatureFile = text("SignatureFile", folderText(root / "sig.txt"));
+  form.signature = defaultSignature(root);
 
   form.autoUpdateCheck = !flag("DisableAutoUpdateCheck", false);
   form.scanOnStartup = flag("ScanOnStart", true);
@@ -146,7 +160,10 @@ void writeSettingsForm(const SettingsForm& form, SettingsStore& settings, DataFo
   settings.set("SpamFolder", Value(storableText(form.spamFolder)));
 
   for (const Account& account : form.accounts) writeAccountBoxes(settings, account);
-  settings.set("SignatureFile", Value(storableText(form.signatureFile)));
+  // Written only when it changed, so an untouched dialog makes no empty file.
+  if (form.signature != defaultSignature(folders.messageFolderPath)) {
+    files::writeTextFile(folders.messageFolderPath / "sig.txt", form.signature);
+  }
 
   auto text = [&](std::string_view key, const std::string& value) { settings.set(key, Value(storableText(value))); };
   settings.set("DisableAutoUpdateCheck", boxState(!form.autoUpdateCheck));

@@ -27,7 +27,8 @@ struct SettingsForm {
   std::string dataFolder;
   std::string filterFolder;
   std::string spamFolder;
-  std::string signatureFile;
+  // The default signature: the text of "sig.txt" in the store root.
+  std::string signature;
 
   bool autoUpdateCheck = true;
   bool scanOnStartup = true;
@@ -54,6 +55,9 @@ struct SettingsForm {
 
 // The form as the settings and the present folders hold it; never-written
 // CHECK and STOPATLAST keys show unticked.
+// The default signature's text; empty when there is none or it can't be read.
+std::string defaultSignature(const std::filesystem::path& storeRoot);
+
 SettingsForm readSettingsForm(const SettingsStore& settings, const DataFolders& folders);
 
 // Whether a folder can hold data: it is there, or it can be made.

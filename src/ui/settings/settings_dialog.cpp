@@ -7,7 +7,9 @@
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
@@ -206,8 +208,16 @@ QWidget* SettingsDialog::makeMessagesTab() {
   messageFontSize_->setAccessibleName("Message font size");
   fonts->addRow("Message font si&ze:", messageFontSize_);
 
-  auto* signature = new QFormLayout;
-  signature_ = addLineEdit(signature, "txtSignature", "Signature f&ile:");
+  auto* signature = new QVBoxLayout;
+  auto* signatureLabel = new QLabel("Default &signature, added to the mail you write:");
+  signature_ = new QPlainTextEdit;
+  signature_->setObjectName("txtSignature");
+  signature_->setAccessibleName("Default signature");
+  signature_->setTabChangesFocus(true);
+  signature_->setMaximumHeight(fontMetrics().height() * 6);
+  signatureLabel->setBuddy(signature_);
+  signature->addWidget(signatureLabel);
+  signature->addWidget(signature_);
 
   auto* layout = new QVBoxLayout;
   layout->addWidget(group("Message ages", ages));
@@ -277,7 +287,7 @@ void SettingsDialog::showForm() {
   dataFolder_->setText(toQString(form_.dataFolder));
   filterFolder_->setText(toQString(form_.filterFolder));
   spamArchive_->setText(toQString(form_.spamFolder));
-  signature_->setText(toQString(form_.signatureFile));
+  signature_->setPlainText(toQString(form_.signature).replace("\r\n", "\n"));
 
   autoUpdateCheck_->setChecked(form_.autoUpdateCheck);
   scanOnStartup_->setChecked(form_.scanOnStartup);
@@ -362,7 +372,8 @@ SettingsForm SettingsDialog::formFromBoxes() {
   form.dataFolder = boxText(dataFolder_);
   form.filterFolder = boxText(filterFolder_);
   form.spamFolder = boxText(spamArchive_);
-  form.signatureFile = boxText(signature_);
+  // The file keeps the program's line ends.
+  form.signature = fromQString(signature_->toPlainText().replace("\n", "\r\n"));
 
   form.autoUpdateCheck = autoUpdateCheck_->isChecked();
   form.scanOnStartup = scanOnStartup_->isChecked();

@@ -12,6 +12,7 @@ class QCheckBox;
 class QComboBox;
 class QFormLayout;
 class QLineEdit;
+class QPlainTextEdit;
 class QListWidget;
 class QRadioButton;
 class QTabWidget;
@@ -87,7 +88,7 @@ class SettingsDialog final : public QDialog {
   QComboBox* fontSize_ = nullptr;
   QComboBox* messageFontSize_ = nullptr;
   QLineEdit* fontName_ = nullptr;
-  QLineEdit* signature_ = nullptr;
+  QPlainTextEdit* signature_ = nullptr;
 
   QListWidget* languages_ = nullptr;
   QRadioButton* scannerFirst_ = nullptr;

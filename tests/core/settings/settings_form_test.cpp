@@ -129,7 +129,7 @@ TEST(SettingsFormWrite, AccountsKeepTheirKeyOrderAndBoxesAreNumbers) {
                       "REPLYADDRESS0,me@example.org\r\nDISPLAYNAME0,JoSmith\r\nEXCLUSIVE0_0,\r\nEXCLUSIVE1_0,\r\n"
                       "TITLE1,Account 2\r\n"),
             std::string::npos);
-  EXPECT_NE(file.find("EXCLUSIVE1_19,\r\nSIGNATUREFILE," + h.root() + "/Messages/sig.txt\r\n"), std::string::npos);
+  EXPECT_NE(file.find("EXCLUSIVE1_19,\r\nDISABLEAUTOUPDATECHECK,"), std::string::npos);
   EXPECT_NE(file.find("\r\nAUDIO, 1 \r\nSTARTMIN,1\r\nDELETEONRETRIEVE, 0 \r\n"), std::string::npos);
   EXPECT_NE(file.find("\r\nSHOWSCANNERFIRST,-1 \r\nMAILTIMEOUT,30\r\nAGE0,30\r\nAGE1,14\r\nAGE2,1\r\n"), std::string::npos);
   EXPECT_EQ(h.pathSettings.get("MessageFolder").text(), h.root() + "/Messages");
