@@ -134,13 +134,7 @@ StartupResult MailController::startup() {
     applyWindowSize();
     // The reminder component never runs here, so only its absence is logged.
     logAction("Brindle component not running");
-    if (ctx_.settings.get("DisableAutoUpdateCheck", Value(false)).flag()) {
-      logAction("Auto update disabled");
-      windows_.setStatusText("Vonel auto-update disabled");
-    } else {
-      logAction("Update Check Enabled");
-      windows_.setStatusText("Auto-update enabled");
-    }
+    showUpdateStatus();
     // Compared as text on purpose: " 1 " or -1 don't hide the window.
     if (ctx_.settings.get("STARTMIN", Value("")).text() == "1") {
       logAction("Hiding main form");
@@ -157,6 +151,16 @@ StartupResult MailController::startup() {
     delayedStartTimer_.start();
   });
   return StartupResult::Started;
+}
+
+void MailController::showUpdateStatus() {
+  if (ctx_.settings.get("DisableAutoUpdateCheck", Value(false)).flag()) {
+    logAction("Auto update disabled");
+    windows_.setStatusText("Vonel auto-update disabled");
+  } else {
+    logAction("Update Check Enabled");
+    windows_.setStatusText("Auto-update enabled");
+  }
 }
 
 void MailController::readSettings() {

@@ -172,6 +172,8 @@ class MailController : public QObject, public pop3::Pop3Listener {
   void showStage(std::string_view text);
   void logAction(std::string_view text);
   void readSettings();
+  // The status bar says whether the program looks for updates.
+  void showUpdateStatus();
   void applyWindowSize();
   bool outboxHoldsMail() const;
 

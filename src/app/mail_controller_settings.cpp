@@ -8,6 +8,7 @@ bool MailController::openSettingsAllowed() const { return !passRunning_; }
 void MailController::settingsOpening() { autoScan_.stop(); }
 
 void MailController::settingsClosed(bool accepted) {
+  showUpdateStatus();
   if (!accepted) {
     autoScan_.restart();
     return;

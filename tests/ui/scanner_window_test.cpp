@@ -380,6 +380,16 @@ class ScannerWindowTest : public QObject {
     QVERIFY(scanner.controller.exitProgram());
   }
 
+  // The box the settings dialog writes hides the window at the next start;
+  // without a tray it is minimised instead, so it can still be reached.
+  void startMinimisedHidesTheWindowAtStart() {
+    Scanner scanner("REPLYADDRESS0,me@example.org\r\nSTARTMIN,1\r\n");
+    scanner.controller.startup();
+    if (QSystemTrayIcon::isSystemTrayAvailable()) QVERIFY(!scanner.window.isVisible());
+    else QVERIFY(scanner.window.isMinimized());
+    QVERIFY(scanner.controller.exitProgram());
+  }
+
   void theAccountMenusNameEveryAccount() {
     Scanner scanner("REPLYADDRESS0,me@example.org\r\nTITLE0,Home\r\nREPLYADDRESS3,x@example.org\r\n");
     scanner.controller.startup();
