@@ -55,7 +55,7 @@ TEST(RuleFormToRule, TickedRowsPackFromTheFirstCondition) {
 }
 
 TEST(RuleFormToRule, PastedLineBreaksAndNulsAreDropped) {
-  RuleForm form = namedForm(std::string("two\r\nlines\0", 13));
+  RuleForm form = namedForm(std::string("two\r\nlines\0", 11));
   form.conditions[0] = {true, "To:", 0, "a\nb"};
   const FilterRule rule = form.toRule();
   EXPECT_EQ(rule.filterName, "twolines");
