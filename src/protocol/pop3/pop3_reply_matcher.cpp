@@ -7,8 +7,9 @@
 namespace vonel::pop3 {
 namespace {
 
-// What a header reply is taken to weigh before any has come.
-constexpr std::size_t kFirstHeaderGuess = 2048;
+// What a header reply is taken to weigh before any has come: on the high
+// side, so that the first window stays small until the mean is known.
+constexpr std::size_t kFirstHeaderGuess = 8192;
 
 }  // namespace
 
@@ -36,9 +37,8 @@ void ReplyMatcher::expect(SentAhead command, long number) {
   if (command == SentAhead::Top) ++topsInFlight_;
 }
 
-bool ReplyMatcher::deleBehindFront() const {
-  return std::any_of(queue_.begin() + (queue_.empty() ? 0 : 1), queue_.end(),
-                     [](const Entry& e) { return e.command == SentAhead::Dele; });
+bool ReplyMatcher::deleInFlight() const {
+  return std::any_of(queue_.begin(), queue_.end(), [](const Entry& e) { return e.command == SentAhead::Dele; });
 }
 
 std::size_t ReplyMatcher::replyLength(std::string_view bytes, Scan& scan) const {

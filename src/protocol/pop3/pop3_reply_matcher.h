@@ -50,8 +50,8 @@ class ReplyMatcher {
   void expect(SentAhead command, long number);
   std::size_t inFlight() const { return queue_.size(); }
   bool idle() const { return queue_.empty(); }
-  // Whether a DELE waits behind the reply now in hand.
-  bool deleBehindFront() const;
+  // Whether a DELE waits for its reply; inside the handler, one behind the reply in hand.
+  bool deleInFlight() const;
   // Bytes of an unfinished reply held back for the next chunk.
   std::size_t held() const { return partial_.size(); }
 

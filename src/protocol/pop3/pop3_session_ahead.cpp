@@ -38,6 +38,7 @@ void Pop3Session::onCapaLines(const std::string& packet) {
     sendList();
     return;
   }
+  reply_.inMultiLine = true;  // its lines stay out of the log, as a list's do
   capa_.bytes += packet.size();
   for (std::size_t at = 0; at < packet.size();) {
     const std::size_t lineFeed = packet.find('\n', at);
@@ -134,7 +135,7 @@ bool Pop3Session::onAheadDeleReply(const MatchedReply& reply) {
   // A DELE sent behind this one would be carried out by QUIT, where the walk
   // without pipelining had stopped before it: then nothing is committed.
   endWithError(FailureKind::ServerRefused, status,
-               aheadReplies_.deleBehindFront() ? Parting::HangUp : Parting::Quit);
+               aheadReplies_.deleInFlight() ? Parting::HangUp : Parting::Quit);
   return false;
 }
 
