@@ -12,7 +12,6 @@
 namespace vonel::pop3 {
 namespace {
 
-constexpr std::string_view kModule = log_places::kPop3Module;
 // A line this long without its end is handed on unfinished, so that a
 // server that never ends a line can't fill the memory.
 constexpr std::size_t kLongestLine = 1 << 20;
