@@ -124,6 +124,7 @@ class Pop3Session {
   bool onAheadTopReply(const MatchedReply& reply);
   bool onAheadDeleReply(const MatchedReply& reply);
   bool refillOrHandOver();
+  Parting partingMidWalk() const;
   void sendAhead(SentAhead command, long number);
   void flushAhead();
 

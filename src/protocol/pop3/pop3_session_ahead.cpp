@@ -79,7 +79,7 @@ std::size_t Pop3Session::onAheadReplies(std::string_view chunk) {
   flushAhead();
   switch (result.outcome) {
     case ReplyMatcher::Outcome::Overlong:
-      endWithError(FailureKind::BadReply, "Reply too long", Parting::HangUp);
+      endWithError(FailureKind::BadReply, "Reply too long", partingMidWalk());
       return chunk.size();
     case ReplyMatcher::Outcome::Unexpected:
       return chunk.size();  // nothing is in flight once the walk has stopped
@@ -132,11 +132,14 @@ bool Pop3Session::onAheadDeleReply(const MatchedReply& reply) {
     reply_.inMultiLine = false;
     return false;
   }
-  // A DELE sent behind this one would be carried out by QUIT, where the walk
-  // without pipelining had stopped before it: then nothing is committed.
-  endWithError(FailureKind::ServerRefused, status,
-               aheadReplies_.deleInFlight() ? Parting::HangUp : Parting::Quit);
+  endWithError(FailureKind::ServerRefused, status, partingMidWalk());
   return false;
+}
+
+// A DELE still in flight would be carried out by QUIT, where the walk
+// without pipelining had stopped before sending it: then nothing is committed.
+Pop3Session::Parting Pop3Session::partingMidWalk() const {
+  return aheadReplies_.deleInFlight() ? Parting::HangUp : Parting::Quit;
 }
 
 // Sends TOPs while the bound leaves room. Once every reply is in, the walk

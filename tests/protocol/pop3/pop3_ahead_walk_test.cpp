@@ -180,21 +180,21 @@ TEST(AheadWalkChoice, ACapabilityListWithoutEndIsBoundedLikeAnyList) {
 }
 
 TEST(AheadWalkBound, CommandsInFlightStayWithinCountAndBytes) {
-  std::vector<std::string> many(1000, "x");
+  std::vector<std::string> many(1500, "x");
   Walk small(true, many);
   small.scan(false, 4096);
-  EXPECT_EQ(small.events.headers.size(), 1000u);
+  EXPECT_EQ(small.events.headers.size(), 1500u);
   EXPECT_EQ(small.server.mostInFlight(), kPipelineBound.commands);
 
   // Headers of 16 KiB: once their size is known, the bytes bound the window.
-  std::vector<std::string> large(300, "y");
+  std::vector<std::string> large(600, "y");
   Walk big(true, large);
   const std::string filler = "X-Filler: " + std::string(16 * 1024, 'f') + "\r\n";
-  for (int n = 1; n <= 300; ++n) {
+  for (int n = 1; n <= 600; ++n) {
     big.server.replies["TOP " + std::to_string(n) + " 1"] = "+OK\r\nSubject: big\r\n" + filler + "\r\n.\r\n";
   }
   big.scan(false, 4096);
-  EXPECT_EQ(big.events.headers.size(), 300u);
+  EXPECT_EQ(big.events.headers.size(), 600u);
   const auto& counts = big.server.inFlightAtWrite;
   const std::size_t settled = *std::max_element(counts.begin() + counts.size() / 2, counts.end());
   EXPECT_LE(settled, kPipelineBound.bytes / filler.size());
