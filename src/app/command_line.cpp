@@ -47,6 +47,8 @@ CommandLine parseCommandLine(const QStringList& arguments) {
       line.mergeTemplate = arguments[++i];
     } else if (argument == "--delete") {
       line.deleteOnServer = true;
+    } else if (argument == "--lockstep") {
+      line.lockstep = true;
     } else if (argument == "--account") {
       bool ok = false;
       const int account = i + 1 < arguments.size() ? arguments[++i].toInt(&ok) : 0;
@@ -68,8 +70,9 @@ CommandLine parseCommandLine(const QStringList& arguments) {
 }
 
 QString commandLineHelp() {
-  return "usage: vonel [--home DIR] [--headless | --scan | --download [--account N] [--delete] | --daemon\n"
-         "             | --train | --score FILE...] [--merge DATAFILE TEMPLATE] [--send]\n"
+  return "usage: vonel [--home DIR] [--headless | --scan [--lockstep] | --download [--account N] [--delete]\n"
+         "             | --daemon"
+         " | --train | --score FILE...] [--merge DATAFILE TEMPLATE] [--send]\n"
          "       vonel --help | --version\n"
          "Without a command Vonel opens its window.\n"
          "  --home DIR     keep settings, logs and mail in DIR\n"
@@ -80,6 +83,8 @@ QString commandLineHelp() {
          "  --train        train the Bayes filter on the stored mail\n"
          "  --account N    only account N (0 to 19)\n"
          "  --delete       delete failing messages on the server\n"
+         "  --lockstep     wait for each reply before the next command, even where a\n"
+         "                 server takes commands sent ahead (POPPIPELINING)\n"
          "  --score FILE   print the spam score, verdict and name of each message file\n"
          "  --merge DATAFILE TEMPLATE  save one outbox message per row of the data file\n"
          "  --send         send the outbox, one line per step; after --scan, beside the pass\n"

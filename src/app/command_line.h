@@ -16,6 +16,7 @@ struct CommandLine {
   bool daemon = false;         // passes on the auto-scan timer until stopped
   bool train = false;          // train the Bayes filter on the stored mail
   bool deleteOnServer = false;
+  bool lockstep = false;       // scan without sending commands ahead
   std::optional<int> account;  // the one account of the pass; every account when empty
   bool score = false;          // print the Bayes score of each message file in passOn
   bool send = false;           // send the outbox, beside the pass if there is one

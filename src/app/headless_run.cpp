@@ -189,6 +189,7 @@ int runHeadless(const CommandLine& line) {
   SystemClock clock;
   ConsolePrompt prompt;
   AppContext context(clock, prompt, platformAppInfo(home), platformLocaleFacts());
+  context.popLockstep = line.lockstep;
   HeadlessWindows windows;
   TerminalPasswordPrompt passwords;
   MailController controller(context, windows, passwords);

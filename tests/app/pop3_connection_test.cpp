@@ -52,6 +52,8 @@ struct Rig {
     peer.setGreeting(Reply{{"+O", "K ready\r", "\n"}, false});
     peer.on("USER", {whole("+OK\r\n")});
     peer.on("PASS", {whole("+OK\r\n")});
+    // The header scan's TOPs then go out together, their replies coming back split anyhow.
+    peer.on("CAPA", {whole("+OK\r\nPIPELINING\r\n.\r\n")});
     peer.on("QUIT", {Reply{{"+OK bye\r\n"}, true}});
   }
   void scan() {

@@ -42,6 +42,9 @@ class AppContext {
 
   bool noCacheMode = false;
   bool remindersUnavailable = true;
+  // From the command line (--lockstep): header scans wait for each reply
+  // before the next command, whatever POPPIPELINING says. Never saved.
+  bool popLockstep = false;
 
   // The running total of spam messages seen since installation.
   double globalSpamCount() const;

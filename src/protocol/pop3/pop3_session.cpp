@@ -19,7 +19,12 @@ Pop3Session::Pop3Session(AppContext& context, protocol::Link& link, Pop3Listener
 
 void Pop3Session::logAction(std::string_view text) { ctx_.log.addAction(text); }
 
-void Pop3Session::send(const std::string& command) { link_.send(command + "\r\n"); }
+// Commands written ahead go out first, in their order.
+void Pop3Session::send(const std::string& command) {
+  aheadBatch_ += command;
+  aheadBatch_ += "\r\n";
+  flushAhead();
+}
 
 void Pop3Session::sendCommand(Pop3State awaited, const std::string& command) {
   state_ = awaited;
@@ -78,6 +83,7 @@ void Pop3Session::startSession() {
   ++sessionNumber_;
   pending_.clear();
   scanned_ = 0;
+  aheadBatch_.clear();
   closeTempFile(true);
   uniqueIds_.clear();
   storedBefore_.clear();
@@ -117,6 +123,10 @@ void Pop3Session::startTransfer(int account, bool deleteSpam, bool force) {
   specificCount_ = 0;
   deleteSpam_ = deleteSpam;
   account_ = account;
+  // Only the header scan sends commands ahead: a download's RETR and its DELE don't mix with queued TOPs.
+  askCapa_ = mode_ == Mode::Headers && !ctx_.popLockstep &&
+             ctx_.settings.get(accountKey("POPPIPELINING", account), Value(true)).flag();
+  pipelining_ = false;
   events_.onCaption("Reading mail");
   sizeList_.clear();
   events_.onDoingServer(a.title);
@@ -133,6 +143,7 @@ void Pop3Session::endSession() {
   ++sessionNumber_;
   pending_.clear();
   scanned_ = 0;
+  aheadBatch_.clear();
   link_.setTimer(false);
   link_.close();
   sizeList_.clear();
@@ -141,11 +152,16 @@ void Pop3Session::endSession() {
   events_.onFinished(title(), specificCount_);
 }
 
-void Pop3Session::endWithError(FailureKind kind, const std::string& text) {
+void Pop3Session::endWithError(FailureKind kind, const std::string& text, Parting parting) {
   reply_.inMultiLine = false;
   closeTempFile(true);
   logAction("POP Error: " + text);
-  sendQuit();
+  if (parting == Parting::Quit) {
+    sendQuit();
+  } else {
+    aheadBatch_.clear();
+    state_ = Pop3State::AwaitQuitReply;
+  }
   events_.onPopError(title(), text);
   reportFailure(Pop3Failure(kind, text));
   endSession();

@@ -4,8 +4,11 @@
 // judged, and then deletes, lists or downloads the message; a download
 // passes over what an earlier one stored, known by UIDL. It knows no
 // sockets and no windows: bytes come in, commands go out through the Link,
-// and what it learns goes to its owner as events.
+// and what it learns goes to its owner as events. A header scan of a server
+// that announces PIPELINING sends its TOPs ahead (POPPIPELINING<n>, on
+// unless switched off), with the same verdicts, events and deletes.
 #include <array>
+#include <exception>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -21,6 +24,8 @@
 #include "protocol/link.h"
 #include "protocol/pop3/multi_line_decoder.h"
 #include "protocol/pop3/pop3_listener.h"
+#include "protocol/pop3/pop3_reply_matcher.h"
+#include "protocol/pop3/pop3_reply_text.h"
 #include "protocol/socket_error.h"
 #include "core/log/log_places.h"
 
@@ -42,6 +47,8 @@ enum class Pop3State {
   AwaitQuitReply = 10,
   AwaitUidlLines = 11,
   AwaitStoredDeleReply = 12,  // a message stored by an earlier, cut-off run, deleted on retrieve
+  AwaitCapaLines = 13,        // whether the server takes commands sent ahead
+  AwaitAheadReplies = 14,     // replies to the header walk's commands sent ahead
 };
 
 class Pop3Session {
@@ -84,13 +91,16 @@ class Pop3Session {
   void startTransfer(int account, bool deleteSpam, bool force);
   void startSession();
   void endSession();
-  void endWithError(FailureKind kind, const std::string& text);
+  // Whether a session that ends on an error says QUIT, and so commits its deletes.
+  enum class Parting { Quit, HangUp };
+  void endWithError(FailureKind kind, const std::string& text, Parting parting = Parting::Quit);
   // Raises onFailure with the account and how far the walk got.
   void reportFailure(Pop3Failure failure);
 
   // Cutting received bytes into packets and handing them on (pop3_session_replies.cpp).
   bool takePacket(std::string& packet);
   void onPacket(const std::string& packet);
+  void logArrivalError(std::exception_ptr error);
   void dispatch(const std::string& packet);
   void onGreeting();
   void onListLines(const std::string& packet);
@@ -99,8 +109,24 @@ class Pop3Session {
   void onQuitReply();
 
   // The header walk and each header's verdict (pop3_session_headers.cpp).
+  enum class HeaderStep { Delete, Next, Download };
   void onTopLines(const std::string& packet);
+  HeaderStep judgeHeader(std::string headers);
   void requestNextHeader(bool logLastMessage);
+
+  // The header walk with its commands sent ahead (pop3_session_ahead.cpp).
+  void sendCapaOrList();
+  void sendList();
+  void onCapaLines(const std::string& packet);
+  void startAheadWalk();
+  std::size_t onAheadReplies(std::string_view chunk);
+  bool onAheadReply(const MatchedReply& reply);
+  bool onAheadTopReply(const MatchedReply& reply);
+  bool onAheadDeleReply(const MatchedReply& reply);
+  bool refillOrHandOver();
+  Parting partingMidWalk() const;
+  void sendAhead(SentAhead command, long number);
+  void flushAhead();
 
   // A download through a temporary file (pop3_session_download.cpp).
   void onRetrLines(const std::string& packet);
@@ -153,6 +179,21 @@ class Pop3Session {
   std::size_t scanned_ = 0;          // how much of pending_ is known to hold no line end
   std::uint64_t sessionNumber_ = 0;  // changes with every new session
   std::ofstream tempFile_;
+
+  // The walk with commands sent ahead: asked for with CAPA, chosen by its
+  // reply; the commands written but not yet handed to the link; the next
+  // TOP to send; set once a TOP inside the range was refused.
+  bool askCapa_ = false;
+  struct CapaReply {
+    bool statusSeen = false;
+    bool pipelining = false;
+    std::size_t bytes = 0;
+  } capa_;
+  bool pipelining_ = false;
+  ReplyMatcher aheadReplies_{kPipelineBound, kLongestGatheredReply};
+  std::string aheadBatch_;
+  long nextTop_ = 0;
+  bool aheadStopped_ = false;
 };
 
 }  // namespace vonel::pop3

@@ -15,7 +15,25 @@ void Pop3Session::onTopLines(const std::string& packet) {
   }
   std::string headers = withoutFirstLine(std::move(reply_.replyBuffer));
   headers.resize(headers.size() >= 3 ? headers.size() - 3 : 0);
+  const long n = reply_.currentMessage;
+  switch (judgeHeader(std::move(headers))) {
+    case HeaderStep::Delete:
+      sendCommand(Pop3State::AwaitSpamDeleReply, "DELE " + std::to_string(n));
+      break;
+    case HeaderStep::Next:
+      requestNextHeader(true);
+      break;
+    case HeaderStep::Download:
+      logAction("Sending RETR " + std::to_string(n));
+      sendCommand(Pop3State::AwaitRetrLines, "RETR " + std::to_string(n));
+      break;
+  }
+}
 
+// The verdict on the header of message `reply_.currentMessage`, with its
+// events; the walk moves on to the next message unless it is downloaded.
+// The caller sends what the verdict asks for.
+Pop3Session::HeaderStep Pop3Session::judgeHeader(std::string headers) {
   message::Message message(&ctx_.log, &ctx_.clock);
   message.createFromText(std::move(headers), true);
   message.fromAccount = static_cast<std::int16_t>(account_);
@@ -34,28 +52,24 @@ void Pop3Session::onTopLines(const std::string& packet) {
   if (message.deleted || message.blockedSender || message.blockedRecip) {
     if (deleteSpam_ && events_.onScreenedDelete(message)) {
       events_.onProgress("Deleting message " + ofTotal(n));
-      sendCommand(Pop3State::AwaitSpamDeleReply, "DELE " + std::to_string(n));
       ++reply_.currentMessage;
-      return;
+      return HeaderStep::Delete;
     }
     events_.onProgress("Skipping message " + ofTotal(n) + " (" + message.filterReason + ")");
     events_.onHeaderReceived(message);
     ++reply_.currentMessage;
-    requestNextHeader(true);
   } else if (message.ignored) {
     events_.onProgress("Ignoring message " + ofTotal(n));
     ++reply_.currentMessage;
     events_.onHeaderReceived(message);
-    requestNextHeader(true);
   } else if (mode_ == Mode::Headers) {
     events_.onProgress("Passed message " + ofTotal(n));
     events_.onHeaderReceived(message);
     ++reply_.currentMessage;
-    requestNextHeader(true);
   } else {
-    logAction("Sending RETR " + std::to_string(n));
-    sendCommand(Pop3State::AwaitRetrLines, "RETR " + std::to_string(n));
+    return HeaderStep::Download;
   }
+  return HeaderStep::Next;
 }
 
 // With "stop at last" on, the walk quits after the counted messages;

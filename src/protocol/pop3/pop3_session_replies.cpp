@@ -1,6 +1,7 @@
 // Received bytes cut into packets, and the replies of the session's frame:
 // greeting, log-in, list, count, delete-all and quit.
 #include <algorithm>
+#include <utility>
 
 #include "core/log/log_places.h"
 #include "core/text/numbers.h"
@@ -11,18 +12,18 @@
 namespace vonel::pop3 {
 namespace {
 
-constexpr std::string_view kModule = log_places::kPop3Module;
 // A line this long without its end is handed on unfinished, so that a
 // server that never ends a line can't fill the memory.
 constexpr std::size_t kLongestLine = 1 << 20;
 
 bool isMultiLineState(Pop3State state) {
   return state == Pop3State::AwaitListLines || state == Pop3State::AwaitTopLines ||
-         state == Pop3State::AwaitRetrLines || state == Pop3State::AwaitUidlLines;
+         state == Pop3State::AwaitRetrLines || state == Pop3State::AwaitUidlLines ||
+         state == Pop3State::AwaitCapaLines;
 }
 
 // Lines inside a list, header or message start with anything, and a server
-// without UIDL refuses it. A STAT reply and each DELE reply of the
+// without UIDL or CAPA refuses it. A STAT reply and each DELE reply of the
 // delete-all run are read whatever their status, so a refused DELE doesn't
 // stop the run from deleting the rest; nor does a refused DELE of a message
 // stored before stop a download.
@@ -34,11 +35,27 @@ bool readsAnyStatus(Pop3State state) {
 }  // namespace
 
 void Pop3Session::onData(std::string_view bytes) {
-  pending_.append(bytes);
   const std::uint64_t session = sessionNumber_;
+  // Replies to commands sent ahead are cut straight from the chunk, without a copy.
+  if (state_ == Pop3State::AwaitAheadReplies && pending_.empty()) {
+    bytes.remove_prefix(onAheadReplies(bytes));
+    if (session != sessionNumber_) return;
+  }
+  pending_.append(bytes);
   std::string packet;
   // A handler may end this session or start the next one; then what is left belongs to nobody.
-  while (session == sessionNumber_ && takePacket(packet)) onPacket(packet);
+  while (session == sessionNumber_ && !pending_.empty()) {
+    if (state_ == Pop3State::AwaitAheadReplies) {
+      // Taken out first: ending the session clears pending_, and the replies point into it.
+      const std::string held = std::exchange(pending_, {});
+      const std::size_t used = onAheadReplies(held);
+      if (session == sessionNumber_) pending_.assign(held, used);
+    } else if (takePacket(packet)) {
+      onPacket(packet);
+    } else {
+      break;
+    }
+  }
 }
 
 // Cuts the next piece of received data that the session handles as one
@@ -99,12 +116,16 @@ void Pop3Session::onPacket(const std::string& packet) {
     }
     dispatch(packet);
   } catch (...) {
-    const AppError error = AppError::from(std::current_exception());
-    ctx_.log.addAction(error.description(),
-                       "DataArrival (" + std::to_string(error.number()) +
-                           ") & STATE: " + std::to_string(static_cast<int>(state_)),
-                       kLogModule);
+    logArrivalError(std::current_exception());
   }
+}
+
+void Pop3Session::logArrivalError(std::exception_ptr caught) {
+  const AppError error = AppError::from(caught);
+  ctx_.log.addAction(error.description(),
+                     "DataArrival (" + std::to_string(error.number()) +
+                         ") & STATE: " + std::to_string(static_cast<int>(state_)),
+                     kLogModule);
 }
 
 void Pop3Session::dispatch(const std::string& packet) {
@@ -119,9 +140,10 @@ void Pop3Session::dispatch(const std::string& packet) {
       sendCommand(Pop3State::AwaitPassReply, "PASS " + a.password);
       break;
     case Pop3State::AwaitPassReply:
-      state_ = Pop3State::AwaitListLines;
-      logAction("Sending LIST command");
-      send("LIST");
+      sendCapaOrList();
+      break;
+    case Pop3State::AwaitCapaLines:
+      onCapaLines(packet);
       break;
     case Pop3State::AwaitListLines:
       onListLines(packet);
@@ -148,6 +170,8 @@ void Pop3Session::dispatch(const std::string& packet) {
     case Pop3State::AwaitDeleteAllReply:
       onDeleteAllReply();
       break;
+    case Pop3State::AwaitAheadReplies:
+      break;  // taken by onData before any packet is cut
     case Pop3State::AwaitQuitReply:
       onQuitReply();
       break;
@@ -227,6 +251,10 @@ void Pop3Session::onStat(const std::string& packet) {
       if (mode_ == Mode::Download) {
         logAction("Sending UIDL command");
         sendCommand(Pop3State::AwaitUidlLines, "UIDL");
+        return;
+      }
+      if (pipelining_) {
+        startAheadWalk();
         return;
       }
       state_ = Pop3State::AwaitTopLines;
