@@ -250,6 +250,19 @@ class SettingsDialogTest : public QObject {
     QCOMPARE(box<QPlainTextEdit>(again, "txtSignature")->toPlainText(), QString("Jo\nExample Ltd"));
   }
 
+  // Sending scan commands ahead is on unless the user switches it off.
+  void pipeliningIsWrittenOnceSwitchedOff() {
+    Home home(kSettings);
+    SettingsDialog dialog(*home.context);
+    auto* pipelining = box<QCheckBox>(dialog, "chkPipelining");
+    QVERIFY(pipelining->isChecked());
+    pipelining->setChecked(false);
+    QVERIFY(pressOk(dialog));
+    QVERIFY(home.settingsFile().find("\r\nPOPPIPELINING0,") != std::string::npos);
+    QVERIFY(home.settingsFile().find("\r\nPOPPIPELINING1,") == std::string::npos);
+    QVERIFY(!readAccount(home.context->settings, 0, AccountReader::Session).pipelining);
+  }
+
   void startMinimisedIsTheOneBoxKeptAsText() {
     Home home(kSettings);
     SettingsDialog dialog(*home.context);

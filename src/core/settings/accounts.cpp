@@ -30,6 +30,7 @@ Account readAccount(const SettingsStore& settings, int n, AccountReader reader) 
   a.check = flag("CHECK", unsetFlag);
   a.stopAtLast = flag("STOPATLAST", unsetFlag);
   a.popPort = number("POPPORT", 110);
+  a.pipelining = flag("POPPIPELINING", true);
   a.smtp = text("SMTP");
   a.smtpPort = number("SMTPPORT", 25);
   a.smtpAuth = flag("SMTPAuth", false);
@@ -51,6 +52,11 @@ void writeAccount(SettingsStore& settings, const Account& a) {
   settings.set(accountKey("CHECK", n), Value(a.check));
   settings.set(accountKey("STOPATLAST", n), Value(a.stopAtLast));
   settings.set(accountKey("POPPORT", n), Value(a.popPort));
+  // Written once it differs from its default, so files of users who never
+  // touch it stay as they were.
+  if (!a.pipelining || settings.isSettingPresent(accountKey("POPPIPELINING", n))) {
+    settings.set(accountKey("POPPIPELINING", n), Value(a.pipelining));
+  }
   settings.set(accountKey("SMTP", n), Value(a.smtp));
   settings.set(accountKey("SMTPPORT", n), Value(a.smtpPort));
   settings.set(accountKey("SMTPAuth", n), Value(a.smtpAuth));

@@ -28,6 +28,8 @@ struct Account {
   bool check = true;
   bool stopAtLast = true;
   int popPort = 110;
+  // Header scans send their commands ahead when the server allows it.
+  bool pipelining = true;
   std::string smtp;
   int smtpPort = 25;
   bool smtpAuth = false;

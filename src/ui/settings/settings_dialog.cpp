@@ -126,6 +126,7 @@ QWidget* SettingsDialog::makeAccountsTab() {
   password_->setEchoMode(QLineEdit::Password);
   useServer_ = addCheckBox(incoming, "chkUseServer", "&Include in automatic scans");
   stopAtLast_ = addCheckBox(incoming, "chkStopAtLast", "Stop at the &last message seen");
+  pipelining_ = addCheckBox(incoming, "chkPipelining", "Send scan commands a&head when the server allows");
 
   auto* outgoing = new QFormLayout;
   smtp_ = addLineEdit(outgoing, "txtSMTP", "SMTP ser&ver:");
@@ -319,6 +320,7 @@ void SettingsDialog::showAccount(int index) {
   password_->setText(toQString(a.password));
   useServer_->setChecked(a.check);
   stopAtLast_->setChecked(a.stopAtLast);
+  pipelining_->setChecked(a.pipelining);
   smtp_->setText(toQString(a.smtp));
   smtpPort_->setText(QString::number(a.smtpPort));
   smtpAuth_->setChecked(a.smtpAuth);
@@ -341,6 +343,7 @@ void SettingsDialog::keepAccount(int index) {
   a.password = boxText(password_);
   a.check = useServer_->isChecked();
   a.stopAtLast = stopAtLast_->isChecked();
+  a.pipelining = pipelining_->isChecked();
   a.smtp = boxText(smtp_);
   a.smtpPort = portNumber(smtpPort_);
   a.smtpAuth = smtpAuth_->isChecked();

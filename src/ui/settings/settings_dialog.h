@@ -63,6 +63,7 @@ class SettingsDialog final : public QDialog {
   QLineEdit* password_ = nullptr;
   QCheckBox* useServer_ = nullptr;
   QCheckBox* stopAtLast_ = nullptr;
+  QCheckBox* pipelining_ = nullptr;
   QLineEdit* smtp_ = nullptr;
   QLineEdit* smtpPort_ = nullptr;
   QCheckBox* smtpAuth_ = nullptr;
