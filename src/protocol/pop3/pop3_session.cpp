@@ -124,8 +124,7 @@ void Pop3Session::startTransfer(int account, bool deleteSpam, bool force) {
   deleteSpam_ = deleteSpam;
   account_ = account;
   // Only the header scan sends commands ahead: a download's RETR and its DELE don't mix with queued TOPs.
-  askCapa_ = mode_ == Mode::Headers && !ctx_.popLockstep &&
-             ctx_.settings.get(accountKey("POPPIPELINING", account), Value(true)).flag();
+  askCapa_ = mode_ == Mode::Headers && !ctx_.popLockstep && a.pipelining;
   pipelining_ = false;
   events_.onCaption("Reading mail");
   sizeList_.clear();

@@ -466,7 +466,7 @@ void ScannerWindow::readListSettings() {
   list_->setFont(font);
   if (auto* silent = findChild<QAction*>("mnuSilent")) {
     const QSignalBlocker quiet(silent);
-    silent->setChecked(ctx_.settings.get("AUDIO", Value(0)).numberOr(0) != 1);
+    silent->setChecked(controller_ && !controller_->soundOn());
   }
 }
 
