@@ -27,4 +27,12 @@ std::vector<AccountMenuEntry> accountMenuEntries(const SettingsStore& settings) 
   return entries;
 }
 
+std::optional<int> accountOfEntry(const QString& entryKey, const QString& prefix) {
+  if (!entryKey.startsWith(prefix)) return std::nullopt;
+  bool ok = false;
+  const int account = entryKey.mid(prefix.size()).toInt(&ok);
+  if (!ok || account < 0 || account >= kAccountCount) return std::nullopt;
+  return account;
+}
+
 }  // namespace vonel

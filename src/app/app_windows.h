@@ -86,6 +86,8 @@ class AppWindows {
   virtual void showSettings() {}
   // The mail window, when it is open, takes new mail itself.
   virtual store::NewMessageSink* openMailer() { return nullptr; }
+  // The outbox has been sent, or had nothing to send.
+  virtual void sendingFinished() {}
   virtual void dayChanged() {}
 
   // Closes every other window, last opened first, naming each to `onClose`.

@@ -37,6 +37,7 @@ void OutboxUpload::onSendingFinished() { ended("Finished sending mail"); }
 void OutboxUpload::ended(const std::string& text) {
   running_ = false;
   windows_.setStatusText(text);
+  windows_.sendingFinished();
   emit sendEnded();
 }
 

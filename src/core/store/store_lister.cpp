@@ -1,6 +1,8 @@
 #include "core/store/store_lister.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
@@ -62,11 +64,25 @@ AgeLimits AgeLimits::read(const SettingsStore& settings) {
 }
 
 std::int32_t folderNodeColour(const AgeLimits& limits, const text::DateTime& now, long lastMessageDay) {
-  // The node compares with the present moment, time of day and all, where a message compares whole days.
-  for (int i = 0; i < 3; ++i) {
-    if (now.serial() - limits.days[i] > static_cast<double>(lastMessageDay)) return kAgeColours[i];
+  // The node compares with the present moment, time of day and all, where a
+  // message compares whole days. Only the oldest band needs more than its limit.
+  const double age = now.serial() - static_cast<double>(lastMessageDay);
+  if (age > limits.days[0]) return kAgeColours[0];
+  for (int i = 1; i < 3; ++i) {
+    if (age >= limits.days[i]) return kAgeColours[i];
   }
   return kAgeColours[3];
+}
+
+std::int32_t parentNodeColour(std::int32_t parentColour, std::int32_t childColour) {
+  const auto rank = [](std::int32_t colour) {
+    const auto* found = std::find(std::begin(kAgeColours), std::end(kAgeColours), colour);
+    return found == std::end(kAgeColours) ? -1 : static_cast<int>(3 - (found - std::begin(kAgeColours)));
+  };
+  const int parentRank = rank(parentColour);
+  const int childRank = rank(childColour);
+  if (childRank < 0) return parentColour;
+  return parentRank < 0 || childRank < parentRank ? childColour : parentColour;
 }
 
 void StoreLister::setAgeDates() {

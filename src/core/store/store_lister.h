@@ -53,6 +53,10 @@ struct AgeLimits {
 
 // A folder node's colour in the tree from the day in its "LastMsg.Tag".
 std::int32_t folderNodeColour(const AgeLimits& limits, const text::DateTime& now, long lastMessageDay);
+// The colour a parent node shows once a child with unread mail passes its
+// colour up: the parent keeps whichever of the two is fresher, and any colour
+// that is not an age colour gives way.
+std::int32_t parentNodeColour(std::int32_t parentColour, std::int32_t childColour);
 
 class StoreLister {
  public:

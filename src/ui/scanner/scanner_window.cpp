@@ -29,6 +29,7 @@
 #include "app/qtext.h"
 #include "ui/errors/error_report_window.h"
 #include "ui/log/log_window.h"
+#include "ui/mailer/mailer_window.h"
 #include "ui/pictures.h"
 #include "ui/scanner/scanner_toolbar.h"
 #include "ui/rules/rule_editor.h"
@@ -37,11 +38,11 @@
 #include "ui/scanner/splash_window.h"
 #include "ui/scanner/tray_icon.h"
 #include "ui/source_window.h"
+#include "ui/twips.h"
 
 namespace vonel {
 namespace {
 
-constexpr double kTwipsPerInch = 1440.0;
 const QString kNoSelection = QStringLiteral("Click an email in the list above to view the headers in this box.");
 
 BlockTarget blockTarget(ServerMailCommand command) {
@@ -95,6 +96,7 @@ void ScannerWindow::attach(MailController& controller) {
   host_.openLocalRules = [editRules] { editRules(true, {}); };
   host_.openServerRules = [editRules] { editRules(false, {}); };
   host_.editRule = [editRules](const std::string& name) { editRules(false, name); };
+  host_.openMailer = [this] { showMailer(); };
   refreshAvailability();
 }
 
@@ -230,7 +232,7 @@ void ScannerWindow::buildStatusBar() {
   statusPace_->setInterval(100);
   connect(statusPace_, &QTimer::timeout, this, [this] {
     if (statusText_->text() == statusLatest_) return;
-    statusText_->setText(statusLatest_);
+    showStatusNow();
     statusPace_->start();
   });
   timerText_->setObjectName("SB1_2");
@@ -255,6 +257,7 @@ void ScannerWindow::refreshAvailability() {
   listMenu_->setAvailable(ServerMailCommand::ReadMessage, bool(host_.readMessage));
   listMenu_->setAvailable(ServerMailCommand::Bounce, bool(host_.bounce));
   if (auto* reinforce = toolbar_->findChild<QAction*>("reinforce")) reinforce->setEnabled(bool(host_.reinforce));
+  if (mailer_) mailer_->refreshAvailability();
 }
 
 void ScannerWindow::onExitTriggered() {
@@ -289,7 +292,12 @@ void ScannerWindow::setupListView() {
 
 void ScannerWindow::showTicketButton(bool show) { toolbar_->showTicketButton(show); }
 
-void ScannerWindow::showPassRunning(bool running) { toolbar_->showPassRunning(running); }
+void ScannerWindow::showPassRunning(bool running) {
+  toolbar_->showPassRunning(running);
+  if (!mailer_) return;
+  if (running) mailer_->showMailMoving(true);
+  else mailer_->notifyFinishedGettingMail();
+}
 
 void ScannerWindow::buildTray() {
   tray_ = new TrayIcon(this);
@@ -314,8 +322,13 @@ void ScannerWindow::removeTrayIcon() {
 void ScannerWindow::setStatusText(std::string_view text) {
   statusLatest_ = toQString(text);
   if (statusPace_->isActive()) return;
-  statusText_->setText(statusLatest_);
+  showStatusNow();
   statusPace_->start();
+}
+
+void ScannerWindow::showStatusNow() {
+  statusText_->setText(statusLatest_);
+  if (mailer_) mailer_->showProgressMessage(statusLatest_);
 }
 
 void ScannerWindow::showStatusError(bool error) {
@@ -472,6 +485,7 @@ void ScannerWindow::readListSettings() {
 
 void ScannerWindow::setupMenus() {
   toolbar_->setupAccountMenus(accountMenuEntries(ctx_.settings));
+  if (mailer_) mailer_->setupAccountMenus(accountMenuEntries(ctx_.settings));
   readListSettings();
 }
 
@@ -496,31 +510,24 @@ void ScannerWindow::switchToMailer() {
   hide();
 }
 
-double ScannerWindow::logicalDpi() const { return logicalDpiX() > 0 ? logicalDpiX() : 96.0; }
-
-// Twips are 1/1440 inch: pixels x 1440 / the screen's logical dots per inch.
-int ScannerWindow::toTwips(int pixels) const { return static_cast<int>(std::lround(pixels * kTwipsPerInch / logicalDpi())); }
-
-int ScannerWindow::toPixels(int twips) const { return static_cast<int>(std::lround(twips * logicalDpi() / kTwipsPerInch)); }
-
 WindowGeometry ScannerWindow::screenTwips() const {
   const QScreen* screen = this->screen() ? this->screen() : QGuiApplication::primaryScreen();
   if (!screen) return {};
   const QSize size = screen->availableGeometry().size();
-  return {toTwips(size.width()), toTwips(size.height())};
+  return {twips::fromPixels(*this, size.width()), twips::fromPixels(*this, size.height())};
 }
 
 WindowGeometry ScannerWindow::geometryTwips() const {
   const WindowState state = isMaximized()   ? WindowState::Maximised
                             : isMinimized() ? WindowState::Minimised
                                             : WindowState::Normal;
-  return {toTwips(width()), toTwips(height()), state};
+  return {twips::fromPixels(*this, width()), twips::fromPixels(*this, height()), state};
 }
 
 void ScannerWindow::maximise() { setWindowState(windowState() | Qt::WindowMaximized); }
 
 void ScannerWindow::resizeTwips(int widthTwips, int heightTwips) {
-  resize(toPixels(widthTwips), toPixels(heightTwips));
+  resize(twips::toPixels(*this, widthTwips), twips::toPixels(*this, heightTwips));
 }
 
 void ScannerWindow::showMain() {
@@ -552,7 +559,8 @@ void ScannerWindow::closeOtherWindows(const std::function<void(const std::string
     QWidget* window = *it;
     if (window == this || !window->isVisible()) continue;
     onClose(fromQString(window->objectName().isEmpty() ? window->windowTitle() : window->objectName()));
-    window->close();
+    if (window == mailer_.get()) mailer_->unloadNowPlease();
+    else window->close();
   }
 }
 

@@ -24,6 +24,7 @@ class QTreeView;
 namespace vonel {
 
 class MailController;
+class MailerWindow;
 class ScannerToolbar;
 class SplashWindow;
 class TrayIcon;
@@ -82,6 +83,11 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
   bool mainVisible() const override;
   void openComposer(const message::ComposeRequest& request) override;
   void showMessageFile(const std::filesystem::path& file) override;
+  bool mailerLoaded() const override;
+  void showMailer() override;
+  store::NewMessageSink* openMailer() override;
+  void sendingFinished() override;
+  MailerWindow* mailer() { return mailer_.get(); }
   // The end-of-pass chime, where the system can play sound; otherwise nothing.
   void playSound(const std::filesystem::path& wave) override;
 
@@ -115,10 +121,10 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
   std::string currentKey() const;
   void showHeaders(const message::Message* message, const QString& key);
   void storeWindowState();
+  void showStatusNow();
+  // The mail window's requests go to the controller.
+  void connectMailer();
   void readListSettings();
-  double logicalDpi() const;
-  int toTwips(int pixels) const;
-  int toPixels(int twips) const;
 
   AppContext& ctx_;
   MailController* controller_ = nullptr;
@@ -138,6 +144,7 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
   ScannerToolbar* toolbar_;
   QMenu* helpMenu_ = nullptr;
   std::unique_ptr<SplashWindow> splash_;
+  std::unique_ptr<MailerWindow> mailer_;  // made when first shown
   TrayIcon* tray_ = nullptr;  // none where the desktop has no tray
   QObject* chime_ = nullptr;  // made at the first sound
   bool leaving_ = false;       // the program is shutting down

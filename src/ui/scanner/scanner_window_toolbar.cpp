@@ -10,15 +10,6 @@
 namespace vonel {
 namespace {
 
-// The account of an entry key such as "Account3", "DLM3" or "DELALL3".
-std::optional<int> accountOf(const QString& entryKey, const QString& prefix) {
-  if (!entryKey.startsWith(prefix)) return std::nullopt;
-  bool ok = false;
-  const int account = entryKey.mid(prefix.size()).toInt(&ok);
-  if (!ok || account < 0 || account >= kAccountCount) return std::nullopt;
-  return account;
-}
-
 void run(const std::function<void()>& hook) {
   if (hook) hook();
 }
@@ -45,15 +36,15 @@ void ScannerWindow::onToolbarButton(const QString& key) {
 
 void ScannerWindow::onToolbarMenuEntry(const QString& buttonKey, const QString& entryKey) {
   if (!controller_) return;
-  if (const auto account = accountOf(entryKey, "Account")) {
+  if (const auto account = accountOfEntry(entryKey, "Account")) {
     // A pass in the way is stopped first, so the chosen account is polled now.
     if (controller_->passRunning() && (buttonKey == "scan" || buttonKey == "delete")) controller_->stopPass();
     if (buttonKey == "scan") controller_->scanFrom(*account);
     else if (buttonKey == "delete") controller_->scanAndDeleteFrom(*account);
     else if (buttonKey == "sendrcvdel") controller_->downloadAndDeleteFrom(*account);
-  } else if (const auto download = accountOf(entryKey, "DLM")) {
+  } else if (const auto download = accountOfEntry(entryKey, "DLM")) {
     controller_->downloadFrom(*download);
-  } else if (const auto erase = accountOf(entryKey, "DELALL")) {
+  } else if (const auto erase = accountOfEntry(entryKey, "DELALL")) {
     controller_->deleteAllFromAccount(*erase);
   } else if (entryKey == "upload") {
     controller_->sendOutbox();

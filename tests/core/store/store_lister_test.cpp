@@ -131,5 +131,29 @@ TEST(FolderNodeColourTest, ANodeComparesWithThePresentMomentNotTheDay) {
   EXPECT_EQ(folderNodeColour(limits, now, 0), kAgeColours[0]);
 }
 
+TEST(FolderNodeColourTest, EachBandStartsAtItsLimitButTheOldestStartsAboveIt) {
+  const AgeLimits limits;  // 30, 14 and 1 days
+  const text::DateTime midnight{2026, 11, 23, 0, 0, 0};
+  const long today = static_cast<long>(midnight.serial());
+  EXPECT_EQ(folderNodeColour(limits, midnight, today - 1), kAgeColours[2]);   // exactly a day old
+  EXPECT_EQ(folderNodeColour(limits, midnight, today - 14), kAgeColours[1]);  // exactly 14 days
+  EXPECT_EQ(folderNodeColour(limits, midnight, today - 30), kAgeColours[1]);  // 30 days is not above 30
+  EXPECT_EQ(folderNodeColour(limits, midnight, today - 31), kAgeColours[0]);
+}
+
+TEST(ParentNodeColourTest, AParentShowsTheFresherOfItsColourAndAChilds) {
+  const auto [oldest, older, old, fresh] = kAgeColours;
+  constexpr std::int32_t windowText = -1;
+  EXPECT_EQ(parentNodeColour(older, old), old);
+  EXPECT_EQ(parentNodeColour(older, oldest), older);
+  EXPECT_EQ(parentNodeColour(old, fresh), fresh);
+  EXPECT_EQ(parentNodeColour(old, older), old);
+  EXPECT_EQ(parentNodeColour(oldest, older), older);
+  EXPECT_EQ(parentNodeColour(fresh, fresh), fresh);
+  EXPECT_EQ(parentNodeColour(fresh, oldest), fresh);
+  EXPECT_EQ(parentNodeColour(windowText, oldest), oldest);
+  EXPECT_EQ(parentNodeColour(older, windowText), older);
+}
+
 }  // namespace
 }  // namespace vonel::store
