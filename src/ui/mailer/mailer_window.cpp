@@ -312,7 +312,8 @@ void MailerWindow::populateListView(QTreeWidgetItem* node) {
 }
 
 void MailerWindow::rescanAllCaches() {
-  if (!list_->rescanAll()) return;
+  if (ctx_.noCacheMode) return;
+  list_->rescanAll();
   populateFolders(false);
   tree_->setNodeColours();
 }
@@ -357,9 +358,8 @@ void MailerWindow::onToolbarMenuEntry(const QString& buttonKey, const QString& e
 }
 
 void MailerWindow::newFolder() {
-  QTreeWidgetItem* chosen = tree_->chosenNode();
-  const fs::path parent = chosen ? tree_->folderOf(chosen) : ctx_.folders.messageFolderPath;
-  if (runNewFolderDialog(ctx_, parent, this)) populateFolders(true);
+  const QString parent = FolderTree::keyOf(tree_->chosenNode());
+  if (runNewFolderDialog(ctx_, fromQString(parent), this)) populateFolders(true);
 }
 
 void MailerWindow::showMailMoving(bool moving) { toolbar_->showMailMoving(moving); }
@@ -373,7 +373,7 @@ void MailerWindow::notifyFinishedGettingMail() {
 void MailerWindow::notifyFinishedSendingMail() {
   auto& caches = list_->caches();
   for (const fs::path& folder : {ctx_.folders.outboxFolderPath, ctx_.folders.sentFolderPath}) {
-    caches.rescanCache(folder);
+    caches.rescan(folder);
     tree_->setNodeColour(tree_->nodeForFolder(folder));
   }
   tree_->displaySpecialCounts();
@@ -392,9 +392,9 @@ void MailerWindow::addNewMessage(const fs::path& file, const fs::path& folder, c
   arrived.setFilename(file.string());
   if (arrived.receiveDate.empty()) arrived.receiveDate = text::formatStoreDate(ctx_.clock.now());
   store::addToLastMessageTag(ctx_.log, ctx_.clock, folder, arrived);
-  list_->caches().addMessage(arrived);
+  list_->caches().addMessage(folder, arrived);
   QTreeWidgetItem* node = tree_->nodeForFolder(folder);
-  if (node && node == tree_->chosenNode()) list_->addNewMessage(arrived);
+  if (node && node == tree_->chosenNode()) list_->showNewMessage(arrived);
   tree_->setNodeColour(node);
 }
 
