@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/text/numbers.h"
+#include "core/text/shared_text.h"
 #include "core/text/strings.h"
 
 namespace vonel::rules {
@@ -75,6 +76,20 @@ std::vector<ActionChoice> offeredActions(bool local) {
   return {{"Delete from server", action::kDelete},
           {"Mark as suspicious", action::kSuspicious},
           {"Allow download of message", action::kAllow}};
+}
+
+RuleForm ruleFormFromSubject(std::string_view subject, bool local) {
+  RuleForm form;
+  form.name = std::string(subject);
+  const std::vector<std::string> words = text::split(subject, " ");
+  for (std::size_t i = 0; i < form.conditions.size() && i < words.size(); ++i) {
+    ConditionForm& condition = form.conditions[i];
+    condition.on = true;
+    condition.field = std::string(offeredFields(local)[3]);
+    condition.text = text::cleanString(text::replaceAll(text::trim(words[i]), ".", ""));
+  }
+  form.actionCode = std::string(offeredActions(local).front().code);
+  return form;
 }
 
 std::string lineValue(std::string_view text) {

@@ -36,6 +36,10 @@ struct RuleForm {
   FilterRule toRule() const;
 };
 
+// A rule to start from for a message: named by its subject, with the first
+// four words of the subject as four conditions that must all hold.
+RuleForm ruleFormFromSubject(std::string_view subject, bool local);
+
 struct ActionChoice {
   std::string_view text;
   std::string_view code;

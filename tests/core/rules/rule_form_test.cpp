@@ -91,3 +91,25 @@ TEST(RuleFormLists, LocalSetOffersTwoMoreFieldsAndItsOwnActions) {
 
 }  // namespace
 }  // namespace vonel::rules
+
+namespace vonel::rules {
+namespace {
+
+TEST(RuleFormFromSubject, TheFirstFourWordsBecomeSubjectConditionsCleanedForAFileName) {
+  const RuleForm six = ruleFormFromSubject("Win a.b: cash now today friend", false);
+  EXPECT_EQ(six.name, "Win a.b: cash now today friend");
+  EXPECT_EQ(six.actionCode, std::string(offeredActions(false).front().code));
+  EXPECT_EQ(six.conditions[1].text, "ab");  // dots go, the colon turns into a blank that trimming drops
+  EXPECT_EQ(six.conditions[3].text, "now");
+  for (const ConditionForm& condition : six.conditions) {
+    EXPECT_TRUE(condition.on);
+    EXPECT_EQ(condition.field, "Subject:");
+  }
+  const RuleForm one = ruleFormFromSubject("Hello", true);
+  EXPECT_TRUE(one.conditions[0].on);
+  EXPECT_FALSE(one.conditions[1].on);
+  EXPECT_EQ(one.actionCode, std::string(offeredActions(true).front().code));
+}
+
+}  // namespace
+}  // namespace vonel::rules
