@@ -29,4 +29,17 @@ std::string extractName(std::string_view text) {
   return name;
 }
 
+std::string firstAddressIn(std::string_view text) {
+  const auto at = text.find('@');
+  if (at == std::string_view::npos) return {};
+  const auto blankBefore = text.rfind(' ', at);
+  const auto start = blankBefore == std::string_view::npos ? 0 : blankBefore + 1;
+  const auto blankAfter = text.find(' ', at);
+  std::string word = text::trim(text.substr(start, blankAfter == std::string_view::npos ? std::string_view::npos
+                                                                                        : blankAfter - start));
+  if (const auto open = word.find('<'); open != std::string::npos) word.erase(0, open + 1);
+  if (const auto close = word.find('>'); close != std::string::npos) word.erase(close);
+  return word;
+}
+
 }  // namespace vonel::message

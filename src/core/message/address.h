@@ -15,4 +15,9 @@ std::string extractEmail(std::string_view text);
 // without double quotes and apostrophes.
 std::string extractName(std::string_view text);
 
+// The first address a text mentions: the word around its first "@", from
+// the blank before to the blank after, taken out of angle brackets. Empty
+// when the text holds no "@".
+std::string firstAddressIn(std::string_view text);
+
 }  // namespace vonel::message

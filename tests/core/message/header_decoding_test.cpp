@@ -37,6 +37,13 @@ TEST(ExtractEmail, AngleBracketsCaseBlanksAndLists) {
   EXPECT_EQ(extractEmail("   "), "");
 }
 
+TEST(FirstAddressIn, TheWordAroundTheFirstAtSignOutOfItsBrackets) {
+  EXPECT_EQ(firstAddressIn("Write to <Ann@Example.com> or bob@example.org"), "Ann@Example.com");
+  EXPECT_EQ(firstAddressIn("mail:x@y.org,\r\nthanks"), "mail:x@y.org,\r\nthanks");
+  EXPECT_EQ(firstAddressIn("@start and more"), "@start");
+  EXPECT_EQ(firstAddressIn("no address here"), "");
+}
+
 TEST(ExtractName, TextBeforeTheBracketWithoutQuotes) {
   EXPECT_EQ(extractName("\"O'Neil, Ann\" <ann@example.com>"), "ONeil, Ann");
   EXPECT_EQ(extractName("<ann@example.com>"), "<ann@example.com>");
