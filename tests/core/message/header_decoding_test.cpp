@@ -39,7 +39,8 @@ TEST(ExtractEmail, AngleBracketsCaseBlanksAndLists) {
 
 TEST(FirstAddressIn, TheWordAroundTheFirstAtSignOutOfItsBrackets) {
   EXPECT_EQ(firstAddressIn("Write to <Ann@Example.com> or bob@example.org"), "Ann@Example.com");
-  EXPECT_EQ(firstAddressIn("mail:x@y.org,\r\nthanks"), "mail:x@y.org,\r\nthanks");
+  // Only a blank ends the word, so a line end leaves the next line's first word on it.
+  EXPECT_EQ(firstAddressIn("Reach me at x@y.org\r\nThanks a lot"), "x@y.org\r\nThanks");
   EXPECT_EQ(firstAddressIn("@start and more"), "@start");
   EXPECT_EQ(firstAddressIn("no address here"), "");
 }
