@@ -11,13 +11,13 @@ namespace {
 
 constexpr std::string_view kModule = log_places::kMailerModule;
 
-// A folder named with or without its trailing separator is one folder.
-std::string folderKey(const fs::path& folder) {
-  const fs::path plain = folder.has_filename() ? folder : folder.parent_path();
-  return files::textFromPath(plain.lexically_normal());
-}
-
 }  // namespace
+
+std::string folderKey(const fs::path& folder) {
+  fs::path plain = folder.lexically_normal();
+  if (!plain.has_filename()) plain = plain.parent_path();
+  return files::textFromPath(plain);
+}
 
 FolderCaches::FolderCaches(AppContext& context, Progress& progress) : context_(context), progress_(progress) {}
 

@@ -17,6 +17,10 @@
 
 namespace vonel::store {
 
+// A folder's path as the collection knows it: written with or without its
+// trailing separator, or with "." steps, it is one folder.
+std::string folderKey(const std::filesystem::path& folder);
+
 class FolderCaches {
  public:
   // `progress` hears the fills and is let run during long work.

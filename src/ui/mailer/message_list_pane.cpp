@@ -26,10 +26,7 @@ constexpr long kArchiveAdviceCount = 1501;
 const char* const kLoadingText = "Loading message folder";
 
 bool sameFolder(const fs::path& a, const fs::path& b) {
-  const auto plain = [](const fs::path& folder) {
-    return files::textFromPath((folder.has_filename() ? folder : folder.parent_path()).lexically_normal());
-  };
-  return !a.empty() && text::equalsNoCase(plain(a), plain(b));
+  return !a.empty() && text::equalsNoCase(store::folderKey(a), store::folderKey(b));
 }
 
 }  // namespace
@@ -196,7 +193,7 @@ bool MessageListPane::filtersOff() const {
 
 bool MessageListPane::outboxShown() const { return sameFolder(folder_, context_.folders.outboxFolderPath); }
 
-QString MessageListPane::folderKey() const { return toQString(text::lower(files::textFromPath(folder_))); }
+QString MessageListPane::folderKey() const { return toQString(text::lower(store::folderKey(folder_))); }
 
 void MessageListPane::chooseRow(int row) {
   const QString file = model_.fileAt(row);
