@@ -40,7 +40,9 @@ MessageListPane::MessageListPane(AppContext& context, QWidget* parent)
       tags_(new QComboBox(this)),
       status_(new QLabel(this)),
       view_(new MessageListView(this)),
-      backup_(new QTreeView(this)) {
+      backup_(new QTreeView(this)),
+      searchTimer_(new QTimer(this)),
+      tagsTimer_(new QTimer(this)) {
   search_->setObjectName("txtSearchString");
   search_->setToolTip("Filter to emails containing this string in the header");
   search_->setAccessibleName("Header filter");
@@ -77,15 +79,15 @@ MessageListPane::MessageListPane(AppContext& context, QWidget* parent)
   layout->addWidget(view_, 1);
   layout->addWidget(backup_);
 
-  for (auto [timer, name] : {std::pair{&searchTimer_, "TimerSearchString"}, std::pair{&tagsTimer_, "TimerTags"}}) {
+  for (auto [timer, name] : {std::pair{searchTimer_, "TimerSearchString"}, std::pair{tagsTimer_, "TimerTags"}}) {
     timer->setObjectName(name);
     timer->setSingleShot(true);
     timer->setInterval(kFilterDelayMs);
     connect(timer, &QTimer::timeout, this, &MessageListPane::onFilterTimer);
   }
   // Each change starts the wait again: typing a word lists the folder once.
-  connect(search_, &QLineEdit::textChanged, &searchTimer_, qOverload<>(&QTimer::start));
-  connect(tags_, &QComboBox::editTextChanged, &tagsTimer_, qOverload<>(&QTimer::start));
+  connect(search_, &QLineEdit::textChanged, searchTimer_, qOverload<>(&QTimer::start));
+  connect(tags_, &QComboBox::editTextChanged, tagsTimer_, qOverload<>(&QTimer::start));
 
   connect(view_, &MessageListView::rowChosen, this, &MessageListPane::chooseRow);
   connect(view_, &MessageListView::rowOpened, this, [this](int row) {

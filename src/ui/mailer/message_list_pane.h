@@ -116,8 +116,8 @@ class MessageListPane final : public QWidget, private store::StoreListerListener
   QLabel* status_;
   MessageListView* view_;
   QTreeView* backup_;
-  QTimer searchTimer_;
-  QTimer tagsTimer_;
+  QTimer* searchTimer_;
+  QTimer* tagsTimer_;
   QElapsedTimer sinceYield_;
 
   std::filesystem::path folder_;
