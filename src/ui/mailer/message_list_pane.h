@@ -48,6 +48,8 @@ class MessageListPane final : public QWidget, private store::StoreListerListener
   void rescanAll();
   void stopPopulating();
   bool populating() const { return working_; }
+  // How many message files the listings so far have opened (searches, and all with the cache off).
+  std::size_t headersRead() const { return lister_.headersRead(); }
 
   // The folder's show filter, one step on: all, unread only, high-priority only.
   void cycleShowFilter();
