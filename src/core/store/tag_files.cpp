@@ -112,16 +112,17 @@ ShowFilter folderShowFilter(const fs::path& folder) {
 
 void setFolderShowFilter(Log& log, const fs::path& folder, ShowFilter filter) {
   guardedStep(log, log_places::kSetFolderShowFilter, kModule, [&] {
-    const auto set = [&](std::string_view name, bool on) {
+    // Only the file's presence counts; its text tells a reader of the folder what it is for.
+    const auto set = [&](std::string_view name, std::string_view purpose, bool on) {
       const fs::path file = tagFile(folder, name);
       if (on) {
-        if (!files::fileExists(file)) files::writeTextFile(file, "");
+        if (!files::fileExists(file)) files::writeTextFile(file, purpose);
       } else if (!files::eraseFile(file)) {
         throw AppError(error_number::kPermissionDenied, "Permission denied");
       }
     };
-    set(kShowUnreadOnly, filter == ShowFilter::UnreadOnly);
-    set(kShowUnreadHighOnly, filter == ShowFilter::UnreadHighOnly);
+    set(kShowUnreadOnly, "Only show unread messages", filter == ShowFilter::UnreadOnly);
+    set(kShowUnreadHighOnly, "Only show high priority unread messages", filter == ShowFilter::UnreadHighOnly);
   });
 }
 
