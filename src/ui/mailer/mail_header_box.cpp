@@ -18,9 +18,10 @@ MailHeaderBox::MailHeaderBox(QWidget* parent) : QFrame(parent) {
   lines->setSpacing(2);
   auto* addresses = new QHBoxLayout;
   addresses->setSpacing(0);
-  from_ = std::make_unique<PreviewField>("From: ", "lblFrom", *addresses, 1);
-  to_ = std::make_unique<PreviewField>(" To: ", "lblTo", *addresses, 1);
-  cc_ = std::make_unique<PreviewField>(" CC: ", "lblCC", *addresses, 1);
+  from_ = std::make_unique<PreviewField>("From: ", "lblFrom", *addresses, 0);
+  to_ = std::make_unique<PreviewField>(" To: ", "lblTo", *addresses, 0);
+  cc_ = std::make_unique<PreviewField>(" CC: ", "lblCC", *addresses, 0);
+  addresses->addStretch(1);
   lines->addLayout(addresses);
   auto* subjectLine = new QHBoxLayout;
   subjectLine->setSpacing(0);
