@@ -30,6 +30,7 @@ NewFolderDialog::NewFolderDialog(AppContext& context, std::string_view proposedP
     : QDialog(parent), ctx_(context), name_(new QLineEdit), parents_(new QComboBox) {
   setObjectName("frmNewFolder");
   setWindowTitle("New Folder");
+  setMinimumWidth(340);
   name_->setObjectName("txtNewFolder");
   name_->setMaxLength(255);
   parents_->setObjectName("cmbParents");
