@@ -1,5 +1,6 @@
 #include "core/text/link_marking.h"
 
+#include <algorithm>
 #include <string>
 
 #include "core/text/strings.h"
@@ -24,6 +25,7 @@ class LinkMarker {
     std::size_t scanned = 0;
     std::size_t start = 0;
     std::size_t end = std::string_view::npos;
+    std::size_t dot = std::string_view::npos;  // the first "." from the start on, for mail addresses
     std::size_t handledStart = std::string_view::npos;  // a start always gives the same selection
     for (std::size_t hit = find(text_, marker); hit != 0; hit = find(text_, marker, hit + 1)) {
       const std::size_t at = hit - 1;
@@ -38,9 +40,12 @@ class LinkMarker {
       if (start == handledStart) continue;
       handledStart = start;
       std::string_view selected = text_.substr(start, end - start);
-      if (mail && (selected.find('.') == std::string_view::npos || selected.starts_with(marker))) continue;
+      if (mail) {
+        if (dot == std::string_view::npos || dot < start) dot = std::min(text_.find('.', start), text_.size());
+        if (dot >= end || selected.starts_with(marker)) continue;
+      }
       if (!mail && selected.ends_with(',')) selected.remove_suffix(1);
-      underline(start, selected.size());
+      if (!selected.empty()) underline(start, selected.size());
     }
   }
 
