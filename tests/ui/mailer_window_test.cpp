@@ -26,17 +26,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string mail(const std::string& subject) {
+// A stored message; the read state is in its store header and in its file name's case.
+std::string mail(const std::string& subject, bool read = false) {
   return "From: Ann <ann@example.org>\r\nTo: me@example.org\r\nSubject: " + subject +
-         "\r\nDate: Mon, 23 Nov 2026 07:00:00 +0000\r\n\r\nHello, see http://example.org/x\r\n";
+         "\r\nDate: Mon, 23 Nov 2026 07:00:00 +0000\r\n" + (read ? "X-Message-Read: 1\r\n" : "") +
+         "\r\nHello, see http://example.org/x\r\n";
 }
 
 // The mail window on a store with an inbox of three messages and a folder below it.
 struct Mailer {
   explicit Mailer(std::string_view settings = {}) : home(settings) {
-    for (const char* name : {"ONE.EML", "TWO.EML", "three.eml"}) {
-      files::writeTextFile(home.context.folders.inboxFolderPath / name, mail(name));
-    }
+    for (const char* name : {"ONE.EML", "TWO.EML"}) files::writeTextFile(home.context.folders.inboxFolderPath / name, mail(name));
+    files::writeTextFile(home.context.folders.inboxFolderPath / "three.eml", mail("three", true));
     files::writeTextFile(home.storeFolder("Inbox/Work") / "WORK.EML", mail("work"));
   }
   testing::AppHome home;
@@ -154,9 +155,8 @@ class MailerWindowTest : public QObject {
     m.window.tree().setCurrentItem(m.window.tree().nodeForKey("inbox"));
     QTRY_COMPARE(m.rows(), 3);
     m.window.toolbar().button("unread")->click();
-    QTRY_VERIFY(!m.window.messageList().populating());
     QCOMPARE(store::folderShowFilter(m.home.context.folders.inboxFolderPath), store::ShowFilter::UnreadOnly);
-    QCOMPARE(m.rows(), 2);  // three.eml is read
+    QTRY_COMPARE(m.rows(), 2);  // three.eml is read
   }
 
   void newMailForTheChosenFolderShowsAtOnceAndCountsAsUnread() {

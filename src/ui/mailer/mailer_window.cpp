@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 #include <array>
 
+#include "app/app_windows.h"
 #include "app/qtext.h"
 #include "core/log/log_places.h"
 #include "core/store/folder_caches.h"
@@ -283,7 +284,7 @@ void MailerWindow::onFinishedAddingFolders() {
   }
   ctx_.log.addAction("Populating message folder", "cMailer_FinishedAddingFolders", log_places::kMailerModule);
   tree_->expandAll();
-  QTreeWidgetItem* chosen = tree_->nodeForKey(chosenKey_);
+  QTreeWidgetItem* chosen = chosenKey_ ? tree_->nodeForKey(*chosenKey_) : nullptr;
   if (!chosen) chosen = inbox;
   {
     const QSignalBlocker quiet(tree_);
@@ -394,7 +395,7 @@ void MailerWindow::addNewMessage(const fs::path& file, const fs::path& folder, c
   store::addToLastMessageTag(ctx_.log, ctx_.clock, folder, arrived);
   list_->caches().addMessage(folder, arrived);
   QTreeWidgetItem* node = tree_->nodeForFolder(folder);
-  if (node && node == tree_->chosenNode()) list_->showNewMessage(arrived);
+  if (node && node == tree_->chosenNode()) list_->relist();
   tree_->setNodeColour(node);
 }
 

@@ -6,6 +6,7 @@
 // it asks of the main program through its signals.
 #include <QMainWindow>
 #include <filesystem>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -118,7 +119,7 @@ class MailerWindow final : public QMainWindow, private store::StoreListerListene
   QLabel* countPanel_ = nullptr;
   QLabel* hintPanel_ = nullptr;
   QLabel* progressPanel_ = nullptr;
-  QString chosenKey_;
+  std::optional<QString> chosenKey_;  // the folder shown last; the inbox at first
   bool inboxRescanned_ = false;
 };
 

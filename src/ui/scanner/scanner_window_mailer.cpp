@@ -2,6 +2,7 @@
 // with the pass's progress and the new mail, its requests sent on to the
 // controller.
 #include <QApplication>
+#include <QTreeView>
 
 #include "app/mail_controller.h"
 #include "app/qtext.h"
