@@ -11,6 +11,7 @@
 #include "core/files/file_text.h"
 #include "core/store/tag_files.h"
 #include "support/app_home.h"
+#include "support/store_generator.h"
 #include "ui/mailer/folder_tree.h"
 #include "ui/mailer/mailer_toolbar.h"
 #include "ui/mailer/mailer_window.h"
@@ -170,6 +171,50 @@ class MailerWindowTest : public QObject {
     QTRY_COMPARE(m.rows(), 4);
     QCOMPARE(store::unreadTagCount(m.home.context.folders.inboxFolderPath), std::int16_t(3));
     QVERIFY(m.window.tree().nodeForKey("inbox")->font(0).bold());
+  }
+
+  // Folders in every age colour, a generated inbox and a preview with links
+  // and two attachments; a 50,000-message folder too when VONEL_SCREENSHOT_BIG is set.
+  void screenshots() {
+    const QString shots = qEnvironmentVariable("VONEL_SCREENSHOT_DIR");
+    if (shots.isEmpty()) QSKIP("VONEL_SCREENSHOT_DIR is not set");
+    Mailer m;
+    auto& context = m.home.context;
+    testing::generateStoreFolder(context, context.folders.inboxFolderPath, {300, 7, {2026, 11, 23, 9, 0, 0}, true});
+    const long today = static_cast<long>(context.clock.now().serial());
+    const std::pair<const char*, long> aged[] = {{"Inbox/Work", 0}, {"Inbox/Work/Projects", 3}, {"Lists", 20},
+                                                 {"Lists/Old announcements", 45}, {"Family", 1}};
+    for (const auto& [folder, age] : aged) {
+      const fs::path path = m.home.storeFolder(folder);
+      files::writeTextFile(path / "Unread.Tag", std::to_string(age + 2));
+      files::writeTextFile(path / "LastMsg.Tag", std::to_string(today - age));
+    }
+    files::writeTextFile(context.folders.inboxFolderPath / "ZZ LINKS AND ATTACHMENTS.EML",
+                         "From: \"Ann Example\" <ann@example.com>\r\nTo: bob@example.com\r\nCc: team@example.org\r\n"
+                         "Subject: Minutes, <b>agenda</b> and the plan\r\nDate: Mon, 23 Nov 2026 09:30:00 +0000\r\n"
+                         "MIME-Version: 1.0\r\nContent-Type: multipart/mixed; boundary=\"b1\"\r\n\r\n--b1\r\n"
+                         "Content-Type: text/plain\r\n\r\nHi Bob,\r\n\r\nThe minutes are at https://example.org/minutes, "
+                         "the old ones at www.example.net/archive.\r\nQuestions to ann@example.com please.\r\n\r\nAnn\r\n"
+                         "--b1\r\nContent-Type: application/pdf; name=\"minutes.pdf\"\r\nContent-Transfer-Encoding: base64\r\n"
+                         "Content-Disposition: attachment; filename=\"minutes.pdf\"\r\n\r\nJVBERi0xLjQKJcOkw7zDtsOfCg==\r\n"
+                         "--b1\r\nContent-Type: image/png; name=\"plan.png\"\r\nContent-Transfer-Encoding: base64\r\n"
+                         "Content-Disposition: attachment; filename=\"plan.png\"\r\n\r\niVBORw0KGgo=\r\n--b1--\r\n");
+    fs::remove(context.folders.inboxFolderPath / "cache.xml");
+    fs::remove(context.folders.folderNamesFile);
+    m.load();
+    m.window.resize(1200, 800);
+    QTRY_VERIFY(m.window.preview().current() != nullptr);
+    QTest::qWait(200);
+    m.window.grab().save(shots + "/mailer-folders-and-preview.png");
+
+    if (qEnvironmentVariableIsEmpty("VONEL_SCREENSHOT_BIG")) return;
+    const fs::path big = m.home.storeFolder("Big");
+    testing::generateStoreFolder(context, big, {50000, 3, {2026, 11, 23, 9, 0, 0}, true});
+    m.window.populateFolders(true);
+    m.window.tree().setCurrentItem(m.window.tree().nodeForKey("big"));
+    QTRY_VERIFY_WITH_TIMEOUT(m.rows() == 50000 && !m.window.messageList().populating(), 60000);
+    QTest::qWait(200);
+    m.window.grab().save(shots + "/mailer-50000.png");
   }
 };
 

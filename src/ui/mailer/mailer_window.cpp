@@ -176,6 +176,10 @@ void MailerWindow::connectPanes() {
   connect(list_, &MessageListPane::countText, countPanel_, &QLabel::setText);
   connect(list_, &MessageListPane::folderCountHint, hintPanel_, &QLabel::setText);
   connect(list_, &MessageListPane::progressText, progressPanel_, &QLabel::setText);
+  // A listing's last step leaves the panel, unless the mail pass has written there since.
+  connect(list_, &MessageListPane::finished, this, [this] {
+    if (!mailMoving_) progressPanel_->clear();
+  });
   connect(list_, &MessageListPane::someUnread, this, [this] { tree_->showNodeAsUnread(); });
   connect(list_, &MessageListPane::noUnread, this, [this] { tree_->showNodeAsRead(); });
   connect(list_, &MessageListPane::unreadCompared, this,
@@ -363,10 +367,13 @@ void MailerWindow::newFolder() {
   if (runNewFolderDialog(ctx_, fromQString(parent), this)) populateFolders(true);
 }
 
-void MailerWindow::showMailMoving(bool moving) { toolbar_->showMailMoving(moving); }
+void MailerWindow::showMailMoving(bool moving) {
+  mailMoving_ = moving;
+  toolbar_->showMailMoving(moving);
+}
 
 void MailerWindow::notifyFinishedGettingMail() {
-  toolbar_->showMailMoving(false);
+  showMailMoving(false);
   tree_->setNodeColours();
   tree_->displaySpecialCounts();
 }

@@ -121,6 +121,7 @@ class MailerWindow final : public QMainWindow, private store::StoreListerListene
   QLabel* progressPanel_ = nullptr;
   std::optional<QString> chosenKey_;  // the folder shown last; the inbox at first
   bool inboxRescanned_ = false;
+  bool mailMoving_ = false;
 };
 
 }  // namespace vonel
