@@ -19,6 +19,8 @@
 #include "core/files/file_text.h"
 #include "core/rules/rule_engine.h"
 #include "support/dovecot_server.h"
+#include "ui/mailer/mailer_toolbar.h"
+#include "ui/mailer/mailer_window.h"
 #include "ui/scanner/scanner_window.h"
 
 using namespace vonel;
@@ -366,6 +368,29 @@ class ScannerWindowTest : public QObject {
     scanner.window.findChild<QToolButton*>("upanddown")->click();
     QTRY_VERIFY_WITH_TIMEOUT(ended.count() == 2, 20000);
     QVERIFY(!scanner.controller.passRunning());
+    QVERIFY(scanner.controller.exitProgram());
+  }
+
+  // The mailer button opens the mail window in place of the scanner; it
+  // follows the pass and sends its own requests to the controller.
+  void theMailWindowTakesOverAndFollowsThePass() {
+    Scanner scanner(settings());
+    scanner.controller.startup();
+    scanner.window.findChild<QToolButton*>("mailer")->click();
+    MailerWindow* mailer = scanner.window.mailer();
+    QVERIFY(mailer && mailer->isVisible());
+    QVERIFY(!scanner.window.isVisible());
+    QCOMPARE(scanner.window.openMailer(), static_cast<store::NewMessageSink*>(mailer));
+    QVERIFY(mailer->findChild<QAction*>("DLM0"));
+    QSignalSpy ended(&scanner.controller, &MailController::passEnded);
+    QTest::keyClick(mailer, Qt::Key_F5);
+    QVERIFY(scanner.controller.passRunning());
+    QCOMPARE(mailer->toolbar().button("upanddown")->toolTip(), QString("Send/Receive\nStop the mail check that is running"));
+    QTRY_VERIFY_WITH_TIMEOUT(ended.count() == 1, 20000);
+    QCOMPARE(mailer->toolbar().button("upanddown")->toolTip(), QString("Send/Receive\nSend the outbox and download new mail"));
+    mailer->toolbar().button("scanner")->click();
+    QVERIFY(scanner.window.isVisible());
+    QVERIFY(!mailer->isVisible());
     QVERIFY(scanner.controller.exitProgram());
   }
 
