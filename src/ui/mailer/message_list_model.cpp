@@ -197,6 +197,7 @@ QString MessageListModel::fileAt(int row) const {
 }
 
 int MessageListModel::rowOfFile(const QString& file) const {
+  if (file.isEmpty()) return -1;
   const std::string wanted = fromQString(file);
   for (int row = 0; row < static_cast<int>(rows_.size()); ++row) {
     const store::CachedMessage* message = record(row);

@@ -9,7 +9,6 @@
 #include <QVBoxLayout>
 
 #include "app/qtext.h"
-#include "core/files/path_text.h"
 #include "core/log/log_places.h"
 #include "core/text/strings.h"
 
