@@ -18,12 +18,6 @@ namespace {
 // Colours are kept as blue-green-red numbers: 255 is red.
 QColor colourOf(std::int32_t bgr) { return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF); }
 
-bool lessIgnoringCase(std::string_view a, std::string_view b) {
-  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-    return static_cast<unsigned char>(text::upperByte(x)) < static_cast<unsigned char>(text::upperByte(y));
-  });
-}
-
 // The person a row names: the recipient in the folders of sent mail.
 std::string nameOf(const store::CachedMessage& message, bool recipient) {
   return message::extractName(recipient ? message.toEmail : message.from);
@@ -233,19 +227,25 @@ void MessageListModel::sort(int column, Qt::SortOrder order) {
     const store::CachedMessage* message = recordOf(rows_[row]);
     return message == nullptr ? kNothing : *message;
   };
+  // The keys are taken out once, side by side, and the text ones folded to
+  // upper case: comparing them then touches neither the cache nor a case table.
   if (which == MessageListColumn::Size) {
-    stableBy([&](std::size_t a, std::size_t b) { return at(a).size < at(b).size; });
-  } else if (which == MessageListColumn::From) {
-    // The names are worked out once, not at every comparison.
-    std::vector<std::string> names(rows_.size());
-    for (std::size_t row = 0; row < rows_.size(); ++row) names[row] = nameOf(at(row), showRecipient_);
-    stableBy([&](std::size_t a, std::size_t b) { return lessIgnoringCase(names[a], names[b]); });
+    std::vector<float> sizes(rows_.size());
+    for (std::size_t row = 0; row < rows_.size(); ++row) sizes[row] = at(row).size;
+    stableBy([&](std::size_t a, std::size_t b) { return sizes[a] < sizes[b]; });
   } else {
-    const auto field = [which](const store::CachedMessage& m) -> std::string_view {
-      if (which == MessageListColumn::Subject) return m.subject;
-      return which == MessageListColumn::Received ? m.receiveDate : m.sendDate;
-    };
-    stableBy([&](std::size_t a, std::size_t b) { return lessIgnoringCase(field(at(a)), field(at(b))); });
+    std::vector<std::string> keys(rows_.size());
+    for (std::size_t row = 0; row < rows_.size(); ++row) {
+      const store::CachedMessage& message = at(row);
+      switch (which) {
+        case MessageListColumn::From: keys[row] = text::upper(nameOf(message, showRecipient_)); break;
+        case MessageListColumn::Subject: keys[row] = text::upper(message.subject); break;
+        case MessageListColumn::Received: keys[row] = text::upper(message.receiveDate); break;
+        default: keys[row] = text::upper(message.sendDate); break;
+      }
+    }
+    // std::string compares its bytes unsigned, as the code page orders them.
+    stableBy([&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
   }
 
   std::vector<Row> sorted;
