@@ -309,7 +309,12 @@ class MessageListPaneTest : public QObject {
     f.show("Inbox2");
     QCoreApplication::processEvents();
     const QString shots = qEnvironmentVariable("VONEL_SCREENSHOT_DIR");
-    if (!shots.isEmpty()) QVERIFY(f.pane.grab().save(shots + "/mlist-folder.png"));
+    if (shots.isEmpty()) return;
+    QVERIFY(f.pane.grab().save(shots + "/mlist-folder.png"));
+    f.pane.resize(520, 300);
+    f.pane.findChild<QLineEdit*>("txtSearchString")->setText("review");
+    QTRY_COMPARE_WITH_TIMEOUT(f.finished.count(), 2, 3000);
+    QVERIFY(f.pane.grab().save(shots + "/mlist-narrow-search.png"));
   }
 };
 

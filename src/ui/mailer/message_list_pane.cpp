@@ -64,7 +64,7 @@ MessageListPane::MessageListPane(AppContext& context, QWidget* parent)
 
   const struct { MessageListColumn column; int width; } widths[] = {
       {MessageListColumn::Icon, 28},     {MessageListColumn::Size, 60},  {MessageListColumn::From, 170},
-      {MessageListColumn::Subject, 320}, {MessageListColumn::Received, 140}, {MessageListColumn::Sent, 140},
+      {MessageListColumn::Subject, 320}, {MessageListColumn::Received, 150}, {MessageListColumn::Sent, 150},
       {MessageListColumn::Bayes, 50}};
   for (const auto& [column, width] : widths) view_->setColumnWidth(static_cast<int>(column), width);
 
