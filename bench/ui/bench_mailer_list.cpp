@@ -5,6 +5,8 @@
 // Usage: bench_mailer_list [COUNT] (default 50000); runs offscreen. The store
 // is made under VONEL_BENCH_DIR when set (a RAM disk makes the generation
 // quick), else in the temporary folder.
+#include <malloc.h>
+
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -16,7 +18,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <malloc.h>
 
 #include "core/interaction/prompt.h"
 #include "core/store/folder_listing.h"
@@ -79,10 +80,14 @@ void walk(const char* what, MessageListView& view, Step step) {
   }
   if (frames.empty()) return;
   std::sort(frames.begin(), frames.end());
-  const auto at = [&](double share) { return frames[static_cast<std::size_t>(share * static_cast<double>(frames.size() - 1))]; };
-  std::printf("%s, top to bottom: %zu steps; step with its paint: median %.2f ms, 99%% %.2f ms, slowest %.2f ms; %zu over 16 ms\n",
-              what, frames.size(), at(0.5), at(0.99), frames.back(),
-              static_cast<std::size_t>(std::count_if(frames.begin(), frames.end(), [](double ms) { return ms > 16; })));
+  const auto at = [&](double share) {
+    return frames[static_cast<std::size_t>(share * static_cast<double>(frames.size() - 1))];
+  };
+  std::printf(
+      "%s, top to bottom: %zu steps; step with its paint: median %.2f ms, 99%% %.2f ms, slowest %.2f ms; %zu over 16 "
+      "ms\n",
+      what, frames.size(), at(0.5), at(0.99), frames.back(),
+      static_cast<std::size_t>(std::count_if(frames.begin(), frames.end(), [](double ms) { return ms > 16; })));
 }
 
 }  // namespace
@@ -130,8 +135,9 @@ int main(int argc, char** argv) {
   pane.showFolder(root / "Big1", "Big1");
   const double shown = milliseconds(timer);
   const store::FolderCache& cache = *pane.caches().find(root / "Big1");
-  std::printf("folder click to last row previewed: %.1f ms for %d rows; message files opened: %zu (previews asked: %d)\n",
-              shown, pane.model().rowCount(), cache.headersRead() + pane.headersRead(), previews);
+  std::printf(
+      "folder click to last row previewed: %.1f ms for %d rows; message files opened: %zu (previews asked: %d)\n",
+      shown, pane.model().rowCount(), cache.headersRead() + pane.headersRead(), previews);
   std::printf("memory for cache and list: heap %.1f MB, resident %.1f MB\n", (heapInUse() - heapBefore) / 1e6,
               (residentBytes() - residentBefore) / 1e6);
 
@@ -190,8 +196,8 @@ int main(int argc, char** argv) {
   probe.start();
   timer.restart();
   pane.showFolder(root / "Cold", "Cold");
-  std::printf("folder without cache.xml: %.0f ms to list %d rows; longest event-loop gap %lld ms\n", milliseconds(timer),
-              pane.model().rowCount(), static_cast<long long>(probe.stop()));
+  std::printf("folder without cache.xml: %.0f ms to list %d rows; longest event-loop gap %lld ms\n",
+              milliseconds(timer), pane.model().rowCount(), static_cast<long long>(probe.stop()));
 
   probe.start();
   timer.restart();
@@ -199,7 +205,8 @@ int main(int argc, char** argv) {
   QEventLoop wait;
   QObject::connect(&pane, &MessageListPane::finished, &wait, &QEventLoop::quit);
   wait.exec();
-  std::printf("search of every header for \"invoice\": %.0f ms (with the 400 ms wait) for %d rows; longest gap %lld ms\n",
-              milliseconds(timer), pane.model().rowCount(), static_cast<long long>(probe.stop()));
+  std::printf(
+      "search of every header for \"invoice\": %.0f ms (with the 400 ms wait) for %d rows; longest gap %lld ms\n",
+      milliseconds(timer), pane.model().rowCount(), static_cast<long long>(probe.stop()));
   return 0;
 }

@@ -18,7 +18,7 @@ void MessageListDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
   const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, widget) + 1;
   const QRect area = cell.rect.adjusted(margin, 0, -margin, 0);
   const bool selected = (cell.state & QStyle::State_Selected) != 0;
-  const QPalette::ColorGroup group = (cell.state & QStyle::State_Enabled) == 0 ? QPalette::Disabled
+  const QPalette::ColorGroup group = (cell.state & QStyle::State_Enabled) == 0  ? QPalette::Disabled
                                      : (cell.state & QStyle::State_Active) != 0 ? QPalette::Active
                                                                                 : QPalette::Inactive;
   painter->save();

@@ -53,7 +53,9 @@ int MessageListModel::rowCount(const QModelIndex& parent) const {
   return notice_.isEmpty() ? static_cast<int>(rows_.size()) : 1;
 }
 
-int MessageListModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : kMessageListColumns; }
+int MessageListModel::columnCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : kMessageListColumns;
+}
 
 const store::CachedMessage* MessageListModel::recordOf(Row row) const {
   if ((row.ref & kOwned) != 0) return &owned_[row.ref & ~kOwned];
@@ -75,7 +77,8 @@ const QIcon& MessageListModel::icon(MessageIcon which) const {
 
 QVariant MessageListModel::displayText(const store::CachedMessage& message, MessageListColumn column) const {
   switch (column) {
-    case MessageListColumn::Size: return QString::number(text::toWhole<long long>(message.size)) + QStringLiteral(" KB");
+    case MessageListColumn::Size:
+      return QString::number(text::toWhole<long long>(message.size)) + QStringLiteral(" KB");
     case MessageListColumn::From: return toQString(nameOf(message, showRecipient_));
     case MessageListColumn::Subject: return toQString(message.subject);
     case MessageListColumn::Received: return toQString(message.receiveDate);
@@ -98,27 +101,22 @@ QVariant MessageListModel::data(const QModelIndex& index, int role) const {
   if (message == nullptr) return {};
   const MessageIcon which = messageIcon(message->highPriority, !message->read, message->replied);
   switch (role) {
-    case Qt::DisplayRole:
-      return displayText(*message, column);
-    case Qt::ToolTipRole:
-      return column == MessageListColumn::Icon ? QVariant() : displayText(*message, column);
+    case Qt::DisplayRole: return displayText(*message, column);
+    case Qt::ToolTipRole: return column == MessageListColumn::Icon ? QVariant() : displayText(*message, column);
     case Qt::DecorationRole:
       return column == MessageListColumn::Icon && which != MessageIcon::Blank ? QVariant(icon(which)) : QVariant();
     case Qt::AccessibleTextRole:
       // A screen reader says what the picture shows.
       return column == MessageListColumn::Icon ? QVariant(messageIconKey(which)) : QVariant();
-    case kIconKeyRole:
-      return messageIconKey(which);
+    case kIconKeyRole: return messageIconKey(which);
     case Qt::FontRole: {
       if (message->read) return {};
       QFont bold;
       bold.setBold(true);
       return bold;
     }
-    case Qt::ForegroundRole:
-      return colourOf(row.colour);
-    default:
-      return {};
+    case Qt::ForegroundRole: return colourOf(row.colour);
+    default: return {};
   }
 }
 
@@ -126,7 +124,8 @@ QVariant MessageListModel::headerData(int section, Qt::Orientation orientation, 
   if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= kMessageListColumns) {
     return QAbstractTableModel::headerData(section, orientation, role);
   }
-  static const std::array<QString, kMessageListColumns> captions{"", "Size", "From", "Subject", "Received", "Sent", "Bayes"};
+  static const std::array<QString, kMessageListColumns> captions{"",         "Size", "From", "Subject",
+                                                                 "Received", "Sent", "Bayes"};
   if (section == static_cast<int>(MessageListColumn::From) && showRecipient_) return QStringLiteral("To");
   return captions[static_cast<std::size_t>(section)];
 }
@@ -219,7 +218,8 @@ void MessageListModel::sort(int column, Qt::SortOrder order) {
     if (order == Qt::AscendingOrder) {
       std::stable_sort(permutation.begin(), permutation.end(), less);
     } else {
-      std::stable_sort(permutation.begin(), permutation.end(), [&](std::size_t a, std::size_t b) { return less(b, a); });
+      std::stable_sort(permutation.begin(), permutation.end(),
+                       [&](std::size_t a, std::size_t b) { return less(b, a); });
     }
   };
   static const store::CachedMessage kNothing;
@@ -259,7 +259,8 @@ void MessageListModel::sort(int column, Qt::SortOrder order) {
   const QModelIndexList before = persistentIndexList();
   QModelIndexList after;
   after.reserve(before.size());
-  for (const QModelIndex& old : before) after.append(index(newRowOf[static_cast<std::size_t>(old.row())], old.column()));
+  for (const QModelIndex& old : before)
+    after.append(index(newRowOf[static_cast<std::size_t>(old.row())], old.column()));
   changePersistentIndexList(before, after);
   emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
