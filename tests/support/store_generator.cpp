@@ -14,8 +14,17 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::array kNames{"Ann Example", "bob builder", "Carla D\xED" "az", "dave O'Neil", "Eve", "frank Miller",
-                            "Grace Hopper", "heidi Klum", "Ivan Petrov", "judy"};
+constexpr std::array kNames{"Ann Example",
+                            "bob builder",
+                            "Carla D\xED"
+                            "az",
+                            "dave O'Neil",
+                            "Eve",
+                            "frank Miller",
+                            "Grace Hopper",
+                            "heidi Klum",
+                            "Ivan Petrov",
+                            "judy"};
 constexpr std::array kWords{"meeting", "Invoice", "report", "holiday", "Budget", "lunch",    "Project", "update",
                             "review",  "Photos",  "party",  "Urgent",  "plans",  "schedule", "Draft",   "minutes"};
 constexpr std::array kTags{"", "", "", "work", "home", "work,urgent", "family", "bills"};
@@ -50,28 +59,32 @@ fs::path writeGeneratedMessage(const fs::path& folder, const GeneratedMessage& m
   return file;
 }
 
-GeneratedFolder generateStoreFolder(AppContext& context, const fs::path& folder, const GeneratedFolderSpec& spec) {
+GeneratedFolder generateStoreFolder(AppContext& context, const fs::path& folder, const GeneratedFolderPlan& plan) {
   fs::create_directories(folder);
-  std::mt19937 random(spec.seed);
+  std::mt19937 random(plan.seed);
   const auto pick = [&random](std::size_t count) { return static_cast<std::size_t>(random() % count); };
   GeneratedFolder result;
-  result.files.reserve(spec.count);
-  const double newest = spec.newest.serial();
-  for (std::size_t i = 0; i < spec.count; ++i) {
+  result.files.reserve(plan.count);
+  const double newest = plan.newest.serial();
+  for (std::size_t i = 0; i < plan.count; ++i) {
     GeneratedMessage m;
     // Spread back over 60 days in arrival order, so that the last file is the newest.
-    const double age = 60.0 * static_cast<double>(spec.count - 1 - i) / static_cast<double>(std::max<std::size_t>(spec.count, 1));
+    const double age =
+        60.0 * static_cast<double>(plan.count - 1 - i) / static_cast<double>(std::max<std::size_t>(plan.count, 1));
     m.received = text::DateTime::fromSerial(newest - age);
     m.sendDate = text::formatStoreDate(text::DateTime::fromSerial(newest - age - 0.01));
     const text::DateTime& at = m.received;
     std::string number = std::to_string(i);
-    m.name = "msg" + std::string(6 - std::min<std::size_t>(6, number.size()), '0') + number + " (" + twoDigits(at.hour) +
-             twoDigits(at.minute) + twoDigits(at.second) + "-" + twoDigits(at.day) + twoDigits(at.month) +
-             twoDigits(at.year) + ").eml";
+    m.name = "msg" + std::string(6 - std::min<std::size_t>(6, number.size()), '0') + number + " (" +
+             twoDigits(at.hour) + twoDigits(at.minute) + twoDigits(at.second) + "-" + twoDigits(at.day) +
+             twoDigits(at.month) + twoDigits(at.year) + ").eml";
     m.from = "\"" + std::string(kNames[pick(kNames.size())]) + "\" <user" + std::to_string(pick(50)) + "@example.com>";
     m.subject = std::string(kWords[pick(kWords.size())]) + " " + kWords[pick(kWords.size())];
     // One subject in twenty is long enough to be cut off in a narrow list.
-    if (pick(20) == 0) m.subject += " and a much longer tail that goes on about the " + std::string(kWords[pick(kWords.size())]) + " for a good while";
+    if (pick(20) == 0) {
+      m.subject += " and a much longer tail that goes on about the " + std::string(kWords[pick(kWords.size())]) +
+                   " for a good while";
+    }
     m.tags = kTags[pick(kTags.size())];
     m.read = pick(4) != 0;
     m.replied = pick(5) == 0;
@@ -81,7 +94,7 @@ GeneratedFolder generateStoreFolder(AppContext& context, const fs::path& folder,
     result.files.push_back(writeGeneratedMessage(folder, m));
     if (!m.read) ++result.unread;
   }
-  if (spec.warmCache) {
+  if (plan.warmCache) {
     SilentProgress quiet;
     store::FolderCache cache(context, quiet);
     cache.fillCache(quiet, folder, folder.filename().string());

@@ -30,7 +30,7 @@ struct GeneratedMessage {
 // Writes the message into the folder and gives its path.
 std::filesystem::path writeGeneratedMessage(const std::filesystem::path& folder, const GeneratedMessage& message);
 
-struct GeneratedFolderSpec {
+struct GeneratedFolderPlan {
   std::size_t count = 100;
   std::uint32_t seed = 1;
   // The newest message arrives at this moment; the others spread over the 60 days before it.
@@ -45,6 +45,6 @@ struct GeneratedFolder {
 };
 
 GeneratedFolder generateStoreFolder(AppContext& context, const std::filesystem::path& folder,
-                                    const GeneratedFolderSpec& spec);
+                                    const GeneratedFolderPlan& plan);
 
 }  // namespace vonel::testing

@@ -1,9 +1,9 @@
+#include "ui/mailer/message_list_model.h"
+
 #include <QFont>
 #include <QIcon>
 #include <QSignalSpy>
 #include <QtTest>
-
-#include "ui/mailer/message_list_model.h"
 
 using namespace vonel;
 
@@ -129,7 +129,8 @@ class MessageListModelTest : public QObject {
     const QPersistentModelIndex cherry = model.index(2, 3);
     model.sort(static_cast<int>(MessageListColumn::Subject), Qt::AscendingOrder);
     // Equal texts keep their order: "banana" was listed before "Banana".
-    QCOMPARE(column(model, MessageListColumn::Subject), (QStringList{"Apple", "apple pie", "banana", "Banana", "cherry"}));
+    QCOMPARE(column(model, MessageListColumn::Subject),
+             (QStringList{"Apple", "apple pie", "banana", "Banana", "cherry"}));
     QCOMPARE(cherry.row(), 4);
     QCOMPARE(cherry.data().toString(), QString("cherry"));
     model.sort(static_cast<int>(MessageListColumn::From), Qt::DescendingOrder);

@@ -1,3 +1,5 @@
+#include "ui/mailer/message_list_pane.h"
+
 #include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -11,7 +13,6 @@
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
 #include "support/store_generator.h"
-#include "ui/mailer/message_list_pane.h"
 
 using namespace vonel;
 namespace fs = std::filesystem;
@@ -138,12 +139,15 @@ class MessageListPaneTest : public QObject {
     f.make("A", 60);
     f.show("A");
     auto* selection = f.view().selectionModel();
-    for (int row : {2, 3, 4, 5}) selection->select(f.pane.model().index(row, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    for (int row : {2, 3, 4, 5})
+      selection->select(f.pane.model().index(row, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
     selection->setCurrentIndex(f.pane.model().index(5, 0), QItemSelectionModel::NoUpdate);
     QCOMPARE(f.pane.selectedFiles().size(), 5);  // row 59 from the listing stays with them
 
-    const struct { Qt::Key key; int row; } steps[] = {
-        {Qt::Key_Up, 4}, {Qt::Key_Down, 5}, {Qt::Key_Home, 0}, {Qt::Key_End, 59}, {Qt::Key_Home, 0}};
+    const struct {
+      Qt::Key key;
+      int row;
+    } steps[] = {{Qt::Key_Up, 4}, {Qt::Key_Down, 5}, {Qt::Key_Home, 0}, {Qt::Key_End, 59}, {Qt::Key_Home, 0}};
     for (const auto& step : steps) {
       const int before = f.previews.count();
       QTest::keyClick(&f.view(), step.key);
@@ -175,7 +179,8 @@ class MessageListPaneTest : public QObject {
     QCOMPARE(f.finished.count(), 1);
     QVERIFY(f.pane.model().rowCount() > 0);
     QVERIFY(f.pane.model().rowCount() < 200);
-    for (int row = 0; row < f.pane.model().rowCount(); ++row) QVERIFY(f.subject(row).contains("invoi", Qt::CaseInsensitive));
+    for (int row = 0; row < f.pane.model().rowCount(); ++row)
+      QVERIFY(f.subject(row).contains("invoi", Qt::CaseInsensitive));
 
     auto* tags = f.pane.findChild<QComboBox*>("cmbTags");
     QVERIFY(tags->findText("work") >= 0);  // the tags seen in the folder
@@ -183,7 +188,8 @@ class MessageListPaneTest : public QObject {
     tags->setEditText("family");
     QTRY_COMPARE_WITH_TIMEOUT(f.finished.count(), 2, 3000);
     QVERIFY(f.pane.model().rowCount() > 0);
-    for (int row = 0; row < f.pane.model().rowCount(); ++row) QVERIFY(f.pane.model().record(row)->tags.find("family") != std::string::npos);
+    for (int row = 0; row < f.pane.model().rowCount(); ++row)
+      QVERIFY(f.pane.model().record(row)->tags.find("family") != std::string::npos);
   }
 
   void aSecondFolderStopsTheFirstListing() {
@@ -309,7 +315,12 @@ class MessageListPaneTest : public QObject {
     f.show("Inbox2");
     QCoreApplication::processEvents();
     const QString shots = qEnvironmentVariable("VONEL_SCREENSHOT_DIR");
-    if (!shots.isEmpty()) QVERIFY(f.pane.grab().save(shots + "/mlist-folder.png"));
+    if (shots.isEmpty()) return;
+    QVERIFY(f.pane.grab().save(shots + "/mlist-folder.png"));
+    f.pane.resize(520, 300);
+    f.pane.findChild<QLineEdit*>("txtSearchString")->setText("review");
+    QTRY_COMPARE_WITH_TIMEOUT(f.finished.count(), 2, 3000);
+    QVERIFY(f.pane.grab().save(shots + "/mlist-narrow-search.png"));
   }
 };
 

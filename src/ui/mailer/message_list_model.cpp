@@ -18,12 +18,6 @@ namespace {
 // Colours are kept as blue-green-red numbers: 255 is red.
 QColor colourOf(std::int32_t bgr) { return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF); }
 
-bool lessIgnoringCase(std::string_view a, std::string_view b) {
-  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-    return static_cast<unsigned char>(text::upperByte(x)) < static_cast<unsigned char>(text::upperByte(y));
-  });
-}
-
 // The person a row names: the recipient in the folders of sent mail.
 std::string nameOf(const store::CachedMessage& message, bool recipient) {
   return message::extractName(recipient ? message.toEmail : message.from);
@@ -59,7 +53,9 @@ int MessageListModel::rowCount(const QModelIndex& parent) const {
   return notice_.isEmpty() ? static_cast<int>(rows_.size()) : 1;
 }
 
-int MessageListModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : kMessageListColumns; }
+int MessageListModel::columnCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : kMessageListColumns;
+}
 
 const store::CachedMessage* MessageListModel::recordOf(Row row) const {
   if ((row.ref & kOwned) != 0) return &owned_[row.ref & ~kOwned];
@@ -81,7 +77,8 @@ const QIcon& MessageListModel::icon(MessageIcon which) const {
 
 QVariant MessageListModel::displayText(const store::CachedMessage& message, MessageListColumn column) const {
   switch (column) {
-    case MessageListColumn::Size: return QString::number(text::toWhole<long long>(message.size)) + QStringLiteral(" KB");
+    case MessageListColumn::Size:
+      return QString::number(text::toWhole<long long>(message.size)) + QStringLiteral(" KB");
     case MessageListColumn::From: return toQString(nameOf(message, showRecipient_));
     case MessageListColumn::Subject: return toQString(message.subject);
     case MessageListColumn::Received: return toQString(message.receiveDate);
@@ -104,27 +101,22 @@ QVariant MessageListModel::data(const QModelIndex& index, int role) const {
   if (message == nullptr) return {};
   const MessageIcon which = messageIcon(message->highPriority, !message->read, message->replied);
   switch (role) {
-    case Qt::DisplayRole:
-      return displayText(*message, column);
-    case Qt::ToolTipRole:
-      return column == MessageListColumn::Icon ? QVariant() : displayText(*message, column);
+    case Qt::DisplayRole: return displayText(*message, column);
+    case Qt::ToolTipRole: return column == MessageListColumn::Icon ? QVariant() : displayText(*message, column);
     case Qt::DecorationRole:
       return column == MessageListColumn::Icon && which != MessageIcon::Blank ? QVariant(icon(which)) : QVariant();
     case Qt::AccessibleTextRole:
       // A screen reader says what the picture shows.
       return column == MessageListColumn::Icon ? QVariant(messageIconKey(which)) : QVariant();
-    case kIconKeyRole:
-      return messageIconKey(which);
+    case kIconKeyRole: return messageIconKey(which);
     case Qt::FontRole: {
       if (message->read) return {};
       QFont bold;
       bold.setBold(true);
       return bold;
     }
-    case Qt::ForegroundRole:
-      return colourOf(row.colour);
-    default:
-      return {};
+    case Qt::ForegroundRole: return colourOf(row.colour);
+    default: return {};
   }
 }
 
@@ -132,7 +124,8 @@ QVariant MessageListModel::headerData(int section, Qt::Orientation orientation, 
   if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= kMessageListColumns) {
     return QAbstractTableModel::headerData(section, orientation, role);
   }
-  static const std::array<QString, kMessageListColumns> captions{"", "Size", "From", "Subject", "Received", "Sent", "Bayes"};
+  static const std::array<QString, kMessageListColumns> captions{"",         "Size", "From", "Subject",
+                                                                 "Received", "Sent", "Bayes"};
   if (section == static_cast<int>(MessageListColumn::From) && showRecipient_) return QStringLiteral("To");
   return captions[static_cast<std::size_t>(section)];
 }
@@ -197,6 +190,7 @@ QString MessageListModel::fileAt(int row) const {
 }
 
 int MessageListModel::rowOfFile(const QString& file) const {
+  if (file.isEmpty()) return -1;
   const std::string wanted = fromQString(file);
   for (int row = 0; row < static_cast<int>(rows_.size()); ++row) {
     const store::CachedMessage* message = record(row);
@@ -224,7 +218,8 @@ void MessageListModel::sort(int column, Qt::SortOrder order) {
     if (order == Qt::AscendingOrder) {
       std::stable_sort(permutation.begin(), permutation.end(), less);
     } else {
-      std::stable_sort(permutation.begin(), permutation.end(), [&](std::size_t a, std::size_t b) { return less(b, a); });
+      std::stable_sort(permutation.begin(), permutation.end(),
+                       [&](std::size_t a, std::size_t b) { return less(b, a); });
     }
   };
   static const store::CachedMessage kNothing;
@@ -232,19 +227,25 @@ void MessageListModel::sort(int column, Qt::SortOrder order) {
     const store::CachedMessage* message = recordOf(rows_[row]);
     return message == nullptr ? kNothing : *message;
   };
+  // The keys are taken out once, side by side, and the text ones folded to
+  // upper case: comparing them then touches neither the cache nor a case table.
   if (which == MessageListColumn::Size) {
-    stableBy([&](std::size_t a, std::size_t b) { return at(a).size < at(b).size; });
-  } else if (which == MessageListColumn::From) {
-    // The names are worked out once, not at every comparison.
-    std::vector<std::string> names(rows_.size());
-    for (std::size_t row = 0; row < rows_.size(); ++row) names[row] = nameOf(at(row), showRecipient_);
-    stableBy([&](std::size_t a, std::size_t b) { return lessIgnoringCase(names[a], names[b]); });
+    std::vector<float> sizes(rows_.size());
+    for (std::size_t row = 0; row < rows_.size(); ++row) sizes[row] = at(row).size;
+    stableBy([&](std::size_t a, std::size_t b) { return sizes[a] < sizes[b]; });
   } else {
-    const auto field = [which](const store::CachedMessage& m) -> std::string_view {
-      if (which == MessageListColumn::Subject) return m.subject;
-      return which == MessageListColumn::Received ? m.receiveDate : m.sendDate;
-    };
-    stableBy([&](std::size_t a, std::size_t b) { return lessIgnoringCase(field(at(a)), field(at(b))); });
+    std::vector<std::string> keys(rows_.size());
+    for (std::size_t row = 0; row < rows_.size(); ++row) {
+      const store::CachedMessage& message = at(row);
+      switch (which) {
+        case MessageListColumn::From: keys[row] = text::upper(nameOf(message, showRecipient_)); break;
+        case MessageListColumn::Subject: keys[row] = text::upper(message.subject); break;
+        case MessageListColumn::Received: keys[row] = text::upper(message.receiveDate); break;
+        default: keys[row] = text::upper(message.sendDate); break;
+      }
+    }
+    // std::string compares its bytes unsigned, as the code page orders them.
+    stableBy([&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
   }
 
   std::vector<Row> sorted;
@@ -258,7 +259,8 @@ void MessageListModel::sort(int column, Qt::SortOrder order) {
   const QModelIndexList before = persistentIndexList();
   QModelIndexList after;
   after.reserve(before.size());
-  for (const QModelIndex& old : before) after.append(index(newRowOf[static_cast<std::size_t>(old.row())], old.column()));
+  for (const QModelIndex& old : before)
+    after.append(index(newRowOf[static_cast<std::size_t>(old.row())], old.column()));
   changePersistentIndexList(before, after);
   emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }

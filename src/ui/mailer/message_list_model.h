@@ -43,7 +43,6 @@ class MessageListModel final : public QAbstractTableModel {
 
   // The folders of sent mail name the recipient where others name the sender.
   void setRecipientColumn(bool showRecipient);
-  bool recipientColumn() const { return showRecipient_; }
 
   void clear();
   // One row carrying a notice in the From column, until the next clear.
@@ -56,7 +55,6 @@ class MessageListModel final : public QAbstractTableModel {
   void addOwned(const message::Message& message);
   // Lets the waiting rows in, with one insert.
   void flush();
-  std::size_t waitingRows() const { return waiting_.size(); }
 
   // The message file of a row, its name in the case of its read state; empty
   // for a row that names nothing.

@@ -9,7 +9,6 @@
 #include <QVBoxLayout>
 
 #include "app/qtext.h"
-#include "core/files/path_text.h"
 #include "core/log/log_places.h"
 #include "core/text/strings.h"
 
@@ -63,10 +62,12 @@ MessageListPane::MessageListPane(AppContext& context, QWidget* parent)
   backup_->setModel(&backupModel_);
   backup_->hide();
 
-  const struct { MessageListColumn column; int width; } widths[] = {
-      {MessageListColumn::Icon, 28},     {MessageListColumn::Size, 60},  {MessageListColumn::From, 170},
-      {MessageListColumn::Subject, 320}, {MessageListColumn::Received, 140}, {MessageListColumn::Sent, 140},
-      {MessageListColumn::Bayes, 50}};
+  const struct {
+    MessageListColumn column;
+    int width;
+  } widths[] = {{MessageListColumn::Icon, 28},     {MessageListColumn::Size, 60},      {MessageListColumn::From, 170},
+                {MessageListColumn::Subject, 320}, {MessageListColumn::Received, 150}, {MessageListColumn::Sent, 150},
+                {MessageListColumn::Bayes, 50}};
   for (const auto& [column, width] : widths) view_->setColumnWidth(static_cast<int>(column), width);
 
   auto* filters = new QHBoxLayout;
@@ -266,8 +267,9 @@ void MessageListPane::onClearMessages() { model_.clear(); }
 
 void MessageListPane::onFolderMessageCount(long count) {
   emit folderMessageCount(QString::number(count) + " messages");
-  emit folderCountHint(count >= kArchiveAdviceCount ? QStringLiteral("You can speed the program up by using 'Archive old mail'")
-                                                    : QString());
+  emit folderCountHint(count >= kArchiveAdviceCount
+                           ? QStringLiteral("You can speed the program up by using 'Archive old mail'")
+                           : QString());
 }
 
 void MessageListPane::addMessage(message::Message& message, long counter, long /*total*/) {

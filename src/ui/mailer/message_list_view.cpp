@@ -3,6 +3,8 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 
+#include "ui/mailer/message_list_delegate.h"
+
 namespace vonel {
 std::optional<QAbstractItemView::CursorAction> MessageListView::movementOf(int key) {
   switch (key) {
@@ -27,6 +29,7 @@ MessageListView::MessageListView(QWidget* parent) : QTreeView(parent) {
   setSelectionMode(QAbstractItemView::ExtendedSelection);
   setSelectionBehavior(QAbstractItemView::SelectRows);
   setEditTriggers(QAbstractItemView::NoEditTriggers);
+  setItemDelegate(new MessageListDelegate(this));
   header()->setSectionsClickable(true);
   header()->setSortIndicatorShown(true);
   header()->setSortIndicator(-1, Qt::AscendingOrder);

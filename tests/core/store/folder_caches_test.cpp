@@ -83,7 +83,7 @@ TEST_F(FolderCachesTest, ARescanFindsWhatChangedOnDiskAndABlankPathIsLogged) {
   caches.obtain(home.context.folders.outboxFolderPath);  // never filled: no path
   EXPECT_TRUE(caches.rescan(home.context.folders.outboxFolderPath));
   EXPECT_NE(logged().find("Trying to cache folder " + home.context.folders.outboxFolderPath.string() +
-                                " but cache path is blank"),
+                          " but cache path is blank"),
             std::string::npos);
 
   FolderCache& cache = filledInbox();
@@ -110,7 +110,7 @@ TEST_F(FolderCachesTest, RescanAllRebuildsFilledCachesSkipsBlankOnesAndRestsWith
   const std::size_t readBefore = cache.headersRead();
   caches.rescanAll();
   EXPECT_FALSE(cache.messages.find("first (091500-231126).eml")->read);  // the file says unread
-  EXPECT_EQ(cache.headersRead() - readBefore, 2u);                        // every header read again
+  EXPECT_EQ(cache.headersRead() - readBefore, 2u);                       // every header read again
   EXPECT_EQ(cache.path(), inbox());
   EXPECT_EQ(cache.mailFolderName(), "Inbox");
   EXPECT_NE(logged().find("Cache.path blank in RescanAllCaches"), std::string::npos);
