@@ -1,7 +1,6 @@
 #include <QtTest>
 
 #include "core/files/atomic_file.h"
-#include "core/files/file_text.h"
 #include "support/app_home.h"
 #include "ui/mailer/folder_tree.h"
 
@@ -125,17 +124,19 @@ class FolderTreeTest : public QObject {
     QCOMPARE(t.colour(t.node("inbox\\work")).toInt(), kOldest);
   }
 
-  void theListsCountBecomesTheNodesStateAndTag() {
+  void theListsCountBecomesTheNodesState() {
     Tree t;
     t.addFolders();
     t.tree.setCurrentItem(t.node("inbox"));
     t.tree.compareUnread(t.node("inbox"), 7);
     QCOMPARE(t.node("inbox")->text(0), QString("Inbox (7)"));
-    QCOMPARE(files::loadTextFile(t.home.context.folders.inboxFolderPath / "Unread.Tag"), std::string("7"));
+    QVERIFY(t.node("inbox")->font(0).bold());
     t.tree.compareUnread(t.node("inbox"), 0);
     QCOMPARE(t.node("inbox")->text(0), QString("Inbox"));
+    t.tree.showNodeAsUnread();
+    QVERIFY(t.node("inbox")->font(0).bold());
     t.tree.showNodeAsRead();
-    QVERIFY(!fs::exists(t.home.context.folders.inboxFolderPath / "Unread.Tag"));
+    QVERIFY(!t.node("inbox")->font(0).bold());
   }
 
   void outboxAndSentItemsShowHowManyMessagesTheyHold() {

@@ -187,7 +187,6 @@ void FolderTree::showNodeAsRead() {
   if (!node) return;
   bool changed = false;
   setPlain(node, changed);
-  store::removeUnreadTag(ctx_.log, folderOf(node));
 }
 
 void FolderTree::compareUnread(QTreeWidgetItem* node, int unreadRows) {
@@ -197,7 +196,6 @@ void FolderTree::compareUnread(QTreeWidgetItem* node, int unreadRows) {
     setPlain(node, changed);
     return;
   }
-  store::createUnreadTag(ctx_.log, folderOf(node), unreadRows);
   setCounted(node, unreadRows, changed);
 }
 

@@ -44,9 +44,9 @@ class FolderTree final : public QTreeWidget {
   bool setNodeColour(QTreeWidgetItem* node);
   // The chosen node with unread mail found while its list fills.
   void showNodeAsUnread();
-  // The chosen node without unread mail: plain, and its unread tag erased.
+  // The chosen node without unread mail: plain. The list keeps the tag files.
   void showNodeAsRead();
-  // After a full listing: the count of unread rows becomes the node's state and tag.
+  // After a full listing: the count of unread rows becomes the node's state.
   void compareUnread(QTreeWidgetItem* node, int unreadRows);
   // The Outbox and Sent Items nodes show how many messages they hold.
   void displaySpecialCounts();
