@@ -244,7 +244,7 @@ class MessagePreviewTest : public QObject {
     if (shots.isEmpty()) QSKIP("VONEL_SCREENSHOT_DIR is not set");
     Home home;
     MessagePreview preview(home.context);
-    preview.resize(640, 360);
+    preview.resize(860, 360);
     preview.show();
     std::string message = withAttachments();
     message.insert(message.find("Subject: ") + 9, "Quarterly report with a subject long enough to reach the edge: ");
