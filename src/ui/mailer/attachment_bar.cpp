@@ -1,7 +1,6 @@
 #include "ui/mailer/attachment_bar.h"
 
 #include <QMenu>
-#include <QToolButton>
 
 #include "app/qtext.h"
 #include "core/message/message.h"

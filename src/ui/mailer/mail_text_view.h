@@ -5,6 +5,9 @@
 // formats (no anchors), and every resource request gets nothing.
 #include <QTextBrowser>
 #include <string_view>
+#include <vector>
+
+class QTextDocument;
 
 namespace vonel {
 
@@ -20,7 +23,9 @@ class MailTextView final : public QTextBrowser {
   QVariant loadResource(int type, const QUrl& name) override;
 
  private:
-  void underlineLinks(std::string_view text);
+  // Underlines and colours the links of `text` in the document made of it,
+  // which has a line break added at each of `breaks`.
+  void markLinks(QTextDocument& shown, std::string_view text, const std::vector<std::size_t>& breaks);
 };
 
 }  // namespace vonel

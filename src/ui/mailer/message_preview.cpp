@@ -37,6 +37,7 @@ MessagePreview::MessagePreview(AppContext& context, QWidget* parent)
       hider_(new QLabel),
       footer_(new QFrame) {
   setObjectName("MessagePreview");
+  setAccessibleName("Message preview");
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(2);
@@ -72,17 +73,18 @@ QMenu* MessagePreview::attachmentMenu() const { return attachments_->menu(); }
 
 void MessagePreview::showMessage(const std::filesystem::path& file) {
   const unsigned generation = ++generation_;
-  const auto before = files::fileFactsOf(file);
-  if (before && before->size > kBigMessage) {
+  auto facts = files::fileFactsOf(file);
+  if (facts && facts->size > kBigMessage) {
     hideBody("Reading message ...");
     const QPointer<MessagePreview> self(this);
     QApplication::processEvents();
     if (!self || generation != generation_) return;
+    facts = files::fileFactsOf(file);  // it may have gone meanwhile
   } else {
     hideBody({});
   }
   attachments_->clearAttachments();
-  if (!files::fileFactsOf(file)) {
+  if (!facts) {
     ctx_.log.addAction("Message file not found: " + file.string(), kProcedure, log_places::kMailerModule);
     clear();
     return;
@@ -113,6 +115,8 @@ void MessagePreview::showBody() { body_->setCurrentWidget(text_); }
 void MessagePreview::display(const message::Message& message) {
   header_->showHeader(message);
   displayFooter(message);
+  // The text a reader sees is the message's plain text; the stripped body
+  // the rules read has lost its line ends, which the preview keeps.
   text_->showText(message::previewBody(message::extractPlainMessage(message, ctx_)));
   attachments_->showAttachments(attachmentEntries(message));
 }
