@@ -119,6 +119,7 @@ void OutboxSender::configureSession(int account) {
 void OutboxSender::connectAccount(int account) {
   guardedStep(ctx_.log, log_places::kConnect, kModule, [&] {
     connected_ = false;
+    ctx_.writes.open();
     // Both name the server of the account before: configureSession reads the new one.
     events_.onSendProgress("Connecting to SMTP server '" + server_ + "'");
     ctx_.log.addAction("Connecting to " + server_, log_places::kConnect, kModule);
@@ -128,13 +129,27 @@ void OutboxSender::connectAccount(int account) {
 }
 
 void OutboxSender::disconnect() {
+  commitFiledMessages();
   guardedStep(ctx_.log, log_places::kDisconnect, kModule, [&] { session().disconnect(); });
+}
+
+// The Sent Items copies and outbox deletions of the connection reach the disk
+// together before its QUIT; when they can't, the upload stops there.
+void OutboxSender::commitFiledMessages() {
+  try {
+    ctx_.writes.commit();
+  } catch (const AppError& error) {
+    logFailure(ctx_.log, error, log_places::kDisconnect, kModule);
+    sending_ = false;
+    events_.onSendFailed(error.description());
+  }
 }
 
 void OutboxSender::cancelSend() {
   guardedStep(ctx_.log, log_places::kCancelSend, kModule, [&] {
     sending_ = false;
     sendingOneMessage_ = false;
+    commitFiledMessages();
     session().disconnect();
   });
 }
@@ -255,7 +270,7 @@ void OutboxSender::onSmtpSendSuccessful() {
     if (!sendingOneMessage_ || currentFile_ >= outboxFiles_.size()) return;
     const std::string name = outboxFiles_[currentFile_];
     const send::SentMessage sent = send::moveToSentItems(ctx_.folders.outboxFolderPath, ctx_.folders.sentFolderPath,
-                                                         name, ctx_.log, ctx_.clock);
+                                                         name, ctx_.log, ctx_.clock, ctx_.writes);
     sendingOneMessage_ = false;
     if (!sent.filed) {
       // Sent but not filed: stop, so that a full disk doesn't turn every

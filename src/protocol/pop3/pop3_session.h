@@ -142,6 +142,7 @@ class Pop3Session {
   void send(const std::string& command);
   void sendCommand(Pop3State awaited, const std::string& command);
   void sendQuit();
+  bool quitAfterBarrier();
   void logAction(std::string_view text);
   const std::string& title() const { return accounts_[static_cast<std::size_t>(account_)].title; }
   std::string ofTotal(long n) const;

@@ -184,7 +184,7 @@ bool SmtpSession::spoolToFile(const std::filesystem::path& file) {
     mail_.messageId = send::newMessageId(accountAddress_.empty() ? mail_.from : accountAddress_, context_.clock.now());
   }
   try {
-    send::writeSpoolFile(file, mail_, context_.clock.now(), context_.log.info().version);
+    send::writeSpoolFile(file, mail_, context_.clock.now(), context_.log.info().version, context_.writes);
     return true;
   } catch (const send::AttachmentFailed& error) {
     logFailure(context_.log, error, log_places::kEncodeAndSendFile, kModule);
