@@ -73,6 +73,7 @@ class DownloadBarrierTest : public QObject {
     ctx.settings.loadSettingsFromText(server_.accountSettings() + "CHECK0,1\r\nDELETEONRETRIEVE,1\r\nMAILTIMEOUT,5\r\n",
                                       "test");
     ctx.folders.readMessageFolder();
+    ctx.folders.dataFolderPath = home_.path().toStdString();
     ctx.writes = std::move(writes);
     Storer storer(ctx);
     rules::PassEverything check;
