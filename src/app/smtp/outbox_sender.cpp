@@ -119,11 +119,11 @@ void OutboxSender::configureSession(int account) {
 void OutboxSender::connectAccount(int account) {
   guardedStep(ctx_.log, log_places::kConnect, kModule, [&] {
     connected_ = false;
-    ctx_.writes.open();
     // Both name the server of the account before: configureSession reads the new one.
     events_.onSendProgress("Connecting to SMTP server '" + server_ + "'");
     ctx_.log.addAction("Connecting to " + server_, log_places::kConnect, kModule);
     configureSession(account);
+    ctx_.writes.open();
     session().connect();
   });
 }

@@ -112,7 +112,6 @@ void Pop3Session::startSession() {
 
 void Pop3Session::startTransfer(int account, bool deleteSpam, bool force) {
   startSession();
-  ctx_.writes.open();
   readAccounts();
   Account& a = accounts_[static_cast<std::size_t>(account)];
   if (a.server.empty() && a.check) {
@@ -157,6 +156,7 @@ void Pop3Session::startTransfer(int account, bool deleteSpam, bool force) {
   link_.close();
   timeout_ = text::toWhole<int>(ctx_.settings.getOrDefault("MailTimeout", Value(30)).numberOr(30));
   link_.setTimer(true);
+  ctx_.writes.open();
   link_.connect(a.server, a.popPort);
 }
 
