@@ -9,18 +9,18 @@ fail() { echo "FAIL: $*" >&2; exit 1; }
 source "$source_dir/tools/one-dovecot.sh"
 home="$work/home"
 store="$home/Messages"
-mkdir -p "$home" "$work/original/new"
+mkdir -p "$home" "$work/served/new"
 { account0_settings; printf 'DELETEONRETRIEVE,1\r\n'; } >"$home/Vonel.ini"
 
 total=150
-python3 - "$work/original/new" "$total" <<'PY'
+python3 - "$work/served/new" "$total" <<'PY'
 import os, sys
 folder, total = sys.argv[1], int(sys.argv[2])
 for i in range(1, total + 1):
     with open(os.path.join(folder, f"k{i:03d}.test"), "w", newline="") as f:
         f.write(f"From: Sender {i} <s{i}@example.org>\nSubject: Kill {i}\n\n" + f"Line {i} of the message.\n" * (5 * i))
 PY
-cp "$work/original/new/"* "$maildir/new/"
+cp "$work/served/new/"* "$maildir/new/"
 chmod -R a+rwX "$maildir"
 
 on_server() { find "$maildir/new" "$maildir/cur" -type f | wc -l; }
@@ -39,6 +39,6 @@ for step in 0 7 20 40 1000; do
 done
 "$vonel" --home "$home" --download </dev/null >"$work/last.out" 2>&1 || fail "the last run failed: $(cat "$work/last.out")"
 [ "$(on_server)" -eq 0 ] || fail "$(on_server) messages left on the server"
-report=$(python3 "$source_dir/tools/compare-store.py" "$work/original" "$store") || fail "the store after the kills: $report"
+report=$(python3 "$source_dir/tools/compare-store.py" "$work/served" "$store") || fail "the store after the kills: $report"
 [ ! -e "$home/Fetching0.txt" ] || fail "Fetching0.txt left behind"
 echo "download killed five times: ok ($report)"
