@@ -29,6 +29,7 @@ stored_count() { find "$store" -type f -iname '*.eml' 2>/dev/null | wc -l; }
 # Each run is killed once it has stored a few more messages, the last one
 # after its final message (before or after its QUIT), and one at once.
 for step in 0 7 20 40 1000; do
+  : >"$work/run.out"
   "$vonel" --home "$home" --download </dev/null >"$work/run.out" 2>&1 &
   pid=$!
   while kill -0 "$pid" 2>/dev/null && [ "$(grep -c '^stored' "$work/run.out")" -lt "$step" ]; do sleep 0.01; done
