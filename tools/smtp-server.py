@@ -13,7 +13,8 @@ Secure transport and authentication come from the environment:
 SMTP_TLS_CERT and SMTP_TLS_KEY (PEM files) with SMTP_TLS_MODE "implicit"
 (TLS from the first byte) or "starttls" (STARTTLS required before mail);
 SMTP_AUTH_USER and SMTP_AUTH_PASSWORD make authentication required, over
-TLS only (require_starttls besides). Every AUTH attempt is counted in DIR/auth-attempts.
+TLS only (require_starttls besides); SMTP_AUTH_EXCLUDE (say "PLAIN") leaves
+mechanisms out of the announcement. Every AUTH attempt is counted in DIR/auth-attempts.
 Stops on SIGTERM or SIGINT.
 """
 import asyncio
@@ -74,7 +75,7 @@ class OneUser:
             out.write("%d %s\n" % (self.attempts, mechanism))
         ok = isinstance(auth_data, LoginPassword) and \
             auth_data.login == self.user and auth_data.password == self.password
-        return AuthResult(success=ok)
+        return AuthResult(success=ok, handled=False)
 
 
 def tls_context():
@@ -102,7 +103,8 @@ async def serve(folder):
         options.update(authenticator=OneUser(folder, os.environ["SMTP_AUTH_USER"], os.environ["SMTP_AUTH_PASSWORD"]),
                        auth_required=True,
                        # Over TLS from the first byte the server can't tell, and everything is encrypted anyway.
-                       auth_require_tls=mode != "implicit")
+                       auth_require_tls=mode != "implicit",
+                       auth_exclude_mechanism=[m for m in os.environ.get("SMTP_AUTH_EXCLUDE", "").split(",") if m])
     server = await loop.create_server(
         lambda: CountingSMTP(handler, hostname="vonel-test", data_size_limit=200 * 1024 * 1024, **options),
         host="127.0.0.1", port=0, ssl=context if mode == "implicit" else None)
