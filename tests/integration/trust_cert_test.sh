@@ -12,16 +12,16 @@ server="$work/dovecot"
 trap '"$source_dir/tools/pop3-server.sh" stop "$server" || true; "$source_dir/tools/smtp-server.sh" stop "$work/smtp" || true; rm -rf "$work"' EXIT
 "$source_dir/tools/test-certificates.sh" "$work/certificates"
 cert="$work/certificates/self"
-POP3_TLS_CERT="$cert.pem" POP3_TLS_KEY="$cert.key" "$source_dir/tools/pop3-server.sh" start "$server" jo 'Pa55:w0rd' >/dev/null
+POP3_TLS_CERT="$cert.pem" POP3_TLS_KEY="$cert.key" "$source_dir/tools/pop3-server.sh" start "$server" jo 'Pa55.w0rd' >/dev/null
 pop3s=$(cat "$server/pop3s-port")
 smtps=$(SMTP_TLS_MODE=implicit SMTP_TLS_CERT="$cert.pem" SMTP_TLS_KEY="$cert.key" SMTP_AUTH_USER=jo \
-  SMTP_AUTH_PASSWORD='Pa55:w0rd' "$source_dir/tools/smtp-server.sh" start "$work/smtp")
+  SMTP_AUTH_PASSWORD='Pa55.w0rd' "$source_dir/tools/smtp-server.sh" start "$work/smtp")
 printf 'From: Sender <s@example.org>\r\nSubject: Over TLS\r\n\r\nBody\r\n' >"$server/mail/jo/Maildir/new/0001.test"
 chmod -R a+rwX "$server/mail"
 
 home="$work/home"
 mkdir -p "$home/Messages/Outbox"
-printf 'TITLE0,Secure\r\nSERVER0,127.0.0.1\r\nPOPPORT0,%s\r\nPOPSECURITY0,1\r\nUNAME0,jo\r\nPWD0,Pa55:w0rd\r\nREPLYADDRESS0,jo@example.org\r\nMAILTIMEOUT,10\r\nSMTP0,127.0.0.1\r\nSMTPPORT0,%s\r\nSMTPSECURITY0,1\r\nSMTPSTANDARD0,1\r\nSMTPAuth0,1\r\nSMTPUNAME0,jo\r\nSMTPPWD0,Pa55:w0rd\r\n' \
+printf 'TITLE0,Secure\r\nSERVER0,127.0.0.1\r\nPOPPORT0,%s\r\nPOPSECURITY0,1\r\nUNAME0,jo\r\nPWD0,Pa55.w0rd\r\nREPLYADDRESS0,jo@example.org\r\nMAILTIMEOUT,10\r\nSMTP0,127.0.0.1\r\nSMTPPORT0,%s\r\nSMTPSECURITY0,1\r\nSMTPSTANDARD0,1\r\nSMTPAuth0,1\r\nSMTPUNAME0,jo\r\nSMTPPWD0,Pa55.w0rd\r\n' \
   "$pop3s" "$smtps" >"$home/Vonel.ini"
 printf 'From: <jo@example.org>\r\nTo: <you@example.org>\r\nSubject: Out\r\n\r\n.dot line\r\n' >"$home/Messages/Outbox/00_outbound_0.eml"
 outputs="$work/outputs"
@@ -33,6 +33,10 @@ grep -q "Login:" "$server/dovecot.log" && fail "a login reached dovecot"
 "$vonel" --home "$home" --send </dev/null >"$outputs/send1.out" 2>"$outputs/send1.err" && fail "an untrusted send went through"
 [ -e "$work/smtp/auth-attempts" ] && fail "AUTH reached the untrusted server"
 
+set +e
+"$vonel" --home "$home" --trust-cert 0 imap </dev/null >/dev/null 2>&1
+[ $? -eq 2 ] || fail "--trust-cert 0 imap was taken"
+set -e
 # Anything but "y" trusts nothing.
 echo n | "$vonel" --home "$home" --trust-cert 0 pop >"$outputs/trust-n.out" 2>&1 && fail "trusted on n"
 grep -q "POPCERT0" "$home/Vonel.ini" && fail "POPCERT0 stored on n"
@@ -47,9 +51,9 @@ grep -q $'\tOver TLS$' "$outputs/scan2.out" || fail "scan rows: $(cat "$outputs/
 grep -q '^\.dot line' "$work/smtp/0000.eml" || fail "the dot line arrived as: $(cat "$work/smtp/0000.eml")"
 
 # The password, its base64 and its AUTH PLAIN form appear nowhere.
-plain_b64=$(printf 'Pa55:w0rd' | base64)
-auth_b64=$(printf '\0jo\0Pa55:w0rd' | base64)
-for form in 'Pa55:w0rd' "$plain_b64" "$auth_b64"; do
+plain_b64=$(printf 'Pa55.w0rd' | base64)
+auth_b64=$(printf '\0jo\0Pa55.w0rd' | base64)
+for form in 'Pa55.w0rd' "$plain_b64" "$auth_b64"; do
   grep -rlF -- "$form" "$outputs" && fail "the password ($form) is in an output"
   # The settings file keeps it scrambled once saved; everything else must not hold it at all.
   grep -rlF --exclude=Vonel.ini -- "$form" "$home" && fail "the password ($form) is in the home"
