@@ -15,10 +15,7 @@ Pop3Connection::Pop3Connection(AppContext& context, pop3::Pop3Listener& events, 
     gate_.onConnected();
   });
   QObject::connect(&socket_, &QSslSocket::encrypted, this, [this] { gate_.onEncrypted(); });
-  QObject::connect(&socket_, &QTcpSocket::readyRead, this, [this] {
-    const QByteArray bytes = socket_.readAll();
-    gate_.onData(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
-  });
+  QObject::connect(&socket_, &QTcpSocket::readyRead, this, &Pop3Connection::onReadyRead);
   // Handed on from the event loop, so that a handler that starts the next
   // session doesn't reconnect inside the socket's own signal; an error of a
   // connection that has been replaced meanwhile is dropped.
@@ -35,6 +32,23 @@ Pop3Connection::Pop3Connection(AppContext& context, pop3::Pop3Listener& events, 
       if (connection == connection_) session_.onSocketError(socketError, text);
     });
   });
+}
+
+// A TLS socket's flush also reads: a command written while a chunk is handled
+// may announce the next chunk from inside it. That one waits its turn, so the
+// session sees the bytes in their order.
+void Pop3Connection::onReadyRead() {
+  if (reading_) {
+    moreToRead_ = true;
+    return;
+  }
+  reading_ = true;
+  do {
+    moreToRead_ = false;
+    const QByteArray bytes = socket_.readAll();
+    if (!bytes.isEmpty()) gate_.onData(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+  } while (moreToRead_ || socket_.bytesAvailable() > 0);
+  reading_ = false;
 }
 
 void Pop3Connection::connect(const std::string& host, int port) {

@@ -31,12 +31,15 @@ class Pop3Connection final : public QObject, public protocol::Link, private pop3
   void setTimer(bool on) override;
 
  private:
+  void onReadyRead();
   void writeToServer(std::string_view bytes) override;
   void deliverToSession(std::string_view bytes) override;
   void startTls() override { channel_.startTls(); }
 
   AppContext& ctx_;
   quint64 connection_ = 0;  // counts connections, to tell a stale error from a fresh one
+  bool reading_ = false;     // a chunk is being handed to the session
+  bool moreToRead_ = false;  // and another arrived meanwhile
   QSslSocket socket_;
   QTimer timer_;
   SecureChannel channel_{socket_, MailService::Pop3};
