@@ -27,21 +27,23 @@ printf 'Subject: News for $FIRST\r\nDear $FIRST,\r\n\r\n%s\r\n' \
   "$(python3 -c 'print("Some ordinary text of a newsletter. " * 40)')" >"$work/template.txt"
 seconds() { python3 -c 'import time; print(f"{time.time():.6f}")'; }
 
-send() {  # NAME SETTINGS...
+account='REPLYADDRESS0,me@example.org\r\nSMTP0,127.0.0.1\r\nSMTPSTANDARD0,1\r\nSMTPPort0,%s\r\n'
+send() {  # NAME PORT [MORE SETTINGS]
   home="$work/home-$1"
   mkdir -p "$home"
-  printf '%s' "$2" >"$home/Vonel.ini"
+  # shellcheck disable=SC2059
+  printf "$account${3:-}" "$2" >"$home/Vonel.ini"
   "$vonel" --home "$home" --merge "$work/data.txt" "$work/template.txt" >/dev/null 2>&1
   start=$(seconds)
   "$vonel" --home "$home" --send >/dev/null 2>"$work/$1.err"
   end=$(seconds)
   arrived=$(find "$work/smtp-$1" -name '*.eml' | wc -l)
+  [ "$arrived" -gt 0 ] || { echo "nothing arrived:" >&2; head -5 "$work/$1.err" >&2; ls "$home/Messages/Outbox" | head -3 >&2; }
   python3 -c "import sys; n, t = int(sys.argv[1]), float(sys.argv[2]); print(f'{sys.argv[3]}: {n} messages in {t:.2f} s = {n / t:.0f} messages/s')" \
     "$arrived" "$(python3 -c "print($end - $start)")" "$1"
 }
-account='REPLYADDRESS0,me@example.org\r\nSMTP0,127.0.0.1\r\nSMTPSTANDARD0,1\r\n'
-plain=$(send plain "$(printf "${account}SMTPPort0,%s\r\n" "$plain_port")")
-secure=$(send secure "$(printf "${account}SMTPPort0,%s\r\nSMTPSECURITY0,2\r\nSMTPAuth0,1\r\nSMTPUNAME0,jo\r\nSMTPPWD0,secret\r\n" "$secure_port")")
+plain=$(send plain "$plain_port")
+secure=$(send secure "$secure_port" 'SMTPSECURITY0,2\r\nSMTPAuth0,1\r\nSMTPUNAME0,jo\r\nSMTPPWD0,secret\r\n')
 echo "$plain"
 echo "$secure"
 python3 -c "import sys, re; r = [float(re.search(r'= (\d+)', s).group(1)) for s in sys.argv[1:]]; print(f'STARTTLS rate / plain rate = {r[1] / r[0]:.2f}')" "$plain" "$secure"
