@@ -350,9 +350,9 @@ class SecureTransportTest : public QObject {
 
     QVERIFY(contains(wrong->events.failures, "5.7.8 Authentication credentials invalid"));
     // The 250-only dialogue stops at the server's 334.
-    const auto documented = upload(port, TransportSecurity::Tls, false, kPassword);
+    const auto twoFiftyOnly = upload(port, TransportSecurity::Tls, false, kPassword);
     // aiosmtpd's LOGIN prompt, "User Name" in base64, reported as the failure.
-    QVERIFY(contains(documented->events.failures, "VXNlciBOYW1lAA=="));
+    QVERIFY(contains(twoFiftyOnly->events.failures, "VXNlciBOYW1lAA=="));
     QVERIFY(!fs::exists(fs::path(folder.toStdString()) / "0000.eml"));
 
     const auto [selfPort, selfFolder] = startSmtp("smtps-self", "implicit", "self");
