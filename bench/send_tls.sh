@@ -1,16 +1,18 @@
 #!/usr/bin/env bash
 # Sends an outbox of N messages with `vonel --send` over one connection to
-# aiosmtpd on loopback, with the standard dialogue in plain text and after
-# STARTTLS with AUTH, and prints messages per second for both.
+# aiosmtpd on loopback: with the 250-only dialogue and the standard one in
+# plain text, and the standard one after STARTTLS with AUTH; prints messages
+# per second for each.
 # Usage: bench/send_tls.sh path/to/vonel [N]   (default: 1000)
 set -euo pipefail
 vonel=$(realpath "$1")
 rows=${2:-1000}
 source_dir=$(cd "$(dirname "$0")/.." && pwd)
 work=$(mktemp -d)
-trap 'for s in plain secure; do "$source_dir/tools/smtp-server.sh" stop "$work/smtp-$s" || true; done; rm -rf "$work"' EXIT
+trap 'for s in only250 plain secure; do "$source_dir/tools/smtp-server.sh" stop "$work/smtp-$s" || true; done; rm -rf "$work"' EXIT
 "$source_dir/tools/test-certificates.sh" "$work/certificates"
 export VONEL_EXTRA_CA="$work/certificates/ca.pem" QT_QPA_PLATFORM=offscreen
+only250_port=$("$source_dir/tools/smtp-server.sh" start "$work/smtp-only250")
 plain_port=$("$source_dir/tools/smtp-server.sh" start "$work/smtp-plain")
 secure_port=$(SMTP_TLS_MODE=starttls SMTP_TLS_CERT="$work/certificates/trusted.pem" \
   SMTP_TLS_KEY="$work/certificates/trusted.key" SMTP_AUTH_USER=jo SMTP_AUTH_PASSWORD=secret \
@@ -27,7 +29,7 @@ printf 'Subject: News for $FIRST\r\nDear $FIRST,\r\n\r\n%s\r\n' \
   "$(python3 -c 'print("Some ordinary text of a newsletter. " * 40)')" >"$work/template.txt"
 seconds() { python3 -c 'import time; print(f"{time.time():.6f}")'; }
 
-account='REPLYADDRESS0,me@example.org\r\nSMTP0,127.0.0.1\r\nSMTPSTANDARD0,1\r\nSMTPPort0,%s\r\n'
+account='REPLYADDRESS0,me@example.org\r\nSMTP0,127.0.0.1\r\nSMTPPort0,%s\r\n'
 send() {  # NAME PORT [MORE SETTINGS]
   home="$work/home-$1"
   mkdir -p "$home"
@@ -42,8 +44,10 @@ send() {  # NAME PORT [MORE SETTINGS]
   python3 -c "import sys; n, t = int(sys.argv[1]), float(sys.argv[2]); print(f'{sys.argv[3]}: {n} messages in {t:.2f} s = {n / t:.0f} messages/s')" \
     "$arrived" "$(python3 -c "print($end - $start)")" "$1"
 }
-plain=$(send plain "$plain_port")
-secure=$(send secure "$secure_port" 'SMTPSECURITY0,2\r\nSMTPAuth0,1\r\nSMTPUNAME0,jo\r\nSMTPPWD0,secret\r\n')
+only250=$(send only250 "$only250_port")
+plain=$(send plain "$plain_port" 'SMTPSTANDARD0,1\r\n')
+secure=$(send secure "$secure_port" 'SMTPSTANDARD0,1\r\nSMTPSECURITY0,2\r\nSMTPAuth0,1\r\nSMTPUNAME0,jo\r\nSMTPPWD0,secret\r\n')
+echo "$only250"
 echo "$plain"
 echo "$secure"
 python3 -c "import sys, re; r = [float(re.search(r'= (\d+)', s).group(1)) for s in sys.argv[1:]]; print(f'STARTTLS rate / plain rate = {r[1] / r[0]:.2f}')" "$plain" "$secure"

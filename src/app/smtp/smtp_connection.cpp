@@ -18,6 +18,8 @@ SmtpConnection::SmtpConnection(AppContext& context, QObject* parent)
   QObject::connect(&timer_, &QTimer::timeout, this,
                    [this] { standard_ ? standardSession_.onTimerTick() : session_.onTimerTick(); });
   QObject::connect(&socket_, &QTcpSocket::connected, this, [this] {
+    // Each command waits for its reply: none may sit out a delayed acknowledgement.
+    socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1);
     handshaking_ = channel_.security() == TransportSecurity::Tls;
     standard_ ? standardSession_.onSocketConnected() : session_.onSocketConnected();
   });
