@@ -34,8 +34,8 @@ Pop3Connection::Pop3Connection(AppContext& context, pop3::Pop3Listener& events, 
   });
 }
 
-// A TLS socket's flush also reads: a command written while a chunk is handled
-// may announce the next chunk from inside it. That one waits its turn, so the
+// Flushing a TLS socket also reads: a flush while a chunk is handled may
+// announce the next chunk from inside it. That one waits its turn, so the
 // session sees the bytes in their order.
 void Pop3Connection::onReadyRead() {
   if (reading_) {
@@ -67,8 +67,10 @@ void Pop3Connection::deliverToSession(std::string_view bytes) { session_.onData(
 
 void Pop3Connection::writeToServer(std::string_view bytes) {
   socket_.write(bytes.data(), static_cast<qint64>(bytes.size()));
-  // Every command waits for its reply: hand it to the system now rather than on the next turn of the loop.
-  socket_.flush();
+  // Every command waits for its reply: hand it to the system now rather than
+  // on the next turn of the loop. A TLS socket sends from the loop anyway,
+  // with whatever else was written in this turn, in fewer records.
+  if (!socket_.isEncrypted()) socket_.flush();
 }
 
 void Pop3Connection::close() {
