@@ -69,6 +69,8 @@ class Pop3Session {
   void onSocketError(protocol::SocketError error, std::string_view description);
 
   Pop3State state() const { return state_; }
+  // The account of the running session, or of the last one.
+  int account() const { return account_; }
 
  private:
   // Where the walk through the mailbox stands, and the reply being gathered.
