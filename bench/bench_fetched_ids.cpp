@@ -27,6 +27,7 @@ int main(int argc, char** argv) {
   fs::remove_all(folder);
   fs::create_directories(folder);
   const std::string message = std::string(5000, 'x') + "\r\n";
+  vonel::files::WriteBatch writes;  // closed: each id file waits for the disk, as a lone save does
   double recording = 0;
   double storing = 0;
   double lastRecording = 0;
@@ -36,7 +37,7 @@ int main(int argc, char** argv) {
     std::snprintf(id, sizeof id, "%08X%08X", i + 1, 1700000000);
     const fs::path file = folder / ("MESSAGE " + std::to_string(i) + ".EML");
     const auto start = Clock::now();
-    vonel::store::FetchedIds ids(folder, 0);
+    vonel::store::FetchedIds ids(folder, 0, writes);
     ids.beginStoring(id, file);
     const double noted = secondsSince(start);
     const auto written = Clock::now();

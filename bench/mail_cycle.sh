@@ -47,6 +47,7 @@ run() {  # label count, then the command
   start=$(date +%s.%N)
   /usr/bin/time -f "%M" -o "$work/rss" "$@" >"$work/out" </dev/null
   end=$(date +%s.%N)
+  python3 -c "import sys; print(float(sys.argv[2]) - float(sys.argv[1]))" "$start" "$end" >"$work/seconds"
   python3 -c "import sys; s=float(sys.argv[2])-float(sys.argv[1]); print(f'$label: {s:.2f} s, {int(sys.argv[3])/s:.0f} messages/s, peak memory {int(sys.argv[4])/1024:.1f} MB')" \
     "$start" "$end" "$n" "$(cat "$work/rss")"
 }
@@ -55,7 +56,30 @@ generate "$maildir/new" "$count" d
 chmod -R a+rwX "$maildir"
 bytes=$(du -sb "$maildir/new" | cut -f1)
 "$vonel" --home "$home" --scan >/dev/null </dev/null  # the server indexes its mailbox once
-run "download of $count messages ($((bytes / 1048576)) MB)" "$count" "$vonel" --home "$home" --download
+# The anchor: the same Dovecot serving every message, RETR after RETR over
+# one connection, to a client that keeps nothing (Python's poplib).
+serve() {
+  python3 - "$port" "$count" <<'PY'
+import poplib, sys, time
+port, count = int(sys.argv[1]), int(sys.argv[2])
+poplib._MAXLINE = 1 << 24  # the messages have long lines
+start = time.perf_counter()
+box = poplib.POP3("127.0.0.1", port)
+box.user("jo"); box.pass_("secret")
+for n in range(1, count + 1):
+    box.retr(n)
+box.quit()
+print(f"{time.perf_counter() - start:.6f}")
+PY
+}
+# Anchor and Vonel side by side, twice, as the machine is shared.
+for round in 1 2; do
+  served=$(serve)
+  rm -rf "$home/Messages/Inbox" "$home/Fetched0.txt"
+  run "download of $count messages ($((bytes / 1048576)) MB)" "$count" "$vonel" --home "$home" --download
+  python3 -c "import sys; s, v = float(sys.argv[1]), float(sys.argv[2]); print(f'  anchor, Dovecot serving them (poplib RETR): {s:.2f} s, {int(sys.argv[3]) / s:.0f} messages/s; Vonel takes {v / s:.2f}x')" \
+    "$served" "$(cat "$work/seconds")" "$count"
+done
 echo "  $(grep -c '^stored' "$work/out") stored, $(grep -c $'\tFAIL\t' "$work/out") left on the server by the rule"
 
 rm -rf "$home/Messages/Inbox"

@@ -7,7 +7,7 @@ packages=(
   qt6-base-dev qt6-base-dev-tools libgl-dev qt6-multimedia-dev
   libgtest-dev libgmock-dev libzip-dev
   clang libclang-rt-dev
-  dovecot-pop3d python3-aiosmtpd
+  dovecot-pop3d python3-aiosmtpd openssl
   xvfb xauth
   qt6-svg-dev libqt6svg6
   trayer desktop-file-utils xdg-utils appstream dbus-x11

@@ -3,6 +3,9 @@
 # with its whole configuration, state and mailbox in one folder.
 #   tools/pop3-server.sh start DIR USER PASSWORD   prints the port; the mailbox is DIR/mail/USER/Maildir
 #   tools/pop3-server.sh stop DIR                  stops the server by its own process id
+# With POP3_TLS_CERT and POP3_TLS_KEY (PEM files) set, the server also offers
+# STLS on that port and listens for TLS from the first byte on a second one,
+# written to DIR/pop3s-port.
 set -euo pipefail
 command=${1:?start or stop}
 dir=${2:?folder}
@@ -36,6 +39,22 @@ start)
   [ "$(id -u)" -ne 0 ] || chmod -R 777 "$dir/mail"
   echo "$user:{PLAIN}$password:$uid:$gid::$dir/mail/$user" >"$dir/passwd"
   port=$(free_port)
+  ssl=no
+  tls_listener=
+  rm -f "$dir/pop3s-port"
+  if [ -n "${POP3_TLS_CERT:-}" ]; then
+    ssl="yes
+ssl_cert = <$POP3_TLS_CERT
+ssl_key = <$POP3_TLS_KEY
+ssl_min_protocol = TLSv1.2"
+    tls_port=$(free_port)
+    tls_listener="inet_listener pop3s {
+    address = 127.0.0.1
+    port = $tls_port
+    ssl = yes
+  }"
+    echo "$tls_port" >"$dir/pop3s-port"
+  fi
   cat >"$dir/dovecot.conf" <<CONF
 base_dir = $dir/run
 state_dir = $dir/run
@@ -43,7 +62,7 @@ log_path = $dir/dovecot.log
 info_log_path = $dir/dovecot.log
 protocols = pop3
 listen = 127.0.0.1
-ssl = no
+ssl = $ssl
 disable_plaintext_auth = no
 auth_mechanisms = plain
 default_internal_user = $me
@@ -65,6 +84,7 @@ service pop3-login {
     address = 127.0.0.1
     port = $port
   }
+  $tls_listener
   chroot =
 }
 service anvil {

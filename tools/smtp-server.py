@@ -9,14 +9,21 @@ the number of connections so far in DIR/connections.
 Two kinds of recipient play faults: one whose address begins with "refused"
 is refused (550), and a message to one beginning with "dropped" has its
 connection closed after the data, without a reply.
+Secure transport and authentication come from the environment:
+SMTP_TLS_CERT and SMTP_TLS_KEY (PEM files) with SMTP_TLS_MODE "implicit"
+(TLS from the first byte) or "starttls" (STARTTLS required before mail);
+SMTP_AUTH_USER and SMTP_AUTH_PASSWORD make authentication required, over
+TLS only (require_starttls besides); SMTP_AUTH_EXCLUDE (say "PLAIN") leaves
+mechanisms out of the announcement. Every AUTH attempt is counted in DIR/auth-attempts.
 Stops on SIGTERM or SIGINT.
 """
 import asyncio
 import os
 import signal
+import ssl
 import sys
 
-from aiosmtpd.smtp import SMTP
+from aiosmtpd.smtp import SMTP, AuthResult, LoginPassword
 
 
 class StoreEachMessage:
@@ -55,6 +62,29 @@ class StoreEachMessage:
         return "250 OK"
 
 
+class OneUser:
+    def __init__(self, folder, user, password):
+        self.folder = folder
+        self.user = user.encode()
+        self.password = password.encode()
+        self.attempts = 0
+
+    def __call__(self, server, session, envelope, mechanism, auth_data):
+        self.attempts += 1
+        with open(os.path.join(self.folder, "auth-attempts"), "w") as out:
+            out.write("%d %s\n" % (self.attempts, mechanism))
+        ok = isinstance(auth_data, LoginPassword) and \
+            auth_data.login == self.user and auth_data.password == self.password
+        return AuthResult(success=ok, handled=False)
+
+
+def tls_context():
+    context = ssl.create_default_context(ssl.Purpose.CLIENT_AUTH)
+    context.minimum_version = ssl.TLSVersion.TLSv1_2
+    context.load_cert_chain(os.environ["SMTP_TLS_CERT"], os.environ["SMTP_TLS_KEY"])
+    return context
+
+
 class CountingSMTP(SMTP):
     def connection_made(self, transport):
         super().connection_made(transport)
@@ -64,9 +94,20 @@ class CountingSMTP(SMTP):
 async def serve(folder):
     loop = asyncio.get_running_loop()
     handler = StoreEachMessage(folder)
+    options = {}
+    mode = os.environ.get("SMTP_TLS_MODE", "")
+    context = tls_context() if mode else None
+    if mode == "starttls":
+        options.update(tls_context=context, require_starttls=True)
+    if os.environ.get("SMTP_AUTH_USER"):
+        options.update(authenticator=OneUser(folder, os.environ["SMTP_AUTH_USER"], os.environ["SMTP_AUTH_PASSWORD"]),
+                       auth_required=True,
+                       # Over TLS from the first byte the server can't tell, and everything is encrypted anyway.
+                       auth_require_tls=mode != "implicit",
+                       auth_exclude_mechanism=[m for m in os.environ.get("SMTP_AUTH_EXCLUDE", "").split(",") if m])
     server = await loop.create_server(
-        lambda: CountingSMTP(handler, hostname="vonel-test", data_size_limit=200 * 1024 * 1024),
-        host="127.0.0.1", port=0)
+        lambda: CountingSMTP(handler, hostname="vonel-test", data_size_limit=200 * 1024 * 1024, **options),
+        host="127.0.0.1", port=0, ssl=context if mode == "implicit" else None)
     port = server.sockets[0].getsockname()[1]
     with open(os.path.join(folder, "port.tmp"), "w") as out:
         out.write("%d\n" % port)

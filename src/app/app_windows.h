@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/untrusted_certificate.h"
 #include "core/message/mailto_link.h"
 #include "core/message/message.h"
 #include "core/store/received_mail.h"
@@ -89,6 +90,9 @@ class AppWindows {
   // The outbox has been sent, or had nothing to send.
   virtual void sendingFinished() {}
   virtual void dayChanged() {}
+  // A server's certificate was not trusted; a window may offer to trust it
+  // and run the account again.
+  virtual void certificateUntrusted(const UntrustedCertificate&) {}
 
   // Closes every other window, last opened first, naming each to `onClose`.
   virtual void closeOtherWindows(const std::function<void(const std::string&)>& onClose) = 0;

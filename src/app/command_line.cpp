@@ -45,6 +45,16 @@ CommandLine parseCommandLine(const QStringList& arguments) {
       line.headless = line.merge = true;
       line.mergeData = arguments[++i];
       line.mergeTemplate = arguments[++i];
+    } else if (argument == "--trust-cert") {
+      bool ok = false;
+      const int account = i + 1 < arguments.size() ? arguments[++i].toInt(&ok) : 0;
+      const QString service = i + 1 < arguments.size() ? arguments[++i] : QString();
+      if (!ok || account < 0 || account >= kAccountCount || (service != "pop" && service != "smtp")) {
+        line.error = "--trust-cert needs an account number from 0 to 19 and pop or smtp";
+        return line;
+      }
+      line.headless = true;
+      line.trustCertificate = std::pair(account, service == "pop" ? MailService::Pop3 : MailService::Smtp);
     } else if (argument == "--delete") {
       line.deleteOnServer = true;
     } else if (argument == "--lockstep") {
@@ -73,6 +83,7 @@ QString commandLineHelp() {
   return "usage: vonel [--home DIR] [--headless | --scan [--lockstep] | --download [--account N] [--delete]\n"
          "             | --daemon"
          " | --train | --score FILE...] [--merge DATAFILE TEMPLATE] [--send]\n"
+         "       vonel [--home DIR] --trust-cert N pop|smtp\n"
          "       vonel --help | --version\n"
          "Without a command Vonel opens its window.\n"
          "  --home DIR     keep settings, logs and mail in DIR\n"
@@ -88,6 +99,8 @@ QString commandLineHelp() {
          "  --score FILE   print the spam score, verdict and name of each message file\n"
          "  --merge DATAFILE TEMPLATE  save one outbox message per row of the data file\n"
          "  --send         send the outbox, one line per step; after --scan, beside the pass\n"
+         "  --trust-cert N pop|smtp  show the certificate of account N's server and\n"
+         "                 trust it for that account and host on \"y\"\n"
          "  -h, --help     print this and end\n"
          "  --version      print the version and end\n"
          "Each account or message that fails is a line on the error stream\n"

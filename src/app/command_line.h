@@ -3,6 +3,9 @@
 #include <QString>
 #include <QStringList>
 #include <optional>
+#include <utility>
+
+#include "core/settings/transport_security.h"
 
 namespace vonel {
 
@@ -23,6 +26,8 @@ struct CommandLine {
   bool merge = false;          // spool a mail merge of mergeData and mergeTemplate
   QString mergeData;
   QString mergeTemplate;
+  // --trust-cert N pop|smtp: show that server's certificate and trust it on "y".
+  std::optional<std::pair<int, MailService>> trustCertificate;
   QStringList passOn;  // the rest, for the command handler of a running copy
   QString error;       // set when the line can't be understood
 };

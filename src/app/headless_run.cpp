@@ -6,6 +6,8 @@
 #include <csignal>
 #include <cstdio>
 
+#include "app/certificate_probe.h"
+#include "app/certificate_trust.h"
 #include "app/console_prompt.h"
 #include "app/headless_windows.h"
 #include "app/mail_controller.h"
@@ -182,6 +184,33 @@ bool merge(MailController& controller, AppContext& context, const CommandLine& l
   return true;
 }
 
+// Shows the certificate of one server of the account and trusts it when the
+// answer on the input is "y". Nothing is trusted without that answer.
+bool askToTrust(AppContext& context, int account, MailService service) {
+  CertificateProbe probe(context, account, service);
+  const ProbeResult result = probe.run();
+  if (!result.shown) {
+    std::fprintf(stderr, "vonel: no certificate from the %s server of account %d: %s\n",
+                 std::string(serviceName(service)).c_str(), account, text::cp1252ToUtf8(result.error).c_str());
+    return false;
+  }
+  std::printf("%s\n", text::cp1252ToUtf8(result.certificate.details).c_str());
+  if (result.trusted) {
+    std::printf("The certificate of %s is trusted already.\n", result.certificate.host.c_str());
+    return true;
+  }
+  std::printf("Trust this certificate for account %d (%s)? [y/N] ", account, result.certificate.host.c_str());
+  std::fflush(stdout);
+  char answer[16] = {};
+  if (!std::fgets(answer, sizeof answer, stdin) || (answer[0] != 'y' && answer[0] != 'Y')) {
+    std::printf("Not trusted.\n");
+    return false;
+  }
+  trustCertificate(context, result.certificate);
+  std::printf("Trusted.\n");
+  return true;
+}
+
 }  // namespace
 
 int runHeadless(const CommandLine& line) {
@@ -201,6 +230,10 @@ int runHeadless(const CommandLine& line) {
   }
   // Only the daemon runs passes on the timer; every other command runs its own.
   if (!line.daemon) controller.autoScan().stop();
+  if (line.trustCertificate) {
+    const bool trusted = askToTrust(context, line.trustCertificate->first, line.trustCertificate->second);
+    return controller.exitProgram() && trusted ? 0 : 1;
+  }
   UploadWatch upload(*controller.outbox());
   const bool merged = !line.merge || merge(controller, context, line);
   const bool trained = !line.train || train(controller, context);

@@ -37,6 +37,8 @@ class HeadlessWindows : public AppWindows {
   void showMain() override { hidden = false; }
   void hideMain() override { hidden = true; }
   void closeOtherWindows(const std::function<void(const std::string&)>&) override {}
+  // Nobody to ask: the failure is reported, and --trust-cert trusts.
+  void certificateUntrusted(const UntrustedCertificate&) override {}
   void pumpEvents() override {}
   void messageStored(const message::Message& message, const std::filesystem::path& file) override {
     if (onMessageStored) onMessageStored(message, file);

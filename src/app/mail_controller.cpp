@@ -96,6 +96,8 @@ StartupResult MailController::startup() {
     logAction("Loading getmail");
     pop3::Pop3Listener& events = *this;
     pop3_ = std::make_unique<Pop3Connection>(ctx_, events, serverFilters_, localFilters_, passwords_);
+    QObject::connect(&pop3_->channel(), &SecureChannel::certificateUntrusted, this,
+                     [this](const UntrustedCertificate& certificate) { windows_.certificateUntrusted(certificate); });
     logAction("Loading mailer");
     showStage("Loading Filters");
     logAction("Loading Sendmail");

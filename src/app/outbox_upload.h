@@ -37,6 +37,9 @@ class OutboxUpload final : public QObject, private OutboxListener {
   void onSendFailed(const std::string& text) override;
   void onNoMailToSend() override;
   void onSendingFinished() override;
+  void onCertificateUntrusted(const UntrustedCertificate& certificate) override {
+    windows_.certificateUntrusted(certificate);
+  }
   void ended(const std::string& text);
 
   AppWindows& windows_;

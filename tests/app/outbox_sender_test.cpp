@@ -7,6 +7,7 @@
 #include "app/smtp/outbox_sender.h"
 #include "core/files/atomic_file.h"
 #include "core/files/file_text.h"
+#include "core/log/app_error.h"
 #include "core/send/outbox.h"
 #include "support/scripted_peer.h"
 
@@ -129,6 +130,34 @@ class OutboxSenderTest : public QObject {
       const auto sentWith = [&](const std::string& block) { return block.find(idLine + "\r\n") != std::string::npos; };
       QCOMPARE(std::count_if(home.peer.dataBlocks.begin(), home.peer.dataBlocks.end(), sentWith), 1);
     }
+  }
+
+  // The Sent Items copies and outbox deletions of a connection wait for one
+  // barrier before its QUIT; one that fails stops the upload and says why.
+  void theFilingOfAConnectionSharesOneBarrierBeforeItsQuit() {
+    SendHome home;
+    home.spool(0, "ann@x.org");
+    home.spool(0, "bob@x.org");
+    home.acceptTheRest();
+    int barriers = 0;
+    bool quitBefore = true;
+    std::size_t filesSynced = 0;
+    home.context.writes = files::WriteBatch([&](const std::vector<fs::path>& written, const std::vector<fs::path>& folders) {
+      ++barriers;
+      quitBefore = std::find(home.peer.commands.begin(), home.peer.commands.end(), "QUIT") != home.peer.commands.end();
+      filesSynced = written.size();
+      QVERIFY(std::find(folders.begin(), folders.end(), home.outbox) != folders.end());
+      throw AppError(error_number::kDiskFull, "Disk full: Sent Items");
+    });
+    home.sender.sendOutbox();
+    QTRY_VERIFY_WITH_TIMEOUT(!home.events.failures.empty(), kWaitMs);
+    QCOMPARE(barriers, 1);
+    QVERIFY(!quitBefore);
+    QCOMPARE(filesSynced, std::size_t{2});  // both Sent Items copies
+    QCOMPARE(home.events.failures.front(), std::string("Disk full: Sent Items"));
+    QCOMPARE(home.count(home.sent), std::size_t{2});
+    QCOMPARE(home.count(home.outbox), std::size_t{0});
+    QVERIFY(!home.sender.sending());
   }
 
   void aRefusedMessageStaysWithItsReplyAndTheOthersGo() {

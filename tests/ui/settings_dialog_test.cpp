@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QListWidget>
@@ -261,6 +262,68 @@ class SettingsDialogTest : public QObject {
     QVERIFY(home.settingsFile().find("\r\nPOPPIPELINING0,") != std::string::npos);
     QVERIFY(home.settingsFile().find("\r\nPOPPIPELINING1,") == std::string::npos);
     QVERIFY(!readAccount(home.context->settings, 0, AccountReader::Session).pipelining);
+  }
+
+  // Choosing a security fills a port nobody typed, warns while a password
+  // would go in plain text, and writes only the keys that left their defaults.
+  void securityControlsFillPortsWarnAndWriteTheirKeys() {
+    Home home(kSettings + "SMTPCERT0,smtp.example.org AB:CD\r\n");
+    SettingsDialog dialog(*home.context);
+    dialog.show();
+    auto* popSecurity = box<QComboBox>(dialog, "cmbPOPSecurity");
+    auto* smtpSecurity = box<QComboBox>(dialog, "cmbSMTPSecurity");
+    auto* warning = box<QLabel>(dialog, "lblPlainWarning");
+    auto* forget = box<QPushButton>(dialog, "cmdForgetCertificate");
+    QCOMPARE(popSecurity->itemText(2), QString("STLS"));
+    QCOMPARE(smtpSecurity->itemText(2), QString("STARTTLS"));
+    QVERIFY(warning->isVisible());  // the POP3 password goes in plain text
+    QVERIFY(forget->isEnabled());
+
+    // Picked from the keyboard as a user picks it.
+    popSecurity->setFocus();
+    QTest::keyClick(popSecurity, Qt::Key_Down);
+    QCOMPARE(popSecurity->currentText(), QString("TLS"));
+    QCOMPARE(edit(dialog, "txtPOPPort")->text(), QString("995"));
+    QVERIFY(!warning->isVisible());
+    smtpSecurity->setFocus();
+    QTest::keyClick(smtpSecurity, Qt::Key_Down);
+    QTest::keyClick(smtpSecurity, Qt::Key_Down);
+    QCOMPARE(edit(dialog, "txtSMTPPort")->text(), QString("587"));
+    QVERIFY(box<QCheckBox>(dialog, "chkSMTPStandard")->isChecked());
+    // A port the user typed stays.
+    edit(dialog, "txtSMTPPort")->setText("2525");
+    QTest::keyClick(smtpSecurity, Qt::Key_Up);
+    QCOMPARE(edit(dialog, "txtSMTPPort")->text(), QString("2525"));
+    QTest::keyClick(smtpSecurity, Qt::Key_Down);
+    box<QCheckBox>(dialog, "chkSMTPAuth")->setChecked(true);
+    QVERIFY(!warning->isVisible());
+    forget->click();
+    QVERIFY(!forget->isEnabled());
+    QVERIFY(pressOk(dialog));
+
+    const Account a = readAccount(home.context->settings, 0, AccountReader::Session);
+    QCOMPARE(a.popSecurity, TransportSecurity::Tls);
+    QCOMPARE(a.popPort, 995);
+    QCOMPARE(a.smtpSecurity, TransportSecurity::Upgrade);
+    QVERIFY(a.smtpStandard);
+    const std::string file = home.settingsFile();
+    QVERIFY(file.find("SMTPCERT0") == std::string::npos);
+    QVERIFY(file.find("POPSECURITY1") == std::string::npos);
+    QVERIFY(file.find("SMTPSTANDARD1") == std::string::npos);
+  }
+
+  void screenshotOfTheAccountTab() {
+    const QString shots = qEnvironmentVariable("VONEL_SCREENSHOT_DIR");
+    if (shots.isEmpty()) QSKIP("VONEL_SCREENSHOT_DIR is not set");
+    Home home(kSettings + "SMTP0,smtp.example.org\r\nSMTPAuth0,1\r\nSMTPSECURITY0,2\r\nSMTPSTANDARD0,1\r\n"
+                          "POPCERT0,pop.example.org AB:CD\r\n");
+    SettingsDialog dialog(*home.context);
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    dialog.grab().save(shots + "/tls-account-tab.png");
+    box<QComboBox>(dialog, "cmbSMTPSecurity")->setCurrentIndex(0);
+    box<QComboBox>(dialog, "cmbSMTPSecurity")->activated(0);
+    dialog.grab().save(shots + "/tls-account-tab-plain-warning.png");
   }
 
   void startMinimisedIsTheOneBoxKeptAsText() {

@@ -2,6 +2,8 @@
 // What an OutboxSender reports; the controller receives it under these names.
 #include <string>
 
+#include "app/untrusted_certificate.h"
+
 namespace vonel {
 
 class OutboxListener {
@@ -17,6 +19,8 @@ class OutboxListener {
   virtual void onNoMailToSend() = 0;
   // No account is left to serve.
   virtual void onSendingFinished() = 0;
+  // The server's certificate was not trusted; the upload fails as well.
+  virtual void onCertificateUntrusted(const UntrustedCertificate&) {}
 };
 
 }  // namespace vonel

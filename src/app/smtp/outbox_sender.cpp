@@ -43,6 +43,8 @@ OutboxSender::OutboxSender(AppContext& context, OutboxListener& events)
                    [this](const QString& text) { onSmtpStatus(fromQString(text)); });
   QObject::connect(&connection_, &SmtpConnection::progress, &connection_,
                    [this](int percentage) { onSmtpProgress(percentage); });
+  QObject::connect(&connection_.channel(), &SecureChannel::certificateUntrusted, &connection_,
+                   [this](const UntrustedCertificate& certificate) { events_.onCertificateUntrusted(certificate); });
 }
 
 void OutboxSender::spoolMessage(message::Message& message, const std::string& fromOverride,
@@ -82,13 +84,17 @@ void OutboxSender::spoolOrSend(message::Message& message, bool spoolOnly, const 
       // A note left by a deleted message of the same name isn't this one's.
       send::clearRefusalNote(ctx_.folders.outboxFolderPath, file.filename().string());
     }
-    if (!spoolOnly) mail.send();
+    if (!spoolOnly) {
+      connection_.useAccount(message.fromAccount);
+      connection_.sendMessage();
+    }
   });
 }
 
 void OutboxSender::configureSession(int account) {
   smtp::SmtpSession& mail = session();
   mail.initialise(static_cast<std::int16_t>(account));
+  connection_.useAccount(account);
   const Account settings = readAccount(ctx_.settings, account, AccountReader::Session);
   server_ = settings.smtp;
   ctx_.log.addAction("Using server: " + server_, log_places::kSetupAccount, kModule);
@@ -123,19 +129,34 @@ void OutboxSender::connectAccount(int account) {
     events_.onSendProgress("Connecting to SMTP server '" + server_ + "'");
     ctx_.log.addAction("Connecting to " + server_, log_places::kConnect, kModule);
     configureSession(account);
-    session().connect();
+    ctx_.writes.open();
+    connection_.openSession();
   });
 }
 
 void OutboxSender::disconnect() {
-  guardedStep(ctx_.log, log_places::kDisconnect, kModule, [&] { session().disconnect(); });
+  commitFiledMessages();
+  guardedStep(ctx_.log, log_places::kDisconnect, kModule, [&] { connection_.closeSession(); });
+}
+
+// The Sent Items copies and outbox deletions of the connection reach the disk
+// together before its QUIT; when they can't, the upload stops there.
+void OutboxSender::commitFiledMessages() {
+  try {
+    ctx_.writes.commit();
+  } catch (const AppError& error) {
+    logFailure(ctx_.log, error, log_places::kDisconnect, kModule);
+    sending_ = false;
+    events_.onSendFailed(error.description());
+  }
 }
 
 void OutboxSender::cancelSend() {
   guardedStep(ctx_.log, log_places::kCancelSend, kModule, [&] {
     sending_ = false;
     sendingOneMessage_ = false;
-    session().disconnect();
+    commitFiledMessages();
+    connection_.closeSession();
   });
 }
 
@@ -220,7 +241,7 @@ void OutboxSender::sendOutboxMessage(const send::OutboxMessage& spooled) {
     mail.setBccRecipient(send::addressesOf(message.bcc));
     if (!message.bcc.empty()) text = send::cutBccHeader(text);
     mail.setMessage(send::wireText(std::move(text)));
-    mail.send();
+    connection_.sendMessage();
   });
 }
 
@@ -255,7 +276,7 @@ void OutboxSender::onSmtpSendSuccessful() {
     if (!sendingOneMessage_ || currentFile_ >= outboxFiles_.size()) return;
     const std::string name = outboxFiles_[currentFile_];
     const send::SentMessage sent = send::moveToSentItems(ctx_.folders.outboxFolderPath, ctx_.folders.sentFolderPath,
-                                                         name, ctx_.log, ctx_.clock);
+                                                         name, ctx_.log, ctx_.clock, ctx_.writes);
     sendingOneMessage_ = false;
     if (!sent.filed) {
       // Sent but not filed: stop, so that a full disk doesn't turn every

@@ -42,6 +42,7 @@ class OutboxSender final : public send::MessageSpooler {
   void configureSession(int account);
   void connectAccount(int account);
   void disconnect();
+  void commitFiledMessages();
   void connectNextAccount(int previousAccount);
   std::optional<int> nextAccountWithMail(int previousAccount) const;
   void finishSending();

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "core/files/write_batch.h"
 #include "core/log/log.h"
 #include "core/time/clock.h"
 #include "core/locale/locale_dates.h"
@@ -25,6 +26,9 @@ class AppContext {
   SettingsStore settings;
   SettingsStore pathSettings;
   DataFolders folders;
+  // The files a download, an upload or a command has written and not yet
+  // brought to the disk: one barrier for all before the step that commits them.
+  files::WriteBatch writes;
 
   const std::filesystem::path& installFolder() const { return log.info().installFolder; }
   std::filesystem::path settingsFile() const;

@@ -51,6 +51,17 @@ void writeTextFile(const fs::path& file, std::string_view bytes, Durability dura
   writer.commit();
 }
 
+void writeTextFile(const fs::path& file, std::string_view bytes, WriteBatch& batch) {
+  AtomicFileWriter writer(file, batch);
+  writer.write(bytes);
+  writer.commit();
+}
+
+AtomicFileWriter::AtomicFileWriter(fs::path file, WriteBatch& batch)
+    : AtomicFileWriter(std::move(file), Durability::Synced) {
+  batch_ = &batch;
+}
+
 AtomicFileWriter::AtomicFileWriter(fs::path file, Durability durability)
     : file_(std::move(file)), temporary_(temporarySibling(file_)), durability_(durability) {
 #ifdef _WIN32
@@ -86,12 +97,16 @@ void AtomicFileWriter::write(std::string_view bytes) {
 }
 
 void AtomicFileWriter::commit() {
+  // Looked at now: the batch may have been committed since the writer began.
+  const bool deferred = batch_ != nullptr && batch_->isOpen();
 #ifdef _WIN32
   out_.flush();
   if (!out_) throw AppError(error_number::kDiskFull, "Disk full: " + file_.string());
   out_.close();
 #else
-  if (durability_ == Durability::Synced && ::fsync(fd_) != 0) throw AppError::fromErrno(errno, file_.string());
+  if (durability_ == Durability::Synced && !deferred && ::fsync(fd_) != 0) {
+    throw AppError::fromErrno(errno, file_.string());
+  }
   const int closed = ::close(fd_);
   fd_ = -1;
   if (closed != 0) {
@@ -110,6 +125,7 @@ void AtomicFileWriter::commit() {
     fs::remove(temporary_, ignored);
     throw AppError::fromErrno(ec.value(), file_.string());
   }
+  if (deferred) batch_->addFile(file_);
 }
 
 }  // namespace vonel::files

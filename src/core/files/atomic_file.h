@@ -7,6 +7,8 @@
 #include <fstream>
 #include <string_view>
 
+#include "core/files/write_batch.h"
+
 namespace vonel::files {
 
 namespace fs = std::filesystem;
@@ -22,6 +24,9 @@ enum class Durability { Synced, Unsynced };
 class AtomicFileWriter {
  public:
   explicit AtomicFileWriter(fs::path file, Durability durability = Durability::Synced);
+  // Waits for the disk at commit() only when the batch is closed; an open
+  // batch takes the file for its barrier.
+  AtomicFileWriter(fs::path file, WriteBatch& batch);
   ~AtomicFileWriter();
   AtomicFileWriter(const AtomicFileWriter&) = delete;
   AtomicFileWriter& operator=(const AtomicFileWriter&) = delete;
@@ -39,9 +44,11 @@ class AtomicFileWriter {
 #endif
   bool committed_ = false;
   Durability durability_;
+  WriteBatch* batch_ = nullptr;
 };
 
 // Replaces the file with the bytes, through a temporary file and a rename.
 void writeTextFile(const fs::path& file, std::string_view bytes, Durability durability = Durability::Synced);
+void writeTextFile(const fs::path& file, std::string_view bytes, WriteBatch& batch);
 
 }  // namespace vonel::files

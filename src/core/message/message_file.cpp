@@ -61,10 +61,15 @@ Message readMessageHeader(const fs::path& path, Log& log) { return readMessage(p
 Message readMessageFull(const fs::path& path, Log& log) { return readMessage(path, false, log); }
 
 void saveMessage(const Message& message, Log& log) {
+  files::WriteBatch lone;
+  saveMessage(message, log, lone);
+}
+
+void saveMessage(const Message& message, Log& log, files::WriteBatch& writes) {
   guardedStep(log, log_places::kSaveMessage, kModule, [&] {
     const fs::path target(message.filename());
     const fs::path otherCase(pathInReadCase(target.string(), !message.read));
-    files::writeTextFile(target, message.rawMessage());
+    files::writeTextFile(target, message.rawMessage(), writes);
     // The file under the old case goes only once the new one is whole.
     if (otherCase != target) files::eraseFile(otherCase);
     if (files::fileSize(target).value_or(0) == 0) {

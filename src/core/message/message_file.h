@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string_view>
 
+#include "core/files/write_batch.h"
 #include "core/log/log.h"
 #include "core/message/message.h"
 #include "core/time/clock.h"
@@ -19,8 +20,9 @@ Message readMessageFull(const std::filesystem::path& path, Log& log);
 
 // Writes the message under its path in the case of its read state, replacing
 // the file of either case, through a temporary file: a failure leaves the old
-// file as it was.
+// file as it was. The file waits for the disk as `writes` decides.
 void saveMessage(const Message& message, Log& log);
+void saveMessage(const Message& message, Log& log, files::WriteBatch& writes);
 
 // A free path in the folder: the base's letters, digits and blanks, a time
 // stamp " (HHMMSS-YYMMDD)", a counter when the name is taken, the extension;

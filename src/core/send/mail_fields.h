@@ -47,4 +47,14 @@ inline constexpr const char* kNoRecipient = "No Recipient E-mail Address Specifi
 inline constexpr const char* kTooManyRecipients = "Too many recipients";
 inline constexpr std::size_t kMaxRecipients = 100;
 
+// The texts of the recipient checks the message fails, in their order.
+inline std::vector<const char*> recipientProblems(const MailFields& mail) {
+  std::vector<const char*> problems;
+  if (mail.recipient.empty()) problems.push_back(kNoRecipient);
+  if (mail.recipient.size() + mail.ccRecipient.size() + mail.bccRecipient.size() > kMaxRecipients) {
+    problems.push_back(kTooManyRecipients);
+  }
+  return problems;
+}
+
 }  // namespace vonel::send

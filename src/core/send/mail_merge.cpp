@@ -160,12 +160,21 @@ MergeCounts mergeIntoOutbox(AppContext& context, MessageSpooler& spooler, Progre
       return;
     }
     const MergeSender sender = firstAccountSender(context.settings);
+    // The merge's outbox files reach the disk together, at its end.
+    context.writes.open();
     try {
       counts = mergeTexts(data, templateText, sender,
                           [&](message::Message& message) { spooler.spoolMessage(message, "", ""); }, progress);
     } catch (const NoEmailField& error) {
+      context.writes.commit();
       tell(context, error.description());
       return;
+    }
+    try {
+      context.writes.commit();
+    } catch (const AppError& error) {
+      tell(context, "Error: " + error.description());
+      throw;
     }
     // One change of the outbox's count for the whole merge rather than one a message.
     if (counts.saved > 0) {

@@ -127,7 +127,7 @@ std::string withSentDate(const std::string& raw, const text::DateTime& now) {
 }
 
 SentMessage moveToSentItems(const fs::path& outbox, const fs::path& sentItems, const std::string& name,
-                            Log& log, const Clock& clock) {
+                            Log& log, const Clock& clock, files::WriteBatch& writes) {
   const fs::path spooled = outbox / name;
   message::Message message = message::readMessageFull(spooled, log);
   SentMessage sent{false, message.subject, message.toEmail()};
@@ -136,7 +136,7 @@ SentMessage moveToSentItems(const fs::path& outbox, const fs::path& sentItems, c
   message.replaceRawMessage(withSentDate(message.rawMessage(), now));
   message.setFilename(message::getUnusedFilename(true, sentItems, fileRoot(name), ".eml", clock).string());
   message.read = true;
-  message::saveMessage(message, log);
+  message::saveMessage(message, log, writes);
   // saveMessage logs its own failure; the copy is checked before the original goes.
   if (!files::fileExists(message.filename())) {
     log.addAction("Unable to file " + name + " in Sent Items; it stays in the outbox", log_places::kMoveToSentItems, kModule);
@@ -147,6 +147,7 @@ SentMessage moveToSentItems(const fs::path& outbox, const fs::path& sentItems, c
   } else if (!clearRefusalNote(outbox, name)) {
     log.addAction("Unable to delete " + refusalNoteName(name) + " from the outbox", log_places::kMoveToSentItems, kModule);
   }
+  writes.addFolder(outbox);
   store::removeFromUnreadTag(log, outbox);
   sent.filed = true;
   return sent;

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/files/write_batch.h"
 #include "core/log/log.h"
 #include "core/message/message.h"
 #include "core/time/clock.h"
@@ -65,8 +66,9 @@ struct SentMessage {
 };
 
 // Files a sent outbox message into Sent Items, read and dated, and only then
-// deletes it, and any refusal note beside it, from the outbox.
+// deletes it, and any refusal note beside it, from the outbox; both changes
+// join `writes`.
 SentMessage moveToSentItems(const std::filesystem::path& outbox, const std::filesystem::path& sentItems,
-                     const std::string& name, Log& log, const Clock& clock);
+                            const std::string& name, Log& log, const Clock& clock, files::WriteBatch& writes);
 
 }  // namespace vonel::send

@@ -116,8 +116,8 @@ std::string senderText(const MailFields& mail) {
 }
 
 void writeSpoolFile(const std::filesystem::path& file, const MailFields& mail, const text::DateTime& now,
-                    const std::string& version) {
-  files::AtomicFileWriter writer(file);
+                    const std::string& version, files::WriteBatch& writes) {
+  files::AtomicFileWriter writer(file, writes);
   SpoolLineWriter out(writer);
   const std::string boundary = spoolBoundary(now);
   writeHeaders(out, mail, boundary, version);

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 
+#include "core/files/write_batch.h"
 #include "core/send/attachment_failed.h"
 #include "core/send/mail_fields.h"
 #include "core/text/dates.h"
@@ -21,8 +22,9 @@ std::string spoolBoundary(const text::DateTime& now);
 std::string senderText(const MailFields& mail);
 
 // Writes the spool file; throws AttachmentFailed, or AppError when the file can't be written.
-// `version` is the program's version for the X-Mailer line.
+// `version` is the program's version for the X-Mailer line. The file waits
+// for the disk as `writes` decides.
 void writeSpoolFile(const std::filesystem::path& file, const MailFields& mail, const text::DateTime& now,
-                    const std::string& version);
+                    const std::string& version, files::WriteBatch& writes);
 
 }  // namespace vonel::send

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "core/settings/settings_store.h"
+#include "core/settings/transport_security.h"
 
 namespace vonel {
 
@@ -27,11 +28,18 @@ struct Account {
   std::string password;  // plain in memory, scrambled in the file
   bool check = true;
   bool stopAtLast = true;
-  int popPort = 110;
+  int popPort = 110;  // without POPPORT<n>: 995 with TLS, else 110
+  TransportSecurity popSecurity = TransportSecurity::Plain;
+  CertificatePin popCertificate;
   // Header scans send their commands ahead when the server allows it.
   bool pipelining = true;
   std::string smtp;
-  int smtpPort = 25;
+  int smtpPort = 25;  // without SMTPPORT<n>: 465 with TLS, 587 with STARTTLS, else 25
+  TransportSecurity smtpSecurity = TransportSecurity::Plain;
+  // The standard SMTP dialogue (multi-line replies, STARTTLS, AUTH PLAIN or
+  // LOGIN) instead of the one that takes 250 throughout.
+  bool smtpStandard = false;
+  CertificatePin smtpCertificate;
   bool smtpAuth = false;
   std::string smtpUserName;
   std::string smtpPassword;
@@ -40,12 +48,18 @@ struct Account {
   std::string exclusive0;
   std::string exclusive1;
 
+  TransportSecurity security(MailService service) const;
+  const CertificatePin& certificate(MailService service) const;
   bool inUse() const { return !replyAddress.empty(); }
   bool polled() const;
 };
 
 Account readAccount(const SettingsStore& settings, int account, AccountReader reader);
 void writeAccount(SettingsStore& settings, const Account& account);
+
+// Stores the certificate trusted for one server of the account, or forgets
+// it when the pin is empty.
+void storeCertificatePin(SettingsStore& settings, int account, MailService service, const CertificatePin& pin);
 
 // The name shown for an account: TITLE<n>, or "Account " + (n+1).
 std::string accountTitle(const SettingsStore& settings, int account);

@@ -33,8 +33,9 @@ std::vector<std::string> fileLines(const fs::path& file) {
 
 }  // namespace
 
-FetchedIds::FetchedIds(const fs::path& dataFolder, int account)
-    : file_(dataFolder / ("Fetched" + std::to_string(account) + ".txt")),
+FetchedIds::FetchedIds(const fs::path& dataFolder, int account, files::WriteBatch& writes)
+    : writes_(writes),
+      file_(dataFolder / ("Fetched" + std::to_string(account) + ".txt")),
       pendingFile_(dataFolder / ("Fetching" + std::to_string(account) + ".txt")) {
   for (std::string& id : fileLines(file_)) {
     if (set_.insert(id).second) ids_.push_back(std::move(id));
@@ -86,7 +87,7 @@ void FetchedIds::add(const std::string& id) {
 void FetchedIds::save() const {
   std::string text;
   for (const std::string& id : ids_) text.append(id).append(kLineEnd);
-  files::writeTextFile(file_, text);
+  files::writeTextFile(file_, text, writes_);
 }
 
 }  // namespace vonel::store

@@ -12,13 +12,16 @@
 #include <unordered_set>
 #include <vector>
 
+#include "core/files/write_batch.h"
+
 namespace vonel::store {
 
 class FetchedIds {
  public:
   // Loads the account's ids; a file that is missing or can't be read holds
   // none. Throws AppError only when putting a cut-off run right can't be written.
-  FetchedIds(const std::filesystem::path& dataFolder, int account);
+  // The file of ids is written through `writes`.
+  FetchedIds(const std::filesystem::path& dataFolder, int account, files::WriteBatch& writes);
 
   bool contains(std::string_view id) const { return set_.contains(std::string(id)); }
   std::size_t size() const { return ids_.size(); }
@@ -35,6 +38,7 @@ class FetchedIds {
   void save() const;
   void recoverCutOffStore();
 
+  files::WriteBatch& writes_;
   std::filesystem::path file_;
   std::filesystem::path pendingFile_;
   std::string pendingId_;

@@ -71,10 +71,10 @@ StoredMessage saveReceivedMessage(AppContext& context, message::Message& message
   message.setFilename(stored.file.string());
   std::optional<FetchedIds> fetched;
   if (!message.serverUniqueId.empty()) {
-    fetched.emplace(context.folders.dataFolderPath, message.fromAccount);
+    fetched.emplace(context.folders.dataFolderPath, message.fromAccount, context.writes);
     fetched->beginStoring(message.serverUniqueId, stored.file);
   }
-  files::writeTextFile(stored.file, message.arrivedMessage());
+  files::writeTextFile(stored.file, message.arrivedMessage(), context.writes);
   context.log.addAction(files::textFromPath(stored.file) + " saved", log_places::kFGetMailMessageReceived, kModule);
   // The message is kept even when its id can't be: at worst it comes again.
   if (fetched) {

@@ -57,7 +57,7 @@ fs::path keepScreenedHeader(AppContext& context, const message::Message& message
   const fs::path file =
       message::getUnusedFilename(entry.read, folder, fileBaseName(message.subject), ".eml", context.clock);
   entry.setFilename(file.string());
-  files::writeTextFile(file, entry.rawMessage());
+  files::writeTextFile(file, entry.rawMessage(), context.writes);
   return file;
 }
 

@@ -1,6 +1,7 @@
 #include "core/text/numbers.h"
 
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -14,9 +15,12 @@ namespace {
 // the files': mantissa without trailing zeros, two-digit exponent at least.
 std::string formatSignificant(double value, int digits, bool leadingBlank) {
   if (value == 0) return leadingBlank ? " 0" : "0";
+  // to_chars prints as %.*g does, at a fraction of printf's cost: scores and
+  // logs format numbers by the thousand. Only the letters differ from %G.
   char buffer[64];
-  std::snprintf(buffer, sizeof buffer, "%.*G", digits, value);
-  std::string s = buffer;
+  const auto printed = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, digits);
+  std::string s(buffer, printed.ptr);
+  for (char& c : s) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   const bool negative = s.front() == '-';
   if (negative) s.erase(0, 1);
   if (s.rfind("0.", 0) == 0) s.erase(0, 1);  // "0.5" is written ".5"

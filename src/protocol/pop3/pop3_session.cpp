@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/log/app_error.h"
 #include "core/settings/scramble.h"
 #include "core/text/numbers.h"
 
@@ -31,7 +32,27 @@ void Pop3Session::sendCommand(Pop3State awaited, const std::string& command) {
   send(command);
 }
 
-void Pop3Session::sendQuit() { sendCommand(Pop3State::AwaitQuitReply, "QUIT"); }
+void Pop3Session::sendQuit() {
+  if (!quitAfterBarrier()) endSession();
+}
+
+// QUIT carries out the DELEs sent, so every file the session stored reaches
+// the disk first. A barrier that fails hangs up instead: the server keeps
+// every message, and the failure is shown like any other.
+bool Pop3Session::quitAfterBarrier() {
+  try {
+    ctx_.writes.commit();
+  } catch (const AppError& error) {
+    aheadBatch_.clear();
+    state_ = Pop3State::AwaitQuitReply;
+    logAction("POP Error: " + error.description());
+    events_.onPopError(title(), error.description());
+    reportFailure(Pop3Failure(storeFailure(error.number()), error.description()));
+    return false;
+  }
+  sendCommand(Pop3State::AwaitQuitReply, "QUIT");
+  return true;
+}
 
 std::string Pop3Session::ofTotal(long n) const {
   return std::to_string(n) + " of " + std::to_string(reply_.messageCount);
@@ -135,10 +156,17 @@ void Pop3Session::startTransfer(int account, bool deleteSpam, bool force) {
   link_.close();
   timeout_ = text::toWhole<int>(ctx_.settings.getOrDefault("MailTimeout", Value(30)).numberOr(30));
   link_.setTimer(true);
+  ctx_.writes.open();
   link_.connect(a.server, a.popPort);
 }
 
 void Pop3Session::endSession() {
+  // A session that hung up before its QUIT still leaves what it stored on the disk.
+  try {
+    ctx_.writes.commit();
+  } catch (const AppError& error) {
+    logAction("POP Error: " + error.description());
+  }
   ++sessionNumber_;
   pending_.clear();
   scanned_ = 0;
@@ -156,7 +184,7 @@ void Pop3Session::endWithError(FailureKind kind, const std::string& text, Partin
   closeTempFile(true);
   logAction("POP Error: " + text);
   if (parting == Parting::Quit) {
-    sendQuit();
+    quitAfterBarrier();
   } else {
     aheadBatch_.clear();
     state_ = Pop3State::AwaitQuitReply;

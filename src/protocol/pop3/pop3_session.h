@@ -69,6 +69,8 @@ class Pop3Session {
   void onSocketError(protocol::SocketError error, std::string_view description);
 
   Pop3State state() const { return state_; }
+  // The account of the running session, or of the last one.
+  int account() const { return account_; }
 
  private:
   // Where the walk through the mailbox stands, and the reply being gathered.
@@ -142,6 +144,7 @@ class Pop3Session {
   void send(const std::string& command);
   void sendCommand(Pop3State awaited, const std::string& command);
   void sendQuit();
+  bool quitAfterBarrier();
   void logAction(std::string_view text);
   const std::string& title() const { return accounts_[static_cast<std::size_t>(account_)].title; }
   std::string ofTotal(long n) const;

@@ -60,7 +60,7 @@ void Pop3Session::onUidlLines(const std::string& packet) {
 void Pop3Session::matchStoredIds(const std::unordered_set<std::string>& listed) {
   // Without the file of stored ids, every message counts as new: stored twice beats lost.
   guardedStep(ctx_.log, log_places::kUIDL, kLogModule, [&] {
-    store::FetchedIds fetched(ctx_.folders.dataFolderPath, account_);
+    store::FetchedIds fetched(ctx_.folders.dataFolderPath, account_, ctx_.writes);
     for (const auto& [message, uniqueId] : uniqueIds_) {
       if (fetched.contains(uniqueId)) storedBefore_.insert(message);
     }

@@ -52,7 +52,8 @@ void SmtpSession::initialise(std::int16_t account) {
   mail_.encodeType = static_cast<send::EncodeType>(wholeSetting(settings, "EncodeType", 0));
   smtpHost_ = text("SMTP");
   smtpPort_ = wholeSetting(settings, "RemotePort", 25);
-  if (smtpPort_ == 25) smtpPort_ = wholeSetting(settings, accountKey("SMTPPort", account), 25);
+  // The account's port, or the one its security takes, unless RemotePort overrides both.
+  if (smtpPort_ == 25) smtpPort_ = readAccount(settings, account, AccountReader::Session).smtpPort;
   connectTimeout_ = wholeSetting(settings, "ConnectTimeout", 10);
   connectRetry_ = wholeSetting(settings, "ConnectRetry", 3);
   messageTimeout_ = wholeSetting(settings, "MessageTimeout", 60);
@@ -167,9 +168,7 @@ void SmtpSession::reportFailure() {
 }
 
 void SmtpSession::checkRecipients() {
-  if (mail_.recipient.empty()) addError(send::kNoRecipient);
-  const std::size_t addresses = mail_.recipient.size() + mail_.ccRecipient.size() + mail_.bccRecipient.size();
-  if (addresses > send::kMaxRecipients) addError(send::kTooManyRecipients);
+  for (const char* problem : send::recipientProblems(mail_)) addError(problem);
 }
 
 bool SmtpSession::spoolToFile(const std::filesystem::path& file) {
@@ -184,7 +183,7 @@ bool SmtpSession::spoolToFile(const std::filesystem::path& file) {
     mail_.messageId = send::newMessageId(accountAddress_.empty() ? mail_.from : accountAddress_, context_.clock.now());
   }
   try {
-    send::writeSpoolFile(file, mail_, context_.clock.now(), context_.log.info().version);
+    send::writeSpoolFile(file, mail_, context_.clock.now(), context_.log.info().version, context_.writes);
     return true;
   } catch (const send::AttachmentFailed& error) {
     logFailure(context_.log, error, log_places::kEncodeAndSendFile, kModule);

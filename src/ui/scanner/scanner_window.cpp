@@ -37,6 +37,7 @@
 #include "ui/settings/settings_dialog.h"
 #include "ui/scanner/splash_window.h"
 #include "ui/scanner/tray_icon.h"
+#include "ui/security/certificate_dialog.h"
 #include "ui/source_window.h"
 #include "ui/twips.h"
 
@@ -364,6 +365,29 @@ bool ScannerWindow::setServerStatus(const std::string& title, std::string_view t
 }
 
 void ScannerWindow::showConnectionError(std::string_view text) { ctx_.prompt.ask(text, Buttons::Ok, "Vonel"); }
+
+// Asked once the session has reported its failure, from the event loop.
+void ScannerWindow::certificateUntrusted(const UntrustedCertificate& certificate) {
+  QTimer::singleShot(0, this, [this, certificate] { askToTrust(certificate); });
+}
+
+void ScannerWindow::askToTrust(const UntrustedCertificate& certificate) {
+  CertificateDialog dialog(ctx_, certificate, this);
+  if (dialog.exec() != QDialog::Accepted || !controller_) return;
+  const auto runAgain = [controller = controller_, certificate] {
+    if (certificate.service == MailService::Pop3) {
+      controller->scanFrom(certificate.account);
+    } else {
+      controller->sendOutbox();
+    }
+  };
+  if (!controller_->passRunning()) return runAgain();
+  auto* once = new QObject(this);
+  connect(controller_, &MailController::passEnded, once, [once, runAgain] {
+    once->deleteLater();
+    runAgain();
+  });
+}
 
 void ScannerWindow::addServerMessage(const message::Message& m, long number, const std::string&,
                                      const std::string& server) {

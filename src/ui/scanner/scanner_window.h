@@ -90,6 +90,7 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
   MailerWindow* mailer() { return mailer_.get(); }
   // The end-of-pass chime, where the system can play sound; otherwise nothing.
   void playSound(const std::filesystem::path& wave) override;
+  void certificateUntrusted(const UntrustedCertificate& certificate) override;
 
   // The progress text as last set; the panel catches up within a moment.
   const QString& statusText() const { return statusLatest_; }
@@ -108,6 +109,8 @@ class ScannerWindow final : public QMainWindow, public AppWindows {
   void onToolbarButton(const QString& key);
   void onToolbarMenuEntry(const QString& buttonKey, const QString& entryKey);
   void askToReinforce();
+  // The certificate dialog; Trust runs the account again once no pass runs.
+  void askToTrust(const UntrustedCertificate& certificate);
   void closeToTray();
   void buildKeys();
   void buildStatusBar();

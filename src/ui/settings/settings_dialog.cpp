@@ -22,6 +22,7 @@
 #include "core/files/path_text.h"
 #include "core/log/log_places.h"
 #include "core/text/numbers.h"
+#include "ui/settings/security_controls.h"
 
 namespace vonel {
 namespace {
@@ -149,6 +150,7 @@ QWidget* SettingsDialog::makeAccountsTab() {
   connect(smtpAuth_, &QCheckBox::toggled, this, toggleAuth);
   connect(account_, &QComboBox::currentIndexChanged, this, &SettingsDialog::onAccountPicked);
   connect(title_, &QLineEdit::textEdited, this, &SettingsDialog::onTitleEdited);
+  security_ = new SecurityControls({popPort_, password_, smtpPort_, smtpAuth_}, incoming, outgoing, this);
 
   auto* servers = new QHBoxLayout;
   servers->addWidget(group("Incoming mail", incoming));
@@ -157,8 +159,11 @@ QWidget* SettingsDialog::makeAccountsTab() {
   layout->addLayout(pick);
   layout->addLayout(servers);
   layout->addWidget(group("Exclusive list", exclusive));
+  layout->addWidget(security_->footer());
   layout->addStretch();
-  return page("tabAccounts", layout);
+  QWidget* tab = page("tabAccounts", layout);
+  security_->orderTabs();
+  return tab;
 }
 
 QWidget* SettingsDialog::makeScanningTab() {
@@ -332,6 +337,7 @@ void SettingsDialog::showAccount(int index) {
   displayName_->setText(toQString(a.displayName));
   exclusive_[0]->setText(toQString(a.exclusive0));
   exclusive_[1]->setText(toQString(a.exclusive1));
+  security_->show(a);
 }
 
 void SettingsDialog::keepAccount(int index) {
@@ -353,6 +359,7 @@ void SettingsDialog::keepAccount(int index) {
   a.displayName = boxText(displayName_);
   a.exclusive0 = boxText(exclusive_[0]);
   a.exclusive1 = boxText(exclusive_[1]);
+  security_->keep(a);
 }
 
 void SettingsDialog::onAccountPicked(int index) {

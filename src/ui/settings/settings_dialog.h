@@ -21,6 +21,7 @@ class QWidget;
 namespace vonel {
 
 class MailController;
+class SecurityControls;
 
 class SettingsDialog final : public QDialog {
   Q_OBJECT
@@ -72,6 +73,7 @@ class SettingsDialog final : public QDialog {
   QLineEdit* replyAddress_ = nullptr;
   QLineEdit* displayName_ = nullptr;
   std::array<QLineEdit*, 2> exclusive_{};
+  SecurityControls* security_ = nullptr;
 
   QCheckBox* scanOnStartup_ = nullptr;
   QLineEdit* seconds_ = nullptr;

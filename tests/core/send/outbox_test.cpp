@@ -69,6 +69,7 @@ class MoveToSentItemsTest : public ::testing::Test {
   testing::TestHome home;
   fs::path outbox = home.dir.path() / "Outbox";
   fs::path sent = home.dir.path() / "Sent Items";
+  files::WriteBatch writes;
 
   void SetUp() override {
     fs::create_directories(outbox);
@@ -79,7 +80,7 @@ class MoveToSentItemsTest : public ::testing::Test {
 };
 
 TEST_F(MoveToSentItemsTest, FilesAReadDatedCopyAndOnlyThenDeletesTheOriginal) {
-  const SentMessage moved = moveToSentItems(outbox, sent, "00_outbound_4.eml", home.log, home.clock);
+  const SentMessage moved = moveToSentItems(outbox, sent, "00_outbound_4.eml", home.log, home.clock, writes);
   EXPECT_TRUE(moved.filed);
   EXPECT_EQ(moved.subject, "Hi");
   EXPECT_EQ(moved.recipient, "<you@y.org>");
@@ -100,7 +101,7 @@ TEST_F(MoveToSentItemsTest, ARefusalNoteStaysWithItsMessageAndGoesWithIt) {
             "550 5.1.1 <you@y.org>: Recipient address rejected\r\n");
   // A note is no outbox file of its own.
   EXPECT_EQ(listOutboxFiles(outbox), std::vector<std::string>{"00_outbound_4.eml"});
-  EXPECT_TRUE(moveToSentItems(outbox, sent, "00_outbound_4.eml", home.log, home.clock).filed);
+  EXPECT_TRUE(moveToSentItems(outbox, sent, "00_outbound_4.eml", home.log, home.clock, writes).filed);
   EXPECT_FALSE(files::fileExists(outbox / "00_outbound_4.eml.refused"));
   EXPECT_TRUE(clearRefusalNote(outbox, "00_outbound_4.eml"));
 }
@@ -120,7 +121,7 @@ TEST_F(MoveToSentItemsTest, AFailedCopyLeavesTheOutboxFileAsItWas) {
   fs::remove_all(sent);
   files::writeTextFile(sent, "a file where the folder should be");
   const std::string before = files::loadTextFile(outbox / "00_outbound_4.eml");
-  EXPECT_FALSE(moveToSentItems(outbox, sent, "00_outbound_4.eml", home.log, home.clock).filed);
+  EXPECT_FALSE(moveToSentItems(outbox, sent, "00_outbound_4.eml", home.log, home.clock, writes).filed);
   EXPECT_EQ(files::loadTextFile(outbox / "00_outbound_4.eml"), before);
   EXPECT_EQ(store::unreadTagCount(outbox), 3);
 }

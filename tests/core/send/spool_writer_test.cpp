@@ -30,7 +30,8 @@ struct SpoolCase {
     mail.message = "Body";
   }
   std::string spool() {
-    writeSpoolFile(dir.path() / "00_outbound_0.eml", mail, kNow, "1.2.3");
+    files::WriteBatch lone;
+    writeSpoolFile(dir.path() / "00_outbound_0.eml", mail, kNow, "1.2.3", lone);
     return files::loadTextFile(dir.path() / "00_outbound_0.eml");
   }
   std::string attach(const std::string& name, const std::string& bytes) {

@@ -37,6 +37,13 @@ TEST(CacheTextTest, DecodingForgivesWhatTheWriterNeverWrites) {
   EXPECT_EQ(htmlDecode("x%4"), "x%4");
   EXPECT_EQ(htmlDecode("%zzA"), std::string("\0A", 2));
   EXPECT_EQ(htmlDecode("%41%4a"), "AJ");
+  // An escape takes its two characters, read as far as the digits go and
+  // blanks passed over; text on both sides of escapes kept.
+  EXPECT_EQ(htmlDecode("%4zB"), "\x04" "B");
+  EXPECT_EQ(htmlDecode("a% 41b"), "a\x04" "1b");
+  EXPECT_EQ(htmlDecode("%4\t1"), "\x04" "1");
+  EXPECT_EQ(htmlDecode("%-1%+1"), std::string("\0\0", 2));
+  EXPECT_EQ(htmlDecode("lead %20 mid %%41 tail%"), std::string("lead   mid \0" "1 tail%", 19));
 }
 
 TEST(CacheTextTest, ExtractionIgnoresCaseAndRunsToTheEndWithoutACloseTag) {

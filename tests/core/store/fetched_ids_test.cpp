@@ -26,7 +26,7 @@ class FetchedIdsTest : public ::testing::Test {
 
 TEST_F(FetchedIdsTest, IdsAreAddedOnceThePendingFileIsOnDiskAndPrunedByTheListing) {
   {
-    FetchedIds fetched(data(), 2);
+    FetchedIds fetched(data(), 2, home.context.writes);
     EXPECT_EQ(fetched.size(), 0u);
     fetched.beginStoring("b", home.root() / "Inbox" / "B.EML");
     EXPECT_EQ(files::loadTextFile(pendingFile()), "b\r\n" + files::textFromPath(home.root() / "Inbox" / "B.EML") + "\r\n");
@@ -39,7 +39,7 @@ TEST_F(FetchedIdsTest, IdsAreAddedOnceThePendingFileIsOnDiskAndPrunedByTheListin
   EXPECT_EQ(ids(), "b\r\na\r\n");
   EXPECT_EQ(ids(0), "(none)");  // each account its own file
 
-  FetchedIds again(data(), 2);
+  FetchedIds again(data(), 2, home.context.writes);
   EXPECT_TRUE(again.contains("a"));
   EXPECT_FALSE(again.contains("A"));
   again.keepOnly({"a", "new"});
@@ -51,14 +51,14 @@ TEST_F(FetchedIdsTest, ARunCutOffBetweenTheMessageAndItsIdIsPutRight) {
   const fs::path stored = home.root() / "Inbox" / "STORED.EML";
   files::writeTextFile(stored, "Subject: x\r\n\r\n");
   files::writeTextFile(pendingFile(), "cut\r\n" + files::textFromPath(stored) + "\r\n");
-  FetchedIds fetched(data(), 2);
+  FetchedIds fetched(data(), 2, home.context.writes);
   EXPECT_TRUE(fetched.contains("cut"));
   EXPECT_EQ(ids(), "old\r\ncut\r\n");
   EXPECT_FALSE(files::fileExists(pendingFile()));
 
   // Cut off before its file was whole: the message comes again.
   files::writeTextFile(pendingFile(), "lost\r\n" + files::textFromPath(home.root() / "Inbox" / "NEVER.EML") + "\r\n");
-  FetchedIds next(data(), 2);
+  FetchedIds next(data(), 2, home.context.writes);
   EXPECT_FALSE(next.contains("lost"));
   EXPECT_EQ(next.size(), 2u);
   EXPECT_FALSE(files::fileExists(pendingFile()));
