@@ -9,6 +9,7 @@
 #include "app/termination_signal.h"
 #include "app/runner_commands.h"
 #include "app/single_instance.h"
+#include "demo/demo_command.h"
 #include "ui/dialog_prompt.h"
 #include "ui/guarded_application.h"
 #include "ui/password_dialog.h"
@@ -74,9 +75,11 @@ int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  const vonel::demo::DemoOptions demo = vonel::demo::takeDemoOptions(argumentsOf(argc, argv));
+  if (demo.requested || !demo.error.isEmpty()) return vonel::demo::runDemo(argc, argv, demo);
   const vonel::CommandLine line = vonel::parseCommandLine(argumentsOf(argc, argv));
   if (line.help) {
-    std::printf("%s", qPrintable(vonel::commandLineHelp()));
+    std::printf("%s%s", qPrintable(vonel::commandLineHelp()), qPrintable(vonel::demo::demoHelp()));
     return 0;
   }
   if (line.version) {
