@@ -38,13 +38,25 @@ void passStopsOn() {
 }
 #endif
 
-// Qt's own files (QtProject.conf and its kind) land in the home too.
-QProcessEnvironment environmentFor(const QString& home) {
+// Qt's own files (QtProject.conf and its kind) land in the home too, and so
+// do the program's temporary files and sockets, which a killed program
+// can't remove itself.
+QProcessEnvironment environmentFor(const std::filesystem::path& home) {
+  const auto folder = [&home](const char* name) {
+    const std::filesystem::path path = home / name;
+    std::filesystem::create_directories(path);
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    return QString::fromStdU16String(path.u16string());
+  };
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-  environment.insert("XDG_CONFIG_HOME", home + "/.config");
-  environment.insert("XDG_DATA_HOME", home + "/.local/share");
-  environment.insert("XDG_CACHE_HOME", home + "/.cache");
-  environment.insert("XDG_STATE_HOME", home + "/.local/state");
+  environment.insert("XDG_CONFIG_HOME", folder(".config"));
+  environment.insert("XDG_DATA_HOME", folder(".local/share"));
+  environment.insert("XDG_CACHE_HOME", folder(".cache"));
+  environment.insert("XDG_STATE_HOME", folder(".local/state"));
+  environment.insert("TMPDIR", folder(".tmp"));
+  // A session's own runtime folder holds its bus; only where there is none
+  // would Qt make one in the shared temporary folder.
+  if (!environment.contains("XDG_RUNTIME_DIR")) environment.insert("XDG_RUNTIME_DIR", folder(".runtime"));
   environment.remove("VONEL_HOME");
   return environment;
 }
@@ -54,10 +66,10 @@ int fail(const QString& text) {
   return 2;
 }
 
-int runProgram(const DemoOptions& options, const QString& home) {
+int runProgram(const DemoOptions& options, const std::filesystem::path& home) {
   QProcess program;
   program.setProgram(QCoreApplication::applicationFilePath());
-  program.setArguments(QStringList{"--home", home} + options.programArguments);
+  program.setArguments(QStringList{"--home", QString::fromStdU16String(home.u16string())} + options.programArguments);
   program.setProcessEnvironment(environmentFor(home));
   program.setProcessChannelMode(QProcess::ForwardedChannels);
   program.setInputChannelMode(QProcess::ForwardedInputChannel);
@@ -136,7 +148,11 @@ int runDemo(int argc, char** argv, const DemoOptions& options) {
   }
   if (filled) {
     if (options.keep) std::fprintf(stderr, "vonel: the demo's home is kept: %s\n", qPrintable(homePath));
-    result = runProgram(options, homePath);
+    try {
+      result = runProgram(options, home->folder());
+    } catch (const std::exception& e) {
+      fail("can't start the program on " + homePath + ": " + QString::fromLocal8Bit(e.what()));
+    }
   }
   server.stop();
   if (!options.keep || !filled) home->remove();
