@@ -127,11 +127,14 @@ QString demoHelp() {
 int runDemo(int argc, char** argv, const DemoOptions& options) {
   if (!options.error.isEmpty()) return fail(options.error);
   QCoreApplication application(argc, argv);
-  const std::filesystem::path temporary = QDir::tempPath().toStdU16String();
+  // Qt would quietly fall back to /tmp for a TMPDIR that is not there; the
+  // user who set it is told instead.
+  const QString temporaryFolder = qEnvironmentVariableIsEmpty("TMPDIR") ? QDir::tempPath() : qEnvironmentVariable("TMPDIR");
+  const std::filesystem::path temporary = temporaryFolder.toStdU16String();
   DemoHome::removeOrphans(temporary);
   QString error;
   const std::optional<DemoHome> home = DemoHome::create(temporary, error);
-  if (!home) return fail("can't make the demo's home in " + QDir::tempPath() + ": " + error);
+  if (!home) return fail("can't make the demo's home in " + temporaryFolder + ": " + error);
   const QString homePath = QString::fromStdU16String(home->folder().u16string());
   sandbox::SandboxServer server(home->sandboxFolder());
   int result = 2;

@@ -9,6 +9,9 @@
 #include <system_error>
 #include <unistd.h>
 
+#include <QLocalServer>
+
+#include "app/single_instance.h"
 #include "core/bayes/bayes_filter.h"
 #include "core/bayes/bayes_trainer.h"
 #include "core/context/app_context.h"
@@ -153,7 +156,10 @@ void DemoHome::removeOrphans(const fs::path& temporaryFolder) {
   for (const auto& entry : fs::directory_iterator(temporaryFolder, error)) {
     const std::string name = entry.path().filename().string();
     if (!name.starts_with(kPrefix) || !entry.is_directory(error) || entry.is_symlink(error)) continue;
-    if (ownerGone(entry.path())) fs::remove_all(entry.path(), error);
+    if (!ownerGone(entry.path())) continue;
+    // A program killed outright leaves its socket in the session's runtime folder.
+    QLocalServer::removeServer(SingleInstance::serverNameFor(entry.path()));
+    fs::remove_all(entry.path(), error);
   }
 }
 
