@@ -117,11 +117,12 @@ DemoOptions takeDemoOptions(const QStringList& arguments) {
 }
 
 QString demoHelp() {
-  return "  --demo         the whole program on sample mail, served on this machine only,\n"
-         "                 in a home of its own that goes when the program ends; combines\n"
-         "                 with --scan, --download, --send and --train\n"
+  return "To try Vonel on sample mail, without an account:\n"
+         "       vonel --demo [--demo-date YYYY-MM-DD] [--keep] [--scan | --download | --send | --train]\n"
+         "  --demo         the whole program on sample mail, served on this machine only,\n"
+         "                 in a home of its own that goes when the program ends\n"
          "  --demo-date YYYY-MM-DD  date the sample mail before this day (today unless given)\n"
-         "  --keep         with --demo: keep its home and print where it is\n";
+         "  --keep         keep the demo's home and print where it is\n";
 }
 
 int runDemo(int argc, char** argv, const DemoOptions& options) {
@@ -137,28 +138,26 @@ int runDemo(int argc, char** argv, const DemoOptions& options) {
   if (!home) return fail("can't make the demo's home in " + temporaryFolder + ": " + error);
   const QString homePath = QString::fromStdU16String(home->folder().u16string());
   sandbox::SandboxServer server(home->sandboxFolder());
-  int result = 2;
-  bool filled = false;
   if (!server.open()) {
-    fail("can't open the sandbox's ports on 127.0.0.1");
-  } else {
-    try {
-      home->fill({server.pop3Port(), server.smtpPort()}, options.day);
-      filled = true;
-    } catch (const std::exception& e) {
-      fail("can't fill the demo's home in " + homePath + ": " + QString::fromLocal8Bit(e.what()));
-    }
+    home->remove();
+    return fail("can't open the sandbox's ports on 127.0.0.1");
   }
-  if (filled) {
-    if (options.keep) std::fprintf(stderr, "vonel: the demo's home is kept: %s\n", qPrintable(homePath));
-    try {
-      result = runProgram(options, home->folder());
-    } catch (const std::exception& e) {
-      fail("can't start the program on " + homePath + ": " + QString::fromLocal8Bit(e.what()));
-    }
+  try {
+    home->fill({server.pop3Port(), server.smtpPort()}, options.day);
+  } catch (const std::exception& e) {
+    server.stop();
+    home->remove();
+    return fail("can't fill the demo's home in " + homePath + ": " + QString::fromLocal8Bit(e.what()));
+  }
+  if (options.keep) std::fprintf(stderr, "vonel: the demo's home is kept: %s\n", qPrintable(homePath));
+  int result = 2;
+  try {
+    result = runProgram(options, home->folder());
+  } catch (const std::exception& e) {
+    fail("can't start the program on " + homePath + ": " + QString::fromLocal8Bit(e.what()));
   }
   server.stop();
-  if (!options.keep || !filled) home->remove();
+  if (!options.keep) home->remove();
   return result;
 }
 
