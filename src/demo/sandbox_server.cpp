@@ -13,22 +13,22 @@ namespace vonel::sandbox {
 
 namespace {
 
-// A client that says nothing for this long is dropped, as real servers do.
-constexpr int kIdleMilliseconds = 60'000;
-
 // Each connection to the server gets its own session over the shared mail.
 template <typename Session, typename Mail>
-void serve(QTcpServer& server, Mail& mail) {
-  QObject::connect(&server, &QTcpServer::newConnection, &server, [&server, &mail] {
+void serve(QTcpServer& server, Mail& mail, std::chrono::milliseconds idleTime) {
+  QObject::connect(&server, &QTcpServer::newConnection, &server, [&server, &mail, idleTime] {
     while (QTcpSocket* socket = server.nextPendingConnection()) {
       auto session = std::make_shared<Session>(mail);
       auto* idle = new QTimer(socket);
       idle->setSingleShot(true);
-      idle->start(kIdleMilliseconds);
-      QObject::connect(idle, &QTimer::timeout, socket, &QTcpSocket::abort);
+      idle->start(idleTime);
+      QObject::connect(idle, &QTimer::timeout, socket, [socket] {
+        socket->abort();
+        socket->deleteLater();
+      });
       QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-      QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket, session, idle] {
-        idle->start(kIdleMilliseconds);
+      QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket, session, idle, idleTime] {
+        idle->start(idleTime);
         const std::string reply = session->onData(socket->readAll().toStdString());
         socket->write(reply.data(), static_cast<qint64>(reply.size()));
         if (session->finished()) socket->disconnectFromHost();
@@ -59,8 +59,8 @@ void SandboxServer::run() {
   SandboxMailboxes mail(folder_);
   QTcpServer pop3;
   QTcpServer smtp;
-  serve<Pop3SandboxSession>(pop3, static_cast<Maildrop&>(mail));
-  serve<SmtpSandboxSession>(smtp, static_cast<Delivery&>(mail));
+  serve<Pop3SandboxSession>(pop3, static_cast<Maildrop&>(mail), idle_);
+  serve<SmtpSandboxSession>(smtp, static_cast<Delivery&>(mail), idle_);
   const bool listening = pop3.listen(QHostAddress::LocalHost) && smtp.listen(QHostAddress::LocalHost);
   if (listening) {
     pop3Port_ = pop3.serverPort();

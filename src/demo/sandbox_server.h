@@ -4,6 +4,7 @@
 // loop stalls against them as it would against a real server.
 #include <QThread>
 #include <QtGlobal>
+#include <chrono>
 #include <filesystem>
 #include <semaphore>
 
@@ -11,7 +12,9 @@ namespace vonel::sandbox {
 
 class SandboxServer final : public QThread {
  public:
-  explicit SandboxServer(std::filesystem::path sandboxFolder) : folder_(std::move(sandboxFolder)) {}
+  // A client that says nothing for `idle` is dropped, as real servers do.
+  explicit SandboxServer(std::filesystem::path sandboxFolder, std::chrono::milliseconds idle = std::chrono::seconds(60))
+      : folder_(std::move(sandboxFolder)), idle_(idle) {}
   ~SandboxServer() override;
 
   // Listens and serves until stop(); false when a port could not be opened.
@@ -25,6 +28,7 @@ class SandboxServer final : public QThread {
   void run() override;
 
   std::filesystem::path folder_;
+  std::chrono::milliseconds idle_;
   quint16 pop3Port_ = 0;
   quint16 smtpPort_ = 0;
   std::binary_semaphore listening_{0};
