@@ -14,7 +14,7 @@ namespace {
 // What a message is made of besides its plain text.
 enum class Shape { Plain, Pdf, Png, Html, QuotedPrintable, Big, Invite };
 
-struct Spec {
+struct Sample {
   SampleBox box;
   int minutesBefore;  // before the start of the day
   const char* from;
@@ -43,7 +43,7 @@ constexpr const char* kPng =
     "iVBORw0KGgoAAAANSUhEUgAAABAAAAAQCAIAAACQkWg2AAAASUlEQVR42mPQ6w4nCTEMfg3///8nWQN+Pdg14NGDxQ/49WD3NB49OEMJlx58wYpV"
     "D4F4wNRDOOLQ9BAV08h6iE0acD0kpCWIBgDgME2wC5jS9gAAAABJRU5ErkJggg==";
 
-const Spec kSpecs[] = {
+const Sample kSamples[] = {
     // Home: a thread, friends and family, a receipt, newsletters, a big one, spam.
     {SampleBox::Home, 2 * 24 * 60 + 300, "Dana Whitlock <dana.whitlock@example.org>", kHome, "Lunch on Saturday?",
      "Hi Robin,\nAre you free for lunch on Saturday? The new place by the harbour has a table at one.\nDana",
@@ -62,7 +62,7 @@ const Spec kSpecs[] = {
      "<walk-photos@example.net>"},
     {SampleBox::Home, 9 * 24 * 60, "The Allotment Gazette <gazette@lists.example.net>", kHome,
      "The Allotment Gazette, January",
-     "In this issue: planning the spring beds, seed swap on the 24th, and the plot 14 compost report.",
+     "In this edition: planning the spring beds, seed swap on the 24th, and the plot 14 compost report.",
      Shape::Plain, "<gazette-2026-01@lists.example.net>"},
     {SampleBox::Home, 3 * 24 * 60, "Harbour Library <news@library.example.org>", kHome,
      "New this month at the library",
@@ -322,28 +322,28 @@ std::string attachmentPart(std::string_view type, std::string_view name, const c
          std::string(name) + "\"\r\n\r\n" + base64Lines(QByteArray(base64));
 }
 
-std::string invitePart(const Spec& spec) {
+std::string invitePart(const Sample& sample) {
   return "--sample-boundary\r\nContent-Type: text/calendar; charset=UTF-8; method=REQUEST\r\n\r\n"
          "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Example//Sample//EN\r\nMETHOD:REQUEST\r\nBEGIN:VEVENT\r\n"
-         "UID:" + std::string(spec.messageId) + "\r\nSUMMARY:" + std::string(spec.subject).substr(12) +
+         "UID:" + std::string(sample.messageId) + "\r\nSUMMARY:" + std::string(sample.subject).substr(12) +
          "\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
 }
 
 // The content header lines and the body of the message, by its shape.
-std::string contentOf(const Spec& spec) {
-  const std::string plain = "Content-Type: text/plain; charset=UTF-8\r\n\r\n" + crlf(spec.body) + "\r\n";
+std::string contentOf(const Sample& sample) {
+  const std::string plain = "Content-Type: text/plain; charset=UTF-8\r\n\r\n" + crlf(sample.body) + "\r\n";
   const std::string mixed = "MIME-Version: 1.0\r\nContent-Type: multipart/mixed; boundary=\"sample-boundary\"\r\n\r\n"
                             "This is a message in several parts.\r\n--sample-boundary\r\n" + plain;
-  switch (spec.shape) {
+  switch (sample.shape) {
     case Shape::Plain: return "MIME-Version: 1.0\r\n" + plain;
     case Shape::Pdf: return mixed + attachmentPart("application/pdf", "receipt-40117.pdf", kPdf) + "--sample-boundary--\r\n";
     case Shape::Png: return mixed + attachmentPart("image/png", "harbour-walk.png", kPng) + "--sample-boundary--\r\n";
-    case Shape::Invite: return mixed + invitePart(spec) + "--sample-boundary--\r\n";
+    case Shape::Invite: return mixed + invitePart(sample) + "--sample-boundary--\r\n";
     case Shape::Html:
-      return "MIME-Version: 1.0\r\nContent-Type: text/html; charset=UTF-8\r\n\r\n" + crlf(spec.body) + "\r\n";
+      return "MIME-Version: 1.0\r\nContent-Type: text/html; charset=UTF-8\r\n\r\n" + crlf(sample.body) + "\r\n";
     case Shape::QuotedPrintable:
       return "MIME-Version: 1.0\r\nContent-Type: text/plain; charset=UTF-8\r\n"
-             "Content-Transfer-Encoding: quoted-printable\r\n\r\n" + quotedPrintable(spec.body);
+             "Content-Transfer-Encoding: quoted-printable\r\n\r\n" + quotedPrintable(sample.body);
     case Shape::Big: return "MIME-Version: 1.0\r\n" + plain + "\r\n" + handbookText();
   }
   return plain;
@@ -354,14 +354,14 @@ std::string dateLine(const QDate& day, int minutesBefore) {
   return QLocale::c().toString(when, "ddd, d MMM yyyy hh:mm:ss").toStdString() + " +0000";
 }
 
-std::string messageBytes(const Spec& spec, const QDate& day) {
-  std::string bytes = "From: " + std::string(spec.from) + "\r\nTo: " + spec.to + "\r\nSubject: " + spec.subject +
-                      "\r\nDate: " + dateLine(day, spec.minutesBefore) + "\r\n";
-  if (spec.messageId) bytes += "Message-ID: " + std::string(spec.messageId) + "\r\n";
-  if (spec.inReplyTo) {
-    bytes += "In-Reply-To: " + std::string(spec.inReplyTo) + "\r\nReferences: " + spec.inReplyTo + "\r\n";
+std::string messageBytes(const Sample& sample, const QDate& day) {
+  std::string bytes = "From: " + std::string(sample.from) + "\r\nTo: " + sample.to + "\r\nSubject: " + sample.subject +
+                      "\r\nDate: " + dateLine(day, sample.minutesBefore) + "\r\n";
+  if (sample.messageId) bytes += "Message-ID: " + std::string(sample.messageId) + "\r\n";
+  if (sample.inReplyTo) {
+    bytes += "In-Reply-To: " + std::string(sample.inReplyTo) + "\r\nReferences: " + sample.inReplyTo + "\r\n";
   }
-  return bytes + contentOf(spec);
+  return bytes + contentOf(sample);
 }
 
 }  // namespace
@@ -369,11 +369,11 @@ std::string messageBytes(const Spec& spec, const QDate& day) {
 std::vector<SampleMessage> sampleMail(const QDate& day) {
   std::vector<SampleMessage> mail;
   int counts[4] = {0, 0, 0, 0};
-  for (const Spec& spec : kSpecs) {
-    const int number = ++counts[static_cast<int>(spec.box)];
+  for (const Sample& sample : kSamples) {
+    const int number = ++counts[static_cast<int>(sample.box)];
     char name[16];
     std::snprintf(name, sizeof name, "%04d.eml", number);
-    mail.push_back({spec.box, name, messageBytes(spec, day)});
+    mail.push_back({sample.box, name, messageBytes(sample, day)});
   }
   return mail;
 }
