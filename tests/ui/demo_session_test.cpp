@@ -13,6 +13,7 @@
 #include <set>
 
 #include "app/mail_controller.h"
+#include "app/platform.h"
 #include "app/qtext.h"
 #include "core/files/file_text.h"
 #include "core/send/outbox.h"
@@ -123,7 +124,8 @@ class DemoSessionTest : public QObject {
     server_ = std::make_unique<sandbox::SandboxServer>(home_->sandboxFolder());
     QVERIFY(server_->open());
     home_->fill({server_->pop3Port(), server_->smtpPort()}, QDate(2026, 1, 15));
-    context_ = std::make_unique<AppContext>(clock_, prompt_, AppInfo{"Vonel", "1", "os", "/", home_->folder()});
+    context_ = std::make_unique<AppContext>(clock_, prompt_, AppInfo{"Vonel", "1", "os", "/", home_->folder()},
+                                            platformLocaleFacts());
     window_ = std::make_unique<ScannerWindow>(*context_);
     controller_ = std::make_unique<MailController>(*context_, *window_, passwords_);
     window_->attach(*controller_);
