@@ -31,7 +31,8 @@ start_window() {
   pid=$!
   started+=("$pid")
   home=""
-  for _ in $(seq 1 100); do
+  # Up to 30 s: a sanitizer build on a busy machine starts slowly.
+  for _ in $(seq 1 300); do
     for candidate in "$TMPDIR"/vonel-demo-*; do
       grep -qxF "$(basename "$candidate")" <<<"$known" && continue
       grep -qs "startup complete" "$candidate/log.txt" && home=$candidate
