@@ -42,9 +42,9 @@ int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
   application.setApplicationName("Vonel");
   application.setQuitOnLastWindowClosed(false);
   const auto home = vonel::resolveHome(line.home);
-  vonel::SystemClock clock;
+  const std::unique_ptr<vonel::Clock> clock = vonel::platformClock();
   vonel::DialogPrompt prompt;
-  vonel::AppContext context(clock, prompt, vonel::platformAppInfo(home), vonel::platformLocaleFacts());
+  vonel::AppContext context(*clock, prompt, vonel::platformAppInfo(home), vonel::platformLocaleFacts());
   const QString command = vonel::passedCommand(line);
   vonel::SingleInstance instance(home);
   if (instance.passToRunningCopy(command, context.log)) return 0;

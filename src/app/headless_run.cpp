@@ -186,9 +186,9 @@ bool merge(MailController& controller, AppContext& context, const CommandLine& l
 
 int runHeadless(const CommandLine& line) {
   const auto home = resolveHome(line.home);
-  SystemClock clock;
+  const std::unique_ptr<Clock> clock = platformClock();
   ConsolePrompt prompt;
-  AppContext context(clock, prompt, platformAppInfo(home), platformLocaleFacts());
+  AppContext context(*clock, prompt, platformAppInfo(home), platformLocaleFacts());
   context.popLockstep = line.lockstep;
   HeadlessWindows windows;
   TerminalPasswordPrompt passwords;

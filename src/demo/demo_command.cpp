@@ -40,8 +40,8 @@ void passStopsOn() {
 
 // Qt's own files (QtProject.conf and its kind) land in the home too, and so
 // do the program's temporary files and sockets, which a killed program
-// can't remove itself.
-QProcessEnvironment environmentFor(const std::filesystem::path& home) {
+// can't remove itself. The program's today is the day the mail was dated for.
+QProcessEnvironment environmentFor(const std::filesystem::path& home, const QDate& day) {
   const auto folder = [&home](const char* name) {
     const std::filesystem::path path = home / name;
     std::filesystem::create_directories(path);
@@ -58,6 +58,7 @@ QProcessEnvironment environmentFor(const std::filesystem::path& home) {
   // would Qt make one in the shared temporary folder.
   if (!environment.contains("XDG_RUNTIME_DIR")) environment.insert("XDG_RUNTIME_DIR", folder(".runtime"));
   environment.remove("VONEL_HOME");
+  environment.insert("VONEL_TODAY", day.toString("yyyy-MM-dd"));
   return environment;
 }
 
@@ -70,7 +71,7 @@ int runProgram(const DemoOptions& options, const std::filesystem::path& home) {
   QProcess program;
   program.setProgram(QCoreApplication::applicationFilePath());
   program.setArguments(QStringList{"--home", QString::fromStdU16String(home.u16string())} + options.programArguments);
-  program.setProcessEnvironment(environmentFor(home));
+  program.setProcessEnvironment(environmentFor(home, options.day));
   program.setProcessChannelMode(QProcess::ForwardedChannels);
   program.setInputChannelMode(QProcess::ForwardedInputChannel);
 #ifdef Q_OS_LINUX

@@ -22,5 +22,9 @@ done
 
 if "$vonel" --demo --scan --demo-date 2026-02-30 </dev/null 2>"$work/err"; then fail "a bad day was taken"; fi
 [ "$(cat "$work/err")" = "vonel: --demo-date needs a day as YYYY-MM-DD" ] || fail "bad day: $(cat "$work/err")"
+# The program's own today is the demo's day: the store names its files by it.
+"$vonel" --demo --download --demo-date 2026-01-15 </dev/null >"$work/download"
+grep -q '^stored' "$work/download" || fail "nothing stored: $(cat "$work/download")"
+! grep '^stored' "$work/download" | grep -vE -- '-260115\)( [0-9]+)?\.EML$' || fail "stored under another day"
 [ -z "$(ls -A "$TMPDIR")" ] || fail "left behind: $(ls -A "$TMPDIR")"
 echo "demo scan golden: ok"
