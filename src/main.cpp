@@ -9,6 +9,7 @@
 #include "app/termination_signal.h"
 #include "app/runner_commands.h"
 #include "app/single_instance.h"
+#include "demo/demo_command.h"
 #include "ui/dialog_prompt.h"
 #include "ui/guarded_application.h"
 #include "ui/password_dialog.h"
@@ -41,9 +42,9 @@ int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
   application.setApplicationName("Vonel");
   application.setQuitOnLastWindowClosed(false);
   const auto home = vonel::resolveHome(line.home);
-  vonel::SystemClock clock;
+  const std::unique_ptr<vonel::Clock> clock = vonel::platformClock();
   vonel::DialogPrompt prompt;
-  vonel::AppContext context(clock, prompt, vonel::platformAppInfo(home), vonel::platformLocaleFacts());
+  vonel::AppContext context(*clock, prompt, vonel::platformAppInfo(home), vonel::platformLocaleFacts());
   const QString command = vonel::passedCommand(line);
   vonel::SingleInstance instance(home);
   if (instance.passToRunningCopy(command, context.log)) return 0;
@@ -74,9 +75,11 @@ int runWithWindows(int argc, char** argv, const vonel::CommandLine& line) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  const vonel::demo::DemoOptions demo = vonel::demo::takeDemoOptions(argumentsOf(argc, argv));
+  if (demo.requested || !demo.error.isEmpty()) return vonel::demo::runDemo(argc, argv, demo);
   const vonel::CommandLine line = vonel::parseCommandLine(argumentsOf(argc, argv));
   if (line.help) {
-    std::printf("%s", qPrintable(vonel::commandLineHelp()));
+    std::printf("%s%s", qPrintable(vonel::commandLineHelp()), qPrintable(vonel::demo::demoHelp()));
     return 0;
   }
   if (line.version) {

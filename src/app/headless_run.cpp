@@ -215,9 +215,9 @@ bool askToTrust(AppContext& context, int account, MailService service) {
 
 int runHeadless(const CommandLine& line) {
   const auto home = resolveHome(line.home);
-  SystemClock clock;
+  const std::unique_ptr<Clock> clock = platformClock();
   ConsolePrompt prompt;
-  AppContext context(clock, prompt, platformAppInfo(home), platformLocaleFacts());
+  AppContext context(*clock, prompt, platformAppInfo(home), platformLocaleFacts());
   context.popLockstep = line.lockstep;
   HeadlessWindows windows;
   TerminalPasswordPrompt passwords;

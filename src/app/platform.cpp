@@ -47,6 +47,12 @@ AppInfo platformAppInfo(const std::filesystem::path& home) {
   return info;
 }
 
+std::unique_ptr<Clock> platformClock() {
+  const QDate today = QDate::fromString(qEnvironmentVariable("VONEL_TODAY"), "yyyy-MM-dd");
+  if (!today.isValid()) return std::make_unique<SystemClock>();
+  return std::make_unique<ShiftedClock>(QDate::currentDate().daysTo(today));
+}
+
 LocaleFacts platformLocaleFacts() {
   const QLocale locale = QLocale::system();
   LocaleFacts facts;

@@ -6,6 +6,11 @@ namespace vonel {
 
 text::DateTime SystemClock::now() const { return localDateTime(std::time(nullptr)); }
 
+text::DateTime ShiftedClock::now() const {
+  constexpr std::time_t kSecondsPerDay = 24 * 60 * 60;
+  return localDateTime(std::time(nullptr) + static_cast<std::time_t>(days_) * kSecondsPerDay);
+}
+
 text::DateTime localDateTime(std::time_t t) {
   std::tm local{};
 #ifdef _WIN32

@@ -21,6 +21,17 @@ class SystemClock final : public Clock {
   text::DateTime now() const override;
 };
 
+// The system's local time moved by whole days: a fixture's "today" on
+// another day, at the real time of day.
+class ShiftedClock final : public Clock {
+ public:
+  explicit ShiftedClock(long days) : days_(days) {}
+  text::DateTime now() const override;
+
+ private:
+  long days_;
+};
+
 // A clock that stands still until it is moved; for tests and golden runs.
 class FixedClock final : public Clock {
  public:
