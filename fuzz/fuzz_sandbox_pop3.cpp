@@ -6,6 +6,7 @@
 #include <string>
 
 #include "demo/pop3_sandbox_session.h"
+#include "sandbox_chunks.h"
 
 using namespace vonel::sandbox;
 
@@ -29,12 +30,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Pop3SandboxSession session(drop);
   // Logged in first when the first byte says so, to reach the mail commands.
   if (size > 0 && (data[0] & 1)) session.onData("USER jo\r\nPASS secret\r\n");
-  std::size_t at = 1;
-  while (at < size && !session.finished()) {
-    const std::size_t length = std::min<std::size_t>(data[at] % 64 + 1, size - at - 1);
-    const std::string reply = session.onData(std::string_view(reinterpret_cast<const char*>(data + at + 1), length));
-    if (!reply.empty() && !reply.ends_with("\r\n")) std::abort();
-    at += length + 1;
-  }
+  feedSandboxChunks(session, data, size);
   return 0;
 }

@@ -65,6 +65,13 @@ void CommandToolbar::addFixedEntry(const QString& buttonKey, const QString& entr
   updateMenuArrow(entry);
 }
 
+void CommandToolbar::addSendReceiveMenu(const QString& buttonKey) {
+  addMenu(buttonKey);
+  addFixedEntry(buttonKey, "upload", "Send Outbox");
+  addFixedEntry(buttonKey, "download", "Download Only");
+  addFixedEntry(buttonKey, "updownwithclear", "Download, Delete Spam and Send");
+}
+
 void CommandToolbar::clearAccountEntries(const QString& buttonKey) {
   Button& button = buttons_.at(buttonKey);
   // Deleted later: the rebuild may come from a handler of one of these entries.

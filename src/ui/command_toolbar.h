@@ -45,6 +45,8 @@ class CommandToolbar : public QToolBar {
   void addButton(const QString& key, const QString& picture, const QString& caption, const QString& description);
   void addMenu(const QString& key);
   void addFixedEntry(const QString& buttonKey, const QString& entryKey, const QString& caption);
+  // Send-and-receive's own menu: send only, download only, and both with spam deleted.
+  void addSendReceiveMenu(const QString& buttonKey);
   void clearAccountEntries(const QString& buttonKey);
   // Appends one entry per account, after a separator when `separated`.
   void addAccountEntries(const QString& buttonKey, const std::vector<AccountMenuEntry>& accounts,

@@ -20,4 +20,10 @@ std::filesystem::path AppHome::storeFolder(const std::filesystem::path& relative
   return folder;
 }
 
+std::filesystem::path AppHome::write(const std::string& name, std::string_view bytes) const {
+  const std::filesystem::path file = home / name;
+  files::writeTextFile(file, bytes);
+  return file;
+}
+
 }  // namespace vonel::testing

@@ -4,6 +4,7 @@
 // that the store's fixed folders exist.
 #include <QTemporaryDir>
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 #include "core/context/app_context.h"
@@ -18,6 +19,9 @@ struct AppHome {
 
   // A folder below the store root, made with its parents.
   std::filesystem::path storeFolder(const std::filesystem::path& relative) const;
+  // A file of the given bytes in the home.
+  std::filesystem::path write(const std::string& name, std::string_view bytes) const;
+  const std::filesystem::path& root() const { return context.folders.messageFolderPath; }
 
   QTemporaryDir dir;
   const std::filesystem::path home;

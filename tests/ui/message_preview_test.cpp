@@ -7,30 +7,18 @@
 #include <QToolBar>
 #include <QToolButton>
 #include <QtTest>
-#include <fstream>
 
 #include "core/context/app_context.h"
 #include "core/message/message.h"
 #include "ui/mailer/mail_text_view.h"
+#include "support/app_home.h"
 #include "ui/mailer/message_preview.h"
 
 using namespace vonel;
 
 namespace {
 
-struct Home {
-  QTemporaryDir dir;
-  const std::filesystem::path home = dir.path().toStdString();
-  FixedClock clock{text::DateTime{2026, 11, 23, 8, 5, 9}};
-  ScriptedPrompt prompt;
-  AppContext context{clock, prompt, AppInfo{"Vonel", "1.2.3", "TestOS 7", "/", home}};
-
-  std::filesystem::path write(const std::string& name, const std::string& text) const {
-    const std::filesystem::path file = home / name;
-    std::ofstream(file, std::ios::binary) << text;
-    return file;
-  }
-};
+using Home = testing::AppHome;
 
 std::string mail(const std::string& headers, const std::string& body) {
   return "From: Ann Example <ann@example.com>\r\nTo: Bob <BOB@Example.org>\r\nSubject: Hello\r\n" + headers +

@@ -6,27 +6,18 @@
 #include <QtTest>
 
 #include "core/context/app_context.h"
+#include "support/app_home.h"
 #include "ui/mailer/new_folder_dialog.h"
 
 using namespace vonel;
 
 namespace {
 
-struct Home {
-  QTemporaryDir dir;
-  const std::filesystem::path home = dir.path().toStdString();
-  FixedClock clock{text::DateTime{2026, 11, 23, 8, 5, 9}};
-  ScriptedPrompt prompt;
-  AppContext context{clock, prompt, AppInfo{"Vonel", "1.2.3", "TestOS 7", "/", home}};
-
+// A store with a folder below the inbox.
+struct Home : testing::AppHome {
   Home() {
-    context.folders.readMessageFolder();
-    context.folders.readDataFolder();
-    for (const char* folder : {"Inbox/Work", "Outbox", "Sent Items"}) {
-      std::filesystem::create_directories(context.folders.messageFolderPath / folder);
-    }
+    for (const char* folder : {"Inbox/Work", "Outbox", "Sent Items"}) storeFolder(folder);
   }
-  const std::filesystem::path& root() const { return context.folders.messageFolderPath; }
 };
 
 template <typename T>

@@ -39,10 +39,7 @@ MailerToolbar::MailerToolbar(QWidget* parent) : CommandToolbar("upanddown", pare
   addFixedEntry("filters", "editserver", "Edit Server Filters");
   addMenu("close");
   addFixedEntry("close", "quit", "Quit");
-  addMenu("upanddown");
-  addFixedEntry("upanddown", "upload", "Send Outbox");
-  addFixedEntry("upanddown", "download", "Download Only");
-  addFixedEntry("upanddown", "updownwithclear", "Download, Delete Spam and Send");
+  addSendReceiveMenu("upanddown");
   addMenu("sendrcvdel");
 
   // There is no reminder component on this system.

@@ -27,10 +27,7 @@ ScannerToolbar::ScannerToolbar(QWidget* parent) : CommandToolbar("upanddown", pa
   addButton("contacts", "contacts", "Contacts", "Open the contacts");
 
   for (const char* key : {"sendrcvdel", "scan", "delete"}) addMenu(key);
-  addMenu("upanddown");
-  addFixedEntry("upanddown", "upload", "Send Outbox");
-  addFixedEntry("upanddown", "download", "Download Only");
-  addFixedEntry("upanddown", "updownwithclear", "Download, Delete Spam and Send");
+  addSendReceiveMenu("upanddown");
   addMenu("close");
   addFixedEntry("close", "quit", "Quit");
   addMenu("filters");
