@@ -105,9 +105,22 @@ void addToLastMessageTag(Log& log, const Clock& clock, const fs::path& folder,
 }
 
 ShowFilter folderShowFilter(const fs::path& folder) {
-  if (files::fileExists(tagFile(folder, kShowUnreadOnly))) return ShowFilter::UnreadOnly;
-  if (files::fileExists(tagFile(folder, kShowUnreadHighOnly))) return ShowFilter::UnreadHighOnly;
-  return ShowFilter::All;
+  const auto spelledHere = [&](std::string_view name) { return files::fileExists(folder / fs::path(std::string(name))); };
+  if (spelledHere(kShowUnreadOnly)) return ShowFilter::UnreadOnly;
+  bool high = spelledHere(kShowUnreadHighOnly);
+  // Every showing of a folder asks this, and a folder may hold 50,000
+  // messages: the other spellings of both names are looked for in one walk.
+  std::error_code ec;
+  for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+    const std::string name = it->path().filename().string();
+    const bool unreadTag = text::equalsNoCase(name, kShowUnreadOnly);
+    if (!unreadTag && !text::equalsNoCase(name, kShowUnreadHighOnly)) continue;
+    std::error_code statError;
+    if (!it->is_regular_file(statError)) continue;
+    if (unreadTag) return ShowFilter::UnreadOnly;
+    high = true;
+  }
+  return high ? ShowFilter::UnreadHighOnly : ShowFilter::All;
 }
 
 void setFolderShowFilter(Log& log, const fs::path& folder, ShowFilter filter) {
