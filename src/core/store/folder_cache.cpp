@@ -36,7 +36,7 @@ class FolderCache::Listing {
 
   std::size_t size() const { return files_.size(); }
   const ListedFile* find(std::string_view name) const {
-    const auto it = index_.find(text::upper(name));
+    const auto it = index_.find(name);
     return it == index_.end() ? nullptr : &files_[it->second];
   }
   void markKnown(const ListedFile& file) { known_[static_cast<std::size_t>(&file - files_.data())] = true; }
@@ -51,7 +51,19 @@ class FolderCache::Listing {
  private:
   std::vector<ListedFile> files_;
   std::vector<bool> known_;
-  std::unordered_map<std::string_view, std::size_t> index_;  // views of the keys in files_
+  // Looked up once or twice for every message of a warm open, so a name is
+  // matched ignoring case without an upper-case copy of it.
+  struct NoCaseHash {
+    std::size_t operator()(std::string_view name) const {
+      std::size_t hash = 14695981039346656037ULL;
+      for (const char c : name) hash = (hash ^ static_cast<unsigned char>(text::upperByte(c))) * 1099511628211ULL;
+      return hash;
+    }
+  };
+  struct NoCaseEqual {
+    bool operator()(std::string_view a, std::string_view b) const { return text::equalsNoCase(a, b); }
+  };
+  std::unordered_map<std::string_view, std::size_t, NoCaseHash, NoCaseEqual> index_;  // views of the keys in files_
 };
 
 FolderCache::FolderCache(AppContext& context, Progress& events) : context_(context), events_(events) {}
@@ -80,7 +92,7 @@ bool FolderCache::fillCache(Progress& progress, const fs::path& path, std::strin
       std::size_t stale = 0;
       messages.removeIf([&](const CachedMessage& cached) {
         if (stopAsked_) return false;  // all goes below
-        const ListedFile* file = listing.find(messageKey(cached.filename));
+        const ListedFile* file = listing.find(messageName(cached.filename));
         const bool unchanged = file != nullptr && file->modified == cached.fileDate;
         if (unchanged) listing.markKnown(*file);
         if (++scanned % 10 == 0) {
