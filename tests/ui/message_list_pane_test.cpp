@@ -231,6 +231,60 @@ class MessageListPaneTest : public QObject {
     QVERIFY(f.pane.findChild<QLabel*>("lblMessageListStatus")->text().isEmpty());
   }
 
+  // A click elsewhere while a folder's cache fills, once as the fill starts
+  // reading headers and once as a search is typed instead.
+  void aClickDuringAFillStopsItAndTheNextVisitFillsAgain() {
+    for (const bool bySearch : {false, true}) {
+      Fixture f;
+      f.make("Cold", 300, false);
+      f.make("B", 7);
+      bool asked = false;
+      connect(&f.pane, &MessageListPane::progressText, &f.pane, [&](const QString& text) {
+        if (asked || text != "Adding 50/300 new messages") return;
+        asked = true;
+        if (bySearch) {
+          f.pane.findChild<QLineEdit*>("txtSearchString")->setText("Subject");
+          f.pane.relist();  // as the filter's timer would, without its wait
+        } else {
+          f.show("B");
+        }
+      });
+      f.show("Cold");
+      QVERIFY(asked);
+      const store::FolderCache* cold = f.pane.caches().find(f.folder("Cold"));
+      if (bySearch) {
+        // The search lists the same folder, so it fills it first, in whole.
+        QVERIFY(cold && cold->cacheFilled());
+        QCOMPARE(cold->count(), std::size_t{300});
+        QCOMPARE(f.finished.count(), 1);
+        continue;
+      }
+      QVERIFY(cold && !cold->cacheFilled());
+      QCOMPARE(cold->count(), std::size_t{0});
+      QVERIFY(!files::fileExists(f.folder("Cold") / "cache.xml"));
+      QCOMPARE(f.lastCount(), QString("7 messages in B"));
+      QCOMPARE(f.finished.count(), 1);
+
+      f.show("Cold");
+      QVERIFY(cold->cacheFilled());
+      QCOMPARE(f.pane.model().rowCount(), 300);
+      QVERIFY(files::fileExists(f.folder("Cold") / "cache.xml"));
+    }
+  }
+
+  void aWindowClosingDuringAFillListsNothingHalfRead() {
+    Fixture f;
+    f.make("Cold", 300, false);
+    connect(&f.pane, &MessageListPane::progressText, &f.pane, [&](const QString& text) {
+      if (text == "Adding 100/300 new messages") f.pane.stopPopulating();
+    });
+    f.show("Cold");
+    QVERIFY(!f.pane.populating());
+    QCOMPARE(f.pane.model().rowCount(), 0);
+    QCOMPARE(f.finished.count(), 0);
+    QVERIFY(!f.pane.caches().find(f.folder("Cold"))->cacheFilled());
+  }
+
   void theShowFilterCyclesThroughItsTagFiles() {
     Fixture f;
     const auto made = f.make("A", 40);

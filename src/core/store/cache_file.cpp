@@ -175,23 +175,27 @@ fs::path rebaseCachedPath(std::string_view listed, const fs::path& storeRoot) {
   return storeRoot / fs::path(portable);
 }
 
-bool readCacheText(std::string_view text, const fs::path& storeRoot, const FileExistsTest& exists,
-                   const CachedMessageSink& add) {
-  if (cacheFileVersion(text) < kCacheVersion) return false;
+CacheTextRead readCacheText(std::string_view text, const fs::path& storeRoot, const FileExistsTest& exists,
+                            const CachedMessageSink& add, const KeepGoing& keepGoing) {
+  // A piece costs a few microseconds; this many stay well inside a window's frame.
+  constexpr std::size_t kPiecesBetweenAsks = 64;
+  if (cacheFileVersion(text) < kCacheVersion) return CacheTextRead::TooOld;
   std::string edited;
   const std::string_view all = messagesSection(text, edited);
   constexpr std::string_view kEnd = "</MESSAGE>";
   // A piece without its closing tag is a file cut short: what it lists is read
   // again from the message file rather than trusted half-told.
+  std::size_t pieces = 0;
   for (std::size_t start = 0, end = findNoCaseAt(all, kEnd, 0); end != std::string_view::npos;
        start = end + kEnd.size(), end = findNoCaseAt(all, kEnd, start)) {
+    if (keepGoing && ++pieces % kPiecesBetweenAsks == 0 && !keepGoing()) return CacheTextRead::Stopped;
     const std::string_view piece = all.substr(start, end - start);
     if (findNoCaseAt(piece, "<MESSAGE>", 0) == std::string_view::npos) continue;
     const PieceFields fields(piece);
     const fs::path file = rebaseCachedPath(fields.text(kFilename), storeRoot);
     if (exists(file)) add(readPiece(fields, file));
   }
-  return true;
+  return CacheTextRead::Whole;
 }
 
 std::string_view cacheFileHead() {

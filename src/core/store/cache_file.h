@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/interaction/progress.h"
 #include "core/store/cached_message.h"
 
 namespace vonel::store {
@@ -23,12 +24,14 @@ double cacheFileVersion(std::string_view text);
 // lower case. `exists` decides whether it is kept.
 using FileExistsTest = std::function<bool(const std::filesystem::path&)>;
 
-// Hands each message a cache file lists to `add`, in its order; false, and
-// nothing handed, when the file's version is too old. Pieces that can't be
-// read are skipped.
+// Hands each message a cache file lists to `add`, in its order, asking
+// `keepGoing` every so many messages. Nothing is handed when the file's
+// version is too old; pieces that can't be read are skipped.
+enum class CacheTextRead { Whole, TooOld, Stopped };
 using CachedMessageSink = std::function<void(CachedMessage&&)>;
-bool readCacheText(std::string_view text, const std::filesystem::path& storeRoot, const FileExistsTest& exists,
-                   const CachedMessageSink& add);
+CacheTextRead readCacheText(std::string_view text, const std::filesystem::path& storeRoot,
+                            const FileExistsTest& exists, const CachedMessageSink& add,
+                            const KeepGoing& keepGoing = {});
 
 // The path of a listed file on this store: the store root joined with what
 // follows the old root or the "messages" folder in it.

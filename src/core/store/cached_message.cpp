@@ -43,9 +43,11 @@ message::Message CachedMessage::toMessage() const {
   return m;
 }
 
-std::string messageKey(std::string_view path) {
+std::string messageKey(std::string_view path) { return std::string(messageName(path)); }
+
+std::string_view messageName(std::string_view path) {
   const std::size_t nameStart = path.find_last_of("\\/") + 1;  // npos + 1 is 0
-  return std::string(path.substr(nameStart));
+  return path.substr(nameStart);
 }
 
 }  // namespace vonel::store

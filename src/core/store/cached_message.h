@@ -34,5 +34,7 @@ struct CachedMessage {
 
 // The name part of a path: the cache's key for a message, compared ignoring case.
 std::string messageKey(std::string_view path);
+// The same, as a view into the path.
+std::string_view messageName(std::string_view path);
 
 }  // namespace vonel::store

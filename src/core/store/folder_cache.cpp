@@ -28,14 +28,15 @@ constexpr std::size_t kWriteBuffer = 1 << 16;
 // cache is found to know it unchanged.
 class FolderCache::Listing {
  public:
-  explicit Listing(const fs::path& folder) : files_(listMessageFiles(folder)), known_(files_.size(), false) {
+  Listing(const fs::path& folder, const KeepGoing& keepGoing)
+      : files_(listMessageFiles(folder, keepGoing)), known_(files_.size(), false) {
     index_.reserve(files_.size());
     for (std::size_t at = 0; at < files_.size(); ++at) index_.emplace(files_[at].key, at);
   }
 
   std::size_t size() const { return files_.size(); }
   const ListedFile* find(std::string_view name) const {
-    const auto it = index_.find(text::upper(name));
+    const auto it = index_.find(name);
     return it == index_.end() ? nullptr : &files_[it->second];
   }
   void markKnown(const ListedFile& file) { known_[static_cast<std::size_t>(&file - files_.data())] = true; }
@@ -50,21 +51,39 @@ class FolderCache::Listing {
  private:
   std::vector<ListedFile> files_;
   std::vector<bool> known_;
-  std::unordered_map<std::string_view, std::size_t> index_;  // views of the keys in files_
+  // Looked up once or twice for every message of a warm open, so a name is
+  // matched ignoring case without an upper-case copy of it.
+  struct NoCaseHash {
+    std::size_t operator()(std::string_view name) const {
+      std::size_t hash = 14695981039346656037ULL;
+      for (const char c : name) hash = (hash ^ static_cast<unsigned char>(text::upperByte(c))) * 1099511628211ULL;
+      return hash;
+    }
+  };
+  struct NoCaseEqual {
+    bool operator()(std::string_view a, std::string_view b) const { return text::equalsNoCase(a, b); }
+  };
+  std::unordered_map<std::string_view, std::size_t, NoCaseHash, NoCaseEqual> index_;  // views of the keys in files_
 };
 
 FolderCache::FolderCache(AppContext& context, Progress& events) : context_(context), events_(events) {}
 
-void FolderCache::fillCache(Progress& progress, const fs::path& path, std::string mailFolderName) {
+bool FolderCache::fillCache(Progress& progress, const fs::path& path, std::string mailFolderName) {
   guardedStep(context_.log, log_places::kFillCache, kModule, [&] {
     filling_ = true;
+    stopAsked_ = false;
+    const KeepGoing keepGoing = [&] {
+      progress.letEventsRun();
+      return !stopAsked_;
+    };
     path_ = path.has_filename() ? path : path.parent_path();
     mailFolderName_ = std::move(mailFolderName);
     progress.status("Reading mail files");
     dirty_ = false;
-    Listing listing(path_);
+    Listing listing(path_, keepGoing);
+    if (stopAsked_) return;
     if (listing.size() > 100) progress.status("Found " + std::to_string(listing.size()) + " messages");
-    if (messages.empty() && files::fileExists(cacheFile())) readCache(&listing);
+    if (messages.empty() && files::fileExists(cacheFile()) && !readCache(&listing, keepGoing)) return;
 
     if (!messages.empty()) {
       // A cached message stays only if its file is listed with the time the cache knew.
@@ -72,7 +91,8 @@ void FolderCache::fillCache(Progress& progress, const fs::path& path, std::strin
       std::size_t scanned = 0;
       std::size_t stale = 0;
       messages.removeIf([&](const CachedMessage& cached) {
-        const ListedFile* file = listing.find(messageKey(cached.filename));
+        if (stopAsked_) return false;  // all goes below
+        const ListedFile* file = listing.find(messageName(cached.filename));
         const bool unchanged = file != nullptr && file->modified == cached.fileDate;
         if (unchanged) listing.markKnown(*file);
         if (++scanned % 10 == 0) {
@@ -82,6 +102,7 @@ void FolderCache::fillCache(Progress& progress, const fs::path& path, std::strin
         stale += unchanged ? 0 : 1;
         return !unchanged;
       });
+      if (stopAsked_) return;
       if (stale > 0) dirty_ = true;
     }
 
@@ -91,13 +112,23 @@ void FolderCache::fillCache(Progress& progress, const fs::path& path, std::strin
       // A fill from nothing counts every file as it goes; a top-up names the number first.
       if (!messages.empty()) progress.status("Adding " + std::to_string(unknown.size()) + " new messages");
     }
-    for (std::size_t i = 0; i < unknown.size(); ++i) addHeadersOf(progress, path_ / unknown[i]->name, i + 1, unknown.size());
+    for (std::size_t i = 0; i < unknown.size() && !stopAsked_; ++i) addHeadersOf(progress, path_ / unknown[i]->name, i + 1, unknown.size());
 
+    if (stopAsked_) return;
     progress.status("Tidying up");
     filling_ = false;
     filled_ = true;
   });
   filling_ = false;
+  if (stopAsked_) {
+    // Half a folder must neither be listed as the whole nor written over the file.
+    messages.clear();
+    dirty_ = false;
+    filled_ = false;
+    stopAsked_ = false;
+    return false;
+  }
+  return true;
 }
 
 void FolderCache::addHeadersOf(Progress& progress, const fs::path& file, std::size_t done, std::size_t total) {
@@ -112,10 +143,10 @@ void FolderCache::addHeadersOf(Progress& progress, const fs::path& file, std::si
 }
 
 void FolderCache::readCache() {
-  guardedStep(context_.log, log_places::kReadCache, kModule, [&] { readCache(nullptr); });
+  guardedStep(context_.log, log_places::kReadCache, kModule, [&] { readCache(nullptr, {}); });
 }
 
-void FolderCache::readCache(const Listing* listing) {
+bool FolderCache::readCache(const Listing* listing, const KeepGoing& keepGoing) {
   messages.clear();
   const auto exists = [&](const fs::path& file) {
     // A file of this folder is looked up in its listing; only others cost a look at the disk.
@@ -128,15 +159,17 @@ void FolderCache::readCache(const Listing* listing) {
     return files::findAnyCase(file.parent_path(), file.filename().string()).has_value();
   };
   if (listing != nullptr) messages.reserve(listing->size());
-  bool current = false;
+  CacheTextRead read = CacheTextRead::Whole;
   {
     const files::FileView cache(cacheFile());
-    current = readCacheText(cache.text(), context_.folders.messageFolderPath, exists, [&](CachedMessage&& message) {
+    const auto add = [&](CachedMessage&& message) {
       std::string key = messageKey(message.filename);  // before the message is moved away
       messages.add(std::move(key), std::move(message));
-    });
+    };
+    read = readCacheText(cache.text(), context_.folders.messageFolderPath, exists, add, keepGoing);
   }
-  if (!current) files::eraseFile(cacheFile());
+  if (read == CacheTextRead::TooOld) files::eraseFile(cacheFile());
+  return read != CacheTextRead::Stopped;
 }
 
 void FolderCache::writeCache(bool force) {

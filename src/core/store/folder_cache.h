@@ -22,8 +22,12 @@ class FolderCache {
   // `events` is let run at fixed counts during long work.
   FolderCache(AppContext& context, Progress& events);
 
-  // Fills from the cache file and the folder, re-reading only what is new or changed.
-  void fillCache(Progress& progress, const std::filesystem::path& path, std::string mailFolderName);
+  // Fills from the cache file and the folder, re-reading only what is new or
+  // changed. A stop asked for meanwhile leaves the cache empty and not
+  // filled, and gives false.
+  bool fillCache(Progress& progress, const std::filesystem::path& path, std::string mailFolderName);
+  // Ends a fill under way at its next letting run of events; nothing otherwise.
+  void stopFilling() { stopAsked_ = filling_; }
   // Writes the file when dirty (or erases it) and forgets the folder.
   void clear(bool deleteDiskCache);
   void readCache();
@@ -58,7 +62,8 @@ class FolderCache {
 
   std::filesystem::path cacheFile() const { return path_ / "cache.xml"; }
   CachedMessage& item(std::string_view path);
-  void readCache(const Listing* listing);
+  // False when the cache file was read only in part, a stop having been asked for.
+  bool readCache(const Listing* listing, const KeepGoing& keepGoing);
   void writeCache();
   void addHeadersOf(Progress& progress, const std::filesystem::path& file, std::size_t done, std::size_t total);
 
@@ -69,6 +74,7 @@ class FolderCache {
   bool dirty_ = false;
   bool filling_ = false;
   bool filled_ = false;
+  bool stopAsked_ = false;
   std::size_t headersRead_ = 0;
 };
 

@@ -93,6 +93,7 @@ bool FolderCaches::changeTags(const fs::path& folder, std::string_view file, std
 
 void FolderCaches::rescanAll() {
   if (context_.noCacheMode) return;
+  rescanStopped_ = false;
   // By position: a fill lets events run, and they may add a cache behind this one.
   for (std::size_t at = 0; at < caches_.size(); ++at) {
     FolderCache& cache = *caches_.at(at).value;
@@ -105,7 +106,14 @@ void FolderCaches::rescanAll() {
     // The file goes too: a rescan must not trust what a stale cache file says.
     cache.clear(true);
     cache.fillCache(progress_, path, name);
+    // The caches not reached yet keep what they hold; the stopped one fills when next shown.
+    if (rescanStopped_) return;
   }
+}
+
+void FolderCaches::stopFilling() {
+  rescanStopped_ = true;
+  for (auto& entry : caches_) entry.value->stopFilling();
 }
 
 void FolderCaches::writeAll() {

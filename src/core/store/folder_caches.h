@@ -45,6 +45,8 @@ class FolderCaches {
   // Empties every cache that knows its folder and fills it again from the
   // files; nothing at all while the cache is switched off.
   void rescanAll();
+  // Stops the fill under way, and with it a rescan of them all.
+  void stopFilling();
   // Writes the caches that differ from their files.
   void writeAll();
 
@@ -58,6 +60,7 @@ class FolderCaches {
   AppContext& context_;
   Progress& progress_;
   text::KeyedCollection<std::unique_ptr<FolderCache>> caches_;
+  bool rescanStopped_ = false;
 };
 
 }  // namespace vonel::store

@@ -23,14 +23,24 @@ bool isMessageName(std::string_view name) {
   return name.size() > kExtension.size() && text::equalsNoCase(name.substr(name.size() - kExtension.size()), kExtension);
 }
 
+// A look at an entry costs a few microseconds: this many stay well inside a
+// window's frame between two askings.
+constexpr std::size_t kEntriesBetweenAsks = 256;
+
+bool stopsHere(std::size_t entriesSeen, const KeepGoing& keepGoing) {
+  return keepGoing && entriesSeen % kEntriesBetweenAsks == 0 && !keepGoing();
+}
+
 }  // namespace
 
 #ifdef _WIN32
-std::vector<ListedFile> listMessageFiles(const fs::path& folder) {
+std::vector<ListedFile> listMessageFiles(const fs::path& folder, const KeepGoing& keepGoing) {
   // The directory entries of this system carry the times, so no file is looked at.
   std::vector<ListedFile> files;
   std::error_code ec;
+  std::size_t seen = 0;
   for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+    if (stopsHere(++seen, keepGoing)) return {};
     std::string name = it->path().filename().string();
     std::error_code statError;
     if (!isMessageName(name) || !it->is_regular_file(statError)) continue;
@@ -40,12 +50,17 @@ std::vector<ListedFile> listMessageFiles(const fs::path& folder) {
     files.push_back({std::move(name), std::move(key), files::localFileTime(written)});
   }
 #else
-std::vector<ListedFile> listMessageFiles(const fs::path& folder) {
+std::vector<ListedFile> listMessageFiles(const fs::path& folder, const KeepGoing& keepGoing) {
   std::vector<ListedFile> files;
   DIR* directory = ::opendir(folder.c_str());
   if (directory == nullptr) return files;
   const int directoryFd = ::dirfd(directory);
+  std::size_t seen = 0;
   while (const dirent* entry = ::readdir(directory)) {
+    if (stopsHere(++seen, keepGoing)) {
+      ::closedir(directory);
+      return {};
+    }
     const std::string_view name(entry->d_name);
     if (!isMessageName(name)) continue;
     // A look relative to the open folder walks one name, not the whole path.

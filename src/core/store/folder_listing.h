@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/interaction/progress.h"
 #include "core/text/dates.h"
 
 namespace vonel::store {
@@ -16,7 +17,8 @@ struct ListedFile {
 };
 
 // The files whose name ends in ".eml" in any case, sorted by name ignoring
-// case. A folder that can't be read gives none.
-std::vector<ListedFile> listMessageFiles(const std::filesystem::path& folder);
+// case. A folder that can't be read gives none, and so does a walk that
+// `keepGoing`, asked every so many entries, stops.
+std::vector<ListedFile> listMessageFiles(const std::filesystem::path& folder, const KeepGoing& keepGoing = {});
 
 }  // namespace vonel::store

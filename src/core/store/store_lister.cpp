@@ -172,7 +172,13 @@ void StoreLister::populateFromCache(FolderCache& cache, const ListFilter& filter
 }
 
 void StoreLister::populateMessageList(const fs::path& path, const ListFilter& filter) {
-  const auto listing = listMessageFiles(path);
+  stop_ = false;
+  const auto listing = listMessageFiles(path, [this] {
+    events_.letEventsRun();
+    return !stop_;
+  });
+  // A stop during the walk ends the population before it has told anything.
+  if (stop_) return;
   const auto fetch = [&](long i) {
     ++headersRead_;
     return message::readMessageHeader(path / listing[static_cast<std::size_t>(i) - 1].name, context_.log);

@@ -3,7 +3,10 @@
 #include <cmath>
 #include <limits>
 
-#include "core/files/any_case.h"
+#ifndef _WIN32
+#include <dirent.h>
+#endif
+
 #include "core/files/atomic_file.h"
 #include "core/files/file_info.h"
 #include "core/files/file_text.h"
@@ -24,10 +27,40 @@ constexpr std::string_view kLastMessageTag = "LastMsg.Tag";
 constexpr std::string_view kShowUnreadOnly = "ShowUnreadOnly.tag";
 constexpr std::string_view kShowUnreadHighOnly = "ShowUnreadHighOnly.tag";
 
+// Hands `look` each name in the folder until it answers true. A folder may
+// hold 50,000 messages and each showing of it looks for tags, so no name is
+// copied on the way.
+template <typename Look>
+void walkNames(const fs::path& folder, const Look& look) {
+#ifdef _WIN32
+  std::error_code ec;
+  for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+    if (look(it->path().filename().string())) return;
+  }
+#else
+  DIR* directory = ::opendir(folder.c_str());
+  if (directory == nullptr) return;
+  while (const dirent* entry = ::readdir(directory)) {
+    if (look(std::string_view(entry->d_name))) break;
+  }
+  ::closedir(directory);
+#endif
+}
+
 // The tag files are written under one spelling of their names and read under
 // another, and folders on disk hold either; on a case-sensitive disk both
-// must reach the one file there is.
-fs::path tagFile(const fs::path& folder, std::string_view name) { return files::resolveAnyCase(folder, name); }
+// must reach the one file there is. The spelling given wins.
+fs::path tagFile(const fs::path& folder, std::string_view name) {
+  fs::path exact = folder / fs::path(std::string(name));
+  std::error_code ec;
+  if (fs::exists(exact, ec)) return exact;
+  walkNames(folder, [&](std::string_view entry) {
+    if (!text::equalsNoCase(entry, name)) return false;
+    exact = folder / fs::path(std::string(entry));
+    return true;
+  });
+  return exact;
+}
 
 std::string loadTag(const fs::path& folder, std::string_view name) {
   const fs::path file = tagFile(folder, name);
@@ -105,9 +138,20 @@ void addToLastMessageTag(Log& log, const Clock& clock, const fs::path& folder,
 }
 
 ShowFilter folderShowFilter(const fs::path& folder) {
-  if (files::fileExists(tagFile(folder, kShowUnreadOnly))) return ShowFilter::UnreadOnly;
-  if (files::fileExists(tagFile(folder, kShowUnreadHighOnly))) return ShowFilter::UnreadHighOnly;
-  return ShowFilter::All;
+  const auto spelledHere = [&](std::string_view name) { return files::fileExists(folder / fs::path(std::string(name))); };
+  if (spelledHere(kShowUnreadOnly)) return ShowFilter::UnreadOnly;
+  bool high = spelledHere(kShowUnreadHighOnly);
+  // The other spellings of both names are looked for in one walk.
+  bool unread = false;
+  walkNames(folder, [&](std::string_view name) {
+    const bool unreadTag = text::equalsNoCase(name, kShowUnreadOnly);
+    if (!unreadTag && !text::equalsNoCase(name, kShowUnreadHighOnly)) return false;
+    std::error_code ec;
+    if (!fs::is_regular_file(folder / fs::path(std::string(name)), ec)) return false;
+    (unreadTag ? unread : high) = true;
+    return unread;
+  });
+  return unread ? ShowFilter::UnreadOnly : high ? ShowFilter::UnreadHighOnly : ShowFilter::All;
 }
 
 void setFolderShowFilter(Log& log, const fs::path& folder, ShowFilter filter) {

@@ -119,13 +119,16 @@ void MessageListPane::rescanFolder() {
 
 void MessageListPane::rescanAll() { ask(Request{Work::RescanAll, folder_, folderName_}); }
 
-void MessageListPane::stopPopulating() { lister_.stopPopulating(); }
+void MessageListPane::stopPopulating() {
+  lister_.stopPopulating();
+  caches_.stopFilling();
+}
 
 void MessageListPane::ask(Request request) {
   // The newest request wins; one under way stops at its next yield and the loop below takes this one up.
   pending_ = std::move(request);
   if (working_) {
-    lister_.stopPopulating();
+    stopPopulating();
     return;
   }
   runRequests();
@@ -179,9 +182,10 @@ void MessageListPane::populate(const Request& request) {
       yieldNow();
       if (pending_) return;
       cache = &caches_.obtain(folder_);
-      cache->fillCache(*this, folder_, fromQString(folderName_));
+      const bool whole = cache->fillCache(*this, folder_, fromQString(folderName_));
       cache->writeCache(false);
-      if (pending_) return;
+      if (!whole) model_.clear();
+      if (pending_ || !whole) return;
     }
     // A search reads the files, yet a message the cache holds is shown from there.
     model_.setSource(&cache->messages);

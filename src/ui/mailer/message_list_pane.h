@@ -46,6 +46,7 @@ class MessageListPane final : public QWidget, private store::StoreListerListener
   void rescanFolder();
   // Rebuilds every cache from the files, then lists the folder again.
   void rescanAll();
+  // Stops a listing or a cache fill under way at its next yield.
   void stopPopulating();
   bool populating() const { return working_; }
   // How many message files the listings so far have opened (searches, and all with the cache off).

@@ -19,7 +19,10 @@ const FileExistsTest kEverythingExists = [](const fs::path&) { return true; };
 std::optional<std::vector<CachedMessage>> read(std::string_view text, const fs::path& root,
                                                const FileExistsTest& exists = kEverythingExists) {
   std::vector<CachedMessage> messages;
-  if (!readCacheText(text, root, exists, [&](CachedMessage&& m) { messages.push_back(std::move(m)); })) return {};
+  if (readCacheText(text, root, exists, [&](CachedMessage&& m) { messages.push_back(std::move(m)); }) !=
+      CacheTextRead::Whole) {
+    return {};
+  }
   return messages;
 }
 
@@ -84,6 +87,29 @@ TEST(CacheFileTest, AHandWrittenFileReadsWithItsPathsRebasedOntoThisStore) {
   EXPECT_EQ(second.bayes, 0.25f);
   EXPECT_TRUE(second.read && second.replied && second.highPriority);
   EXPECT_EQ(second.tags, "work,urgent");
+}
+
+TEST(CacheFileTest, ALongReadAsksToGoOnAtFixedCountsAndStopsWhereTold) {
+  const fs::path root = "/data/Messages";
+  std::string text(cacheFileHead());
+  for (int i = 0; i < 200; ++i) {
+    CachedMessage m;
+    m.filename = (root / "Inbox" / ("m" + std::to_string(i) + ".eml")).string();
+    appendCacheElement(text, m, std::nullopt);
+  }
+  text.append(cacheFileTail());
+  for (const int stopAt : {0, 1, 2}) {
+    SCOPED_TRACE(stopAt);
+    int asked = 0;
+    std::size_t handed = 0;
+    const CacheTextRead read = readCacheText(
+        text, root, kEverythingExists, [&](CachedMessage&&) { ++handed; }, [&] { return ++asked != stopAt; });
+    EXPECT_EQ(read, stopAt == 0 ? CacheTextRead::Whole : CacheTextRead::Stopped);
+    EXPECT_EQ(asked, stopAt == 0 ? 3 : stopAt);
+    EXPECT_EQ(handed, stopAt == 0 ? 200u : static_cast<std::size_t>(64 * stopAt - 1));
+  }
+  EXPECT_EQ(readCacheText("<CACHEVER>2", root, kEverythingExists, [](CachedMessage&&) {}, [] { return false; }),
+            CacheTextRead::TooOld);
 }
 
 TEST(CacheFileTest, TheWriterLaysOutTheFileByteForByte) {

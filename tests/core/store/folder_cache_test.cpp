@@ -122,5 +122,79 @@ TEST_F(CacheTest, NoCacheModeWritesNothingAndAWriteErasesTheOldCsv) {
   EXPECT_FALSE(files::fileExists(inbox() / "cache.xml"));
 }
 
+
+// A window's events that ask the fill under way to stop at their n-th run.
+class StoppingEvents final : public Progress {
+ public:
+  explicit StoppingEvents(int stopAt) : stopAt_(stopAt) {}
+  FolderCache* cache = nullptr;
+  int runs = 0;
+  void status(std::string_view) override {}
+  void letEventsRun() override {
+    if (++runs == stopAt_) cache->stopFilling();
+  }
+
+ private:
+  int stopAt_;
+};
+
+class StoppedFillTest : public CacheTest {
+ protected:
+  // Enough files for the walk, the cache read and the header reads each to let events run.
+  void SetUp() override {
+    for (int i = 0; i < 400; ++i) {
+      home.writeMessage(inbox(), "m" + std::to_string(1000 + i) + ".eml", "Subject: S" + std::to_string(i), monday);
+    }
+  }
+  // Fills with a stop asked at the n-th run of events; tells whether the fill finished.
+  bool fillStoppedAt(FolderCache& cache, int stopAt, int* runs = nullptr) {
+    StoppingEvents events(stopAt);
+    events.cache = &cache;
+    const bool whole = cache.fillCache(events, inbox(), "Inbox");
+    if (runs) *runs = events.runs;
+    return whole;
+  }
+};
+
+TEST_F(StoppedFillTest, AColdFillStoppedAnywhereLeavesNothingFilledOrWritten) {
+  int runs = 0;
+  {
+    FolderCache whole(home.context, quiet);
+    ASSERT_TRUE(fillStoppedAt(whole, 0, &runs));
+  }
+  ASSERT_GT(runs, 5);  // the walk once, then every fifty headers
+  for (const int stopAt : {1, 2, runs}) {
+    SCOPED_TRACE(stopAt);
+    FolderCache cache(home.context, quiet);
+    EXPECT_FALSE(fillStoppedAt(cache, stopAt));
+    EXPECT_FALSE(cache.cacheFilled());
+    EXPECT_FALSE(cache.cacheFilling());
+    EXPECT_FALSE(cache.dirty());
+    EXPECT_EQ(cache.count(), 0u);
+    cache.writeCache(false);
+    cache.clear(false);
+    EXPECT_FALSE(files::fileExists(inbox() / "cache.xml"));
+  }
+  // A stop asked between fills is no stop for the next one.
+  FolderCache cache(home.context, quiet);
+  cache.stopFilling();
+  EXPECT_TRUE(cache.fillCache(quiet, inbox(), "Inbox"));
+  EXPECT_EQ(cache.count(), 400u);
+}
+
+TEST_F(StoppedFillTest, AWarmFillStoppedInTheCacheReadKeepsTheFileForTheNextVisit) {
+  fillAndLeave();
+  const std::string written = files::loadTextFile(inbox() / "cache.xml");
+  FolderCache cache(home.context, quiet);
+  int runs = 0;
+  // The walk asks once; the second run is inside the cache read.
+  EXPECT_FALSE(fillStoppedAt(cache, 2, &runs));
+  EXPECT_EQ(runs, 2);
+  EXPECT_EQ(cache.count(), 0u);
+  cache.clear(false);
+  EXPECT_EQ(files::loadTextFile(inbox() / "cache.xml"), written);
+  EXPECT_EQ(fillAndLeave(), 0u);
+}
+
 }  // namespace
 }  // namespace vonel::store

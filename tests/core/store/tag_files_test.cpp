@@ -90,6 +90,14 @@ TEST_F(TagFilesTest, ShowFiltersExcludeEachOther) {
   EXPECT_EQ(folderShowFilter(folder()), ShowFilter::All);
 }
 
+TEST_F(TagFilesTest, ShowFiltersAreFoundInAnySpellingAndUnreadOnlyWins) {
+  fs::create_directory(folder() / "showunreadonly.TAG");  // a folder so named is no tag
+  files::writeTextFile(folder() / "SHOWUNREADHIGHONLY.TAG", "");
+  EXPECT_EQ(folderShowFilter(folder()), ShowFilter::UnreadHighOnly);
+  files::writeTextFile(folder() / "SHOWUNREADONLY.tag", "");
+  EXPECT_EQ(folderShowFilter(folder()), ShowFilter::UnreadOnly);
+}
+
 TEST(RemoveCountTest, StripsEveryBracketedCount) {
   EXPECT_EQ(removeCount("Inbox (3)"), "Inbox");
   EXPECT_EQ(removeCount("Work (2) (1)"), "Work");
