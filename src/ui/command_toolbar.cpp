@@ -14,6 +14,11 @@ constexpr int kIconSize = 24;
 
 }  // namespace
 
+const QString CommandToolbar::kStopTip = QStringLiteral("Stop the mail check that is running");
+const QString CommandToolbar::kSendReceiveTip = QStringLiteral("Send the outbox and download new mail");
+const QString CommandToolbar::kCleanTip =
+    QStringLiteral("Check the servers, delete spam there and download the rest");
+
 CommandToolbar::CommandToolbar(const QString& captionedKey, QWidget* parent)
     : QToolBar(QStringLiteral("Toolbar"), parent), captionedKey_(captionedKey) {
   setObjectName("Toolbar1");

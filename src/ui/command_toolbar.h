@@ -37,6 +37,11 @@ class CommandToolbar : public QToolBar {
   void menuEntryChosen(const QString& buttonKey, const QString& entryKey);
 
  protected:
+  // The tool-tips of the buttons both windows have.
+  static const QString kStopTip;
+  static const QString kSendReceiveTip;
+  static const QString kCleanTip;
+
   struct AccountEntry {
     const char* keyPrefix;  // the entry's objectName is this and the account's number
     QString captionPrefix;  // its caption is this and the account's name

@@ -128,7 +128,7 @@ void FolderTree::setCounted(QTreeWidgetItem* node, int count, bool& changed) {
   }
 }
 
-bool FolderTree::applyTagFiles(QTreeWidgetItem* node) {
+bool FolderTree::applyTagFiles(QTreeWidgetItem* node, const store::AgeLimits& limits, const text::DateTime& now) {
   const fs::path folder = folderOf(node);
   const int count = store::unreadTagCount(folder);
   bool changed = false;
@@ -141,8 +141,7 @@ bool FolderTree::applyTagFiles(QTreeWidgetItem* node) {
     return changed;
   }
   setCounted(node, count, changed);
-  const std::int32_t colour = store::folderNodeColour(store::AgeLimits::read(ctx_.settings), ctx_.clock.now(),
-                                                      store::lastMessageTagDay(folder));
+  const std::int32_t colour = store::folderNodeColour(limits, now, store::lastMessageTagDay(folder));
   if (colourOf(node) != colour) {
     setColour(node, colour);
     changed = true;
@@ -152,7 +151,7 @@ bool FolderTree::applyTagFiles(QTreeWidgetItem* node) {
 
 bool FolderTree::setNodeColour(QTreeWidgetItem* node) {
   if (!node) return false;
-  const bool changed = applyTagFiles(node);
+  const bool changed = applyTagFiles(node, store::AgeLimits::read(ctx_.settings), ctx_.clock.now());
   if (changed && colourOf(node)) passColourUp(node);
   return changed;
 }
@@ -160,8 +159,10 @@ bool FolderTree::setNodeColour(QTreeWidgetItem* node) {
 // Parents come before their children in the node list, so a parent's own
 // state is set before its children pass their colours up to it.
 void FolderTree::setNodeColours() {
+  const store::AgeLimits limits = store::AgeLimits::read(ctx_.settings);
+  const text::DateTime now = ctx_.clock.now();
   for (QTreeWidgetItem* node : nodes_) {
-    applyTagFiles(node);
+    applyTagFiles(node, limits, now);
     if (colourOf(node)) passColourUp(node);
   }
 }

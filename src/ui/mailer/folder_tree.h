@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/context/app_context.h"
+#include "core/store/store_lister.h"
 
 namespace vonel {
 
@@ -53,7 +54,7 @@ class FolderTree final : public QTreeWidget {
 
  private:
   // Count, bold and colour from the folder's tag files; true when anything changed.
-  bool applyTagFiles(QTreeWidgetItem* node);
+  bool applyTagFiles(QTreeWidgetItem* node, const store::AgeLimits& limits, const text::DateTime& now);
   void setPlain(QTreeWidgetItem* node, bool& changed);
   void setCounted(QTreeWidgetItem* node, int count, bool& changed);
   static std::optional<std::int32_t> colourOf(const QTreeWidgetItem* node);

@@ -1,13 +1,6 @@
 #include "ui/mailer/mailer_toolbar.h"
 
 namespace vonel {
-namespace {
-
-const QString kStopTip = QStringLiteral("Stop the mail check that is running");
-const QString kSendReceiveTip = QStringLiteral("Send the outbox and download new mail");
-const QString kCleanTip = QStringLiteral("Check the servers, delete spam there and download the rest");
-
-}  // namespace
 
 MailerToolbar::MailerToolbar(QWidget* parent) : CommandToolbar("upanddown", parent) {
   addButton("help", "help", "Help", "Help and error reports");

@@ -3,15 +3,9 @@
 #include <QToolButton>
 
 namespace vonel {
-namespace {
-
-const QString kSendReceiveTip = QStringLiteral("Send the outbox and download new mail");
-const QString kStopTip = QStringLiteral("Stop the mail check that is running");
-
-}  // namespace
 
 ScannerToolbar::ScannerToolbar(QWidget* parent) : CommandToolbar("upanddown", parent) {
-  addButton("sendrcvdel", "sendrcvdel", "Download and Delete Spam", "Check the servers, delete spam there and download the rest");
+  addButton("sendrcvdel", "sendrcvdel", "Download and Delete Spam", kCleanTip);
   addButton("cms", "cms", "Tickets", "Open the ticket list");
   addButton("brd", "brd", "Reminders", "Show the reminders");
   addButton("newmail", "newmail", "New Mail", "Write a new message");
